@@ -1,0 +1,68 @@
+# One static library per room of src/. A room sees its own headers and those of the rooms that it
+# names; tools/check-house holds the same table over the include lines.
+
+add_library(azcoll_settings INTERFACE)
+target_include_directories(azcoll_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_features(azcoll_settings INTERFACE cxx_std_20)
+target_compile_options(
+  azcoll_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+                            -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Werror)
+if(AZCOLL_SANITIZE)
+  target_compile_options(azcoll_settings INTERFACE -fsanitize=address,undefined
+                                                   -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(azcoll_settings INTERFACE -fsanitize=address,undefined)
+endif()
+if(AZCOLL_COVERAGE)
+  target_compile_options(azcoll_settings INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(azcoll_settings INTERFACE --coverage)
+endif()
+
+# azcoll_room(NAME [DEPENDS rooms…] [EXTRA folders…] [LIBRARIES targets…])
+function(azcoll_room name)
+  cmake_parse_arguments(ROOM "" "" "DEPENDS;EXTRA;LIBRARIES" ${ARGN})
+  set(sources)
+  foreach(folder IN ITEMS ${name} ${ROOM_EXTRA})
+    file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+    list(APPEND sources ${found})
+  endforeach()
+  set(target azcoll_${name})
+  if(NOT sources)
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  else()
+    add_library(${target} STATIC ${sources})
+    set(scope PUBLIC)
+  endif()
+  target_link_libraries(${target} ${scope} azcoll_settings ${ROOM_LIBRARIES})
+  foreach(room IN LISTS ROOM_DEPENDS)
+    target_link_libraries(${target} ${scope} azcoll_${room})
+  endforeach()
+endfunction()
+
+# azcoll_command(NAME SOURCE file): the executable of that name on top of the room `cli`.
+function(azcoll_command name)
+  cmake_parse_arguments(COMMAND "" "SOURCE" "" ${ARGN})
+  if(EXISTS ${PROJECT_SOURCE_DIR}/${COMMAND_SOURCE})
+    add_executable(${name}_command ${COMMAND_SOURCE})
+    set_target_properties(${name}_command PROPERTIES OUTPUT_NAME ${name})
+    target_link_libraries(${name}_command PRIVATE azcoll_cli)
+  endif()
+endfunction()
+
+# azcoll_tests(NAME ROOMS rooms… FOLDER folder): one test program from all sources of a folder of
+# tests/, every case a CTest test.
+function(azcoll_tests name)
+  cmake_parse_arguments(TESTS "" "FOLDER" "ROOMS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${TESTS_FOLDER}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  foreach(room IN LISTS TESTS_ROOMS)
+    target_link_libraries(${name} PRIVATE azcoll_${room})
+  endforeach()
+  target_link_libraries(${name} PRIVATE GTest::gtest_main GTest::gmock)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(${name} PRIVATE AZCOLL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

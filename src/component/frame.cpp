@@ -1,0 +1,73 @@
+#include <exception>
+#include <utility>
+
+#include "component/service.h"
+#include "component/values.h"
+#include "data/error.h"
+#include "data/text.h"
+
+namespace azcoll {
+
+CLSCO_AZIENDECOLL::CLSCO_AZIENDECOLL() : CLSCO_AZIENDECOLL(defaultPlatform()) {}
+
+CLSCO_AZIENDECOLL::CLSCO_AZIENDECOLL(std::shared_ptr<Platform> platform)
+    : CPInput{std::make_shared<CLSCO_INPUTAZCOLL>()},
+      CPOutput{std::make_shared<CLSCO_OUTPUTAZCOLL>()},
+      platform_{std::move(platform)} {}
+
+CLSCO_AZIENDECOLL::~CLSCO_AZIENDECOLL() {
+  if (CPInput && CPInput->Connessione) {
+    if (Mbol_ConnessioneAperta) {
+      ignoreErrors([this] { CPInput->Connessione->close(); });
+    }
+    CPInput->Connessione = nullptr;
+  }
+}
+
+void CLSCO_AZIENDECOLL::metodo(std::string_view suffix, const Work& work) noexcept {
+  metodo(suffix, work, [] {});
+}
+
+void CLSCO_AZIENDECOLL::metodo(std::string_view suffix, const Work& work,
+                               const Work& onFailure) noexcept {
+  try {
+    if (InizializzaMetodo(Connect::Yes)) {
+      work();
+    }
+  } catch (...) {
+    intrappola(suffix, onFailure);
+  }
+}
+
+/// The error trap: called inside a catch block, turns the failure into `Stato` 99 and its message.
+void CLSCO_AZIENDECOLL::intrappola(std::string_view suffix, const Work& onFailure) noexcept {
+  ignoreErrors([&] {
+    const std::string description = currentDescription();
+    ignoreErrors(onFailure);
+    Stato = kTrapped;
+    Errore = join(description, suffix);
+  });
+}
+
+CLSCO_INPUTAZCOLL& CLSCO_AZIENDECOLL::input() const {
+  if (!CPInput) {
+    throw Error("Oggetto non impostato: CPInput");
+  }
+  return *CPInput;
+}
+
+CLSCO_OUTPUTAZCOLL& CLSCO_AZIENDECOLL::output() const {
+  if (!CPOutput) {
+    throw Error("Oggetto non impostato: CPOutput");
+  }
+  return *CPOutput;
+}
+
+Connection& CLSCO_AZIENDECOLL::connessione() const {
+  if (!input().Connessione) {
+    throw Error("Oggetto non impostato: Connessione");
+  }
+  return *input().Connessione;
+}
+
+}  // namespace azcoll

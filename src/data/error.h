@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <string>
+
+namespace azcoll {
+
+/// Everything known about a failure.
+struct ErrorInfo {
+  std::string description;       ///< text for people, as the database or this system words it
+  std::string sqlState;          ///< five characters, or empty when not known
+  int nativeNumber = 0;          ///< the database's own number, e.g. 2627 for a duplicate key
+  std::string source;            ///< who reports it: a provider's name, or "AZCOLLSRV"
+  std::string statement;         ///< the SQL text that failed, or empty
+  bool connectionLost = false;   ///< nothing more can be done on the connection
+  bool transactionLost = false;  ///< the database has already undone the open transaction
+};
+
+/// The one exception type of the system.
+///
+/// `fromProvider` tells whether the database (or its driver) refused an operation; only then has
+/// the connection's `Errors` collection an entry for it. Every other failure (a value that does not
+/// convert, an object that is not set) leaves that collection alone, and the traps of the public
+/// methods depend on the difference.
+class Error : public std::exception {
+ public:
+  /// A failure of this system's own, with its Italian description.
+  explicit Error(std::string description);
+
+  /// A failure reported by a provider.
+  static Error provider(ErrorInfo info);
+
+  [[nodiscard]] const char* what() const noexcept override { return info_.description.c_str(); }
+  [[nodiscard]] const ErrorInfo& info() const noexcept { return info_; }
+  [[nodiscard]] const std::string& description() const noexcept { return info_.description; }
+  [[nodiscard]] bool fromProvider() const noexcept { return fromProvider_; }
+
+ private:
+  ErrorInfo info_;
+  bool fromProvider_ = false;
+};
+
+/// The error collection of a connection, as ADO keeps it: filled when one of the provider's
+/// operations fails, emptied by `clear` and at the next failure; a success does not empty it.
+class Errors {
+ public:
+  Errors() = default;
+  Errors(const Errors&) = delete;
+  Errors(Errors&&) = delete;
+  Errors& operator=(const Errors&) = delete;
+  Errors& operator=(Errors&&) = delete;
+  virtual ~Errors() = default;
+
+  [[nodiscard]] virtual std::size_t count() const = 0;
+  /// Entry `index` from 0; throws `Error` when there is no such entry.
+  [[nodiscard]] virtual ErrorInfo item(std::size_t index) const = 0;
+  virtual void clear() = 0;
+};
+
+}  // namespace azcoll

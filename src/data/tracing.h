@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "data/connection.h"
+
+namespace azcoll {
+
+/// One operation seen by a traced connection.
+struct TraceEntry {
+  std::string operation;     ///< `Open`, `Execute`, `CommandExecute`, `BeginTrans`, `AddNew`, …
+  std::string sql;           ///< text as passed; empty when the operation has none
+  std::vector<int> options;  ///< option values as passed, in order
+  std::vector<std::pair<std::string, Variant>> parameters;  ///< of a command, before it runs
+  std::optional<std::int64_t> rows;  ///< rows returned, or changed; nothing when not known
+  double milliseconds = 0;
+  std::optional<ErrorInfo> error;  ///< set when the operation failed
+};
+
+/// Receives every operation after it ended, in order.
+using TraceSink = std::function<void(const TraceEntry&)>;
+
+/// A connection that passes everything on to another one and reports every operation.
+///
+/// Its recordsets and commands are traced too. Operations reported: connection `Open`, `Close`,
+/// `Execute`, `BeginTrans`, `CommitTrans`, `RollbackTrans`; recordset `Open`, `Close`, `AddNew`,
+/// `Update`, `CancelUpdate`, `UpdateBatch`, `Filter`, `Find`, `NextRecordset`; command
+/// `CommandExecute`. Reading and moving are not reported: they touch no database. A connection's
+/// `Open` reports no text, so that a password never reaches a trace.
+class ConnessioneTracciata final : public Connection,
+                                   public std::enable_shared_from_this<ConnessioneTracciata> {
+ public:
+  ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceSink sink);
+
+  void setConnectionString(std::string text) override;
+  [[nodiscard]] std::string connectionString() const override;
+  void setCommandTimeout(int seconds) override;
+  void setCursorLocation(CursorLocation location) override;
+  void open(std::string_view user, std::string_view password, CommandOption options) override;
+  void close() override;
+  [[nodiscard]] bool isOpen() const override;
+  std::shared_ptr<Recordset> execute(std::string_view commandText, std::int64_t& recordsAffected,
+                                     CommandOption options) override;
+  void beginTrans() override;
+  void commitTrans() override;
+  void rollbackTrans() override;
+  [[nodiscard]] Errors& errors() override;
+  [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override;
+  [[nodiscard]] std::shared_ptr<Command> newCommand() override;
+
+  /// The connection underneath.
+  [[nodiscard]] const std::shared_ptr<Connection>& inner() const { return inner_; }
+
+ private:
+  std::shared_ptr<Connection> inner_;
+  std::shared_ptr<const TraceSink> sink_;
+};
+
+}  // namespace azcoll

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "data/connection.h"
+
+namespace azcoll {
+
+/// A closed connection of the provider that `connectionString` chooses, with the string already
+/// set: the embedded engine for `Provider=embedded;…`. Throws `Error` when no provider of this
+/// build takes the string.
+[[nodiscard]] std::shared_ptr<Connection> newConnectionFor(std::string_view connectionString);
+
+}  // namespace azcoll

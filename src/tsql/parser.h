@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/ast.h"
+
+namespace azcoll::tsql {
+
+/// Deepest nesting of parentheses, subqueries, CASE and blocks that the parser follows; the message
+/// beyond it is SQL Server's number 191.
+inline constexpr std::size_t kMaxNesting = 200;
+
+/// A text that is not understood. `number` is SQL Server's message number (102, 105, 156, 191 …),
+/// or 0 for T-SQL that is valid but outside what this system runs. `what()` is the message alone,
+/// in SQL Server's wording for the numbered ones; `located()` adds line, column and the marked
+/// fragment.
+class SyntaxError : public std::runtime_error {
+ public:
+  SyntaxError(int number, const std::string& message, Position position, std::string fragment);
+
+  [[nodiscard]] int number() const { return number_; }
+  [[nodiscard]] const Position& position() const { return position_; }
+  /// The line of the text around the place, the offending token between `»` and `«`.
+  [[nodiscard]] const std::string& fragment() const { return fragment_; }
+  [[nodiscard]] std::string located() const;
+
+ private:
+  int number_;
+  Position position_;
+  std::string fragment_;
+};
+
+/// Parses one batch (no GO lines). Throws `SyntaxError`.
+[[nodiscard]] Batch parse(std::string_view text);
+
+/// One batch of a script and the line on which it starts in the script.
+struct ScriptBatch {
+  std::string text;
+  std::uint32_t firstLine = 1;
+};
+
+/// Parts a script at its lines that hold nothing but GO; batches without a statement are left out.
+/// A GO inside a comment or a quoted text does not count.
+[[nodiscard]] std::vector<ScriptBatch> splitScript(std::string_view script);
+
+/// One constant of a batch as the scanner sees it, in textual order: the values for the `Literal`
+/// nodes of a tree parsed from another text of the same shape.
+struct LiteralToken {
+  LiteralKind kind = LiteralKind::Null;
+  std::string_view raw;           ///< text between the quotes, or the digits
+  bool hasDoubledQuotes = false;  ///< `raw` still holds apostrophes written twice
+};
+
+/// The shape of a text: the text with every constant replaced by a byte that tells its class, and
+/// the constants taken out. Two texts with equal shapes have equal trees but for their constants.
+///
+/// Classes: integer, decimal or float, text. Between the parentheses of VALUES every constant and
+/// the word Null are one class, so that an INSERT has one shape whatever its missing values.
+/// Malformed texts have a shape too (the parser then refuses them). Texts with comments are not
+/// cacheable.
+struct Shape {
+  std::string key;
+  std::vector<LiteralToken> literals;
+  bool cacheable = true;
+};
+
+/// Computes the shape of `text` into `shape`, whose buffers are reused. Linear in the text.
+void scanShape(std::string_view text, Shape& shape);
+
+}  // namespace azcoll::tsql
