@@ -32,6 +32,9 @@ struct Date {
   /// `dd/mm/yyyy`, followed by ` hh:mm:ss` only when there is a time.
   [[nodiscard]] std::string text() const;
 
+  /// Appends what `text` gives to `target`.
+  void appendTo(std::string& target) const;
+
   /// `yyyymmdd`, followed by ` hh:mm:ss` only when there is a time: the form that SQL Server reads
   /// the same under every language setting.
   [[nodiscard]] std::string databaseText() const;

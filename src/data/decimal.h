@@ -45,11 +45,17 @@ class Decimal {
   /// The number as a 64-bit integer; empty when it has a fraction or does not fit.
   [[nodiscard]] std::optional<std::int64_t> toInteger() const;
 
+  /// The nearest 64-bit integer, a half going to the even neighbour; empty when it does not fit.
+  [[nodiscard]] std::optional<std::int64_t> toNearestInteger() const;
+
   /// Nearest double; for display and conversions that the caller asked for by name.
   [[nodiscard]] double toDouble() const;
 
   /// Decimal point whatever the locale, no grouping, scale kept: "-12.50".
   [[nodiscard]] std::string text() const;
+
+  /// Appends what `text` gives to `target`.
+  void appendTo(std::string& target) const;
 
   /// Exact sum, difference and product; empty when the exact result exceeds 38 digits.
   [[nodiscard]] std::optional<Decimal> plus(const Decimal& other) const;

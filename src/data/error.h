@@ -8,11 +8,11 @@ namespace azcoll {
 
 /// Everything known about a failure.
 struct ErrorInfo {
-  std::string description;       ///< text for people, as the database or this system words it
-  std::string sqlState;          ///< five characters, or empty when not known
+  std::string description{};     ///< text for people, as the database or this system words it
+  std::string sqlState{};        ///< five characters, or empty when not known
   int nativeNumber = 0;          ///< the database's own number, e.g. 2627 for a duplicate key
-  std::string source;            ///< who reports it: a provider's name, or "AZCOLLSRV"
-  std::string statement;         ///< the SQL text that failed, or empty
+  std::string source{};          ///< who reports it: a provider's name, or "AZCOLLSRV"
+  std::string statement{};       ///< the SQL text that failed, or empty
   bool connectionLost = false;   ///< nothing more can be done on the connection
   bool transactionLost = false;  ///< the database has already undone the open transaction
 };

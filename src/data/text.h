@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,17 +12,38 @@
 namespace azcoll {
 
 namespace detail {
+
+/// Whole numbers that join as digits: not a truth value and not a character.
+template <typename T>
+concept WholeNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
+
+inline constexpr std::size_t kLongestWholeNumber = 20;  // 64 bits: 19 digits and a sign, or 20
+
 inline void appendText(std::string& target, std::string_view part) { target += part; }
 // Only a variant itself: a text must not become one on the way.
 template <std::same_as<Variant> T>
 void appendText(std::string& target, const T& part) {
   part.appendTo(target);
 }
-template <std::integral T>
-requires(!std::same_as<T, bool> && !std::same_as<T, char>) void appendText(std::string& target,
-                                                                           T part) {
-  target += std::to_string(part);
+template <WholeNumber T>
+void appendText(std::string& target, T part) {
+  std::array<char, kLongestWholeNumber> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), part);
+  target.append(digits.data(), end.ptr);
 }
+
+// Room for a part, so that a statement of many parts is written into one block of memory.
+inline std::size_t roomFor(std::string_view part) { return part.size(); }
+template <std::same_as<Variant> T>
+std::size_t roomFor(const T& part) {
+  const std::string* const text = part.template get<std::string>();
+  return text != nullptr ? text->size() : kLongestWholeNumber;
+}
+template <WholeNumber T>
+constexpr std::size_t roomFor(T) {
+  return kLongestWholeNumber;
+}
+
 }  // namespace detail
 
 /// Joins texts, whole numbers and variants into one text. Null and Empty join as nothing; every
@@ -27,6 +51,7 @@ requires(!std::same_as<T, bool> && !std::same_as<T, char>) void appendText(std::
 template <typename... Parts>
 [[nodiscard]] std::string join(const Parts&... parts) {
   std::string result;
+  result.reserve((std::size_t{0} + ... + detail::roomFor(parts)));
   (detail::appendText(result, parts), ...);
   return result;
 }
@@ -34,7 +59,7 @@ template <typename... Parts>
 /// `text` with every apostrophe written twice, for use inside a quoted SQL literal.
 [[nodiscard]] std::string doubleApostrophes(std::string_view text);
 
-/// `text` without the blanks at its start and end.
+/// `text` without the blanks (U+0020) at its start and end.
 [[nodiscard]] std::string_view trim(std::string_view text);
 
 /// Number of UTF-8 code points of `text` (a malformed byte counts as one).

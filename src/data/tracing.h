@@ -14,13 +14,13 @@ namespace azcoll {
 
 /// One operation seen by a traced connection.
 struct TraceEntry {
-  std::string operation;     ///< `Open`, `Execute`, `CommandExecute`, `BeginTrans`, `AddNew`, …
-  std::string sql;           ///< text as passed; empty when the operation has none
-  std::vector<int> options;  ///< option values as passed, in order
-  std::vector<std::pair<std::string, Variant>> parameters;  ///< of a command, before it runs
-  std::optional<std::int64_t> rows;  ///< rows returned, or changed; nothing when not known
+  std::string operation{};     ///< `Open`, `Execute`, `CommandExecute`, `BeginTrans`, `AddNew`, …
+  std::string sql{};           ///< text as passed; empty when the operation has none
+  std::vector<int> options{};  ///< option values as passed, in order
+  std::vector<std::pair<std::string, Variant>> parameters{};  ///< of a command, before it runs
+  std::optional<std::int64_t> rows{};  ///< rows returned, or changed; nothing when not known
   double milliseconds = 0;
-  std::optional<ErrorInfo> error;  ///< set when the operation failed
+  std::optional<ErrorInfo> error{};  ///< set when the operation failed
 };
 
 /// Receives every operation after it ended, in order.

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <type_traits>
+#include <utility>
 #include <variant>
 
 #include "data/date.h"
@@ -90,7 +90,8 @@ class Variant {
   /// through its shortest text form.
   [[nodiscard]] azcoll::Decimal toDecimal() const;
 
-  /// Truth: a number is true when not 0, a text when it reads True/False (any case) or is a number.
+  /// Truth: a number is true when not 0, a text when it reads True/False (any case) or is a number
+  /// that is not 0; Empty is false.
   /// Throws `Error` for anything else.
   [[nodiscard]] bool toBool() const;
 

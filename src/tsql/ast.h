@@ -43,13 +43,18 @@ using StatementPtr = std::unique_ptr<Statement>;
 
 enum class LiteralKind : std::uint8_t { Integer, Decimal, Float, Text, NationalText, Binary, Null };
 
+/// The ordinal of a constant that the shape of its text does not lift: the word NULL anywhere but
+/// where it opens a value of a VALUES row.
+inline constexpr std::size_t kNotLifted = static_cast<std::size_t>(-1);
+
 /// A constant. `text` is the value: digits as written, text without its quotes and with doubled
 /// apostrophes undone. `ordinal` numbers the constants of a batch from 0 in textual order, so that
-/// a plan can take the values from another text of the same shape.
+/// a plan can take the values from another text of the same shape; `kNotLifted` when the constant
+/// is part of the shape.
 struct Literal {
   LiteralKind kind = LiteralKind::Null;
   std::string text;
-  std::size_t ordinal = 0;
+  std::size_t ordinal = kNotLifted;
 };
 
 struct ColumnReference {
@@ -310,7 +315,7 @@ struct CreateIndexStatement {
 };
 struct DropStatement {
   std::string kind;  ///< "TABLE", "PROCEDURE", "FUNCTION" or "INDEX"
-  ObjectName name;
+  ObjectName name;   ///< of an index: the parts of its table, then its own name
   bool ifExists = false;
 };
 
@@ -398,10 +403,14 @@ struct Statement {
 };
 
 /// A parsed batch. `literalCount` is the number of constants (their ordinals run from 0).
+/// `structuralLiterals` are the ordinals, rising, of the constants that no `Literal` node holds
+/// because they are part of something else (the length of a type, the seed of an identity, an alias
+/// in quotes): a plan serves another text of the same shape only when these are the same there.
 struct Batch {
   std::vector<StatementPtr> statements;
   std::size_t literalCount = 0;
   std::size_t markerCount = 0;
+  std::vector<std::size_t> structuralLiterals;
 };
 
 }  // namespace azcoll::tsql

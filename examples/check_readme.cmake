@@ -1,0 +1,6 @@
+file(READ ${PAGE} page)
+file(READ ${PROGRAM} program)
+string(FIND "${page}" "${program}" place)
+if(place EQUAL -1)
+  message(FATAL_ERROR "${PAGE} does not show ${PROGRAM} as it is")
+endif()

@@ -1,0 +1,202 @@
+#include "cli/app.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <exception>
+#include <fmt/format.h>
+#include <iostream>
+#include <memory>
+#include <string_view>
+#include <tuple>
+#include <unistd.h>
+
+#include "cli/command_campi.h"
+#include "cli/command_crea.h"
+#include "cli/command_esegui.h"
+#include "cli/command_metodi.h"
+#include "cli/command_sql.h"
+#include "cli/console.h"
+#include "cli/names.h"
+#include "data/error.h"
+
+namespace azcoll::cli {
+namespace {
+
+using Commands = std::tuple<CommandCrea, CommandEsegui, CommandMetodi, CommandCampi, CommandSql>;
+
+/// The command line: the subcommands and the words of its help, in Italian.
+class CommandLine {
+ public:
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine(CommandLine&&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  CommandLine& operator=(CommandLine&&) = delete;
+  ~CommandLine() = default;
+
+  ExitCode run(const std::vector<std::string>& args, Console& console);
+
+ private:
+  void refuseUnknown() const;
+  [[nodiscard]] const CLI::App& chosen() const;
+  [[nodiscard]] std::string inItalian(const CLI::ParseError& error) const;
+
+  CLI::App app_{
+      "Aziende collegate: crea il database, chiama i metodi del servizio, interroga i dati"};
+  Commands commands_;
+};
+
+CommandLine::CommandLine() {
+  app_.name("azcoll");
+  const auto formatter = std::make_shared<CLI::Formatter>();
+  for (const auto& [english, italian] : {std::pair{"Usage", "Uso"},
+                                         {"OPTIONS", "OPZIONI"},
+                                         {"SUBCOMMAND", "COMANDO"},
+                                         {"Positionals", "Argomenti"},
+                                         {"REQUIRED", "(obbligatorio)"},
+                                         {"Excludes", "non insieme a"}}) {
+    formatter->label(english, italian);
+  }
+  app_.formatter(formatter);
+  app_.option_defaults()->group("Opzioni");
+  // Set again under the Italian group: the constructor has made it before.
+  app_.set_help_flag();
+  app_.set_help_flag("-h,--help", "mostra questo aiuto");
+  app_.set_version_flag("--version", "azcoll " AZCOLL_VERSION, "mostra la versione");
+  app_.require_subcommand(0, 1);
+  // Unknown words are collected, so that the messages on them are this program's own.
+  app_.allow_extras();
+  std::apply([this](auto&... command) { (command.setup(app_)->group("Comandi"), ...); }, commands_);
+}
+
+const CLI::App& CommandLine::chosen() const {
+  const std::vector<CLI::App*> parsed = app_.get_subcommands();
+  return parsed.empty() ? app_ : *parsed.front();
+}
+
+std::vector<std::string_view> viewsOf(const std::vector<std::string>& names) {
+  return {names.begin(), names.end()};
+}
+
+std::vector<std::string> optionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) {
+      names.push_back("--" + name);
+    }
+  }
+  return names;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
+void CommandLine::refuseUnknown() const {
+  for (const CLI::App* level : {&app_, &chosen()}) {
+    const std::vector<std::string> unknown = level->remaining();
+    if (unknown.empty()) {
+      continue;
+    }
+    const std::string& word = unknown.front();
+    if (word.starts_with('-') && word != "-") {
+      const std::string name = word.substr(0, word.find('='));
+      throw UsageError(fmt::format("Opzione sconosciuta: {}.{}", name,
+                                   suggestion(name, viewsOf(optionNames(*level)))));
+    }
+    if (level != &app_) {
+      throw UsageError(fmt::format("Argomento di troppo: «{}».", word));
+    }
+    const std::vector<std::string> names = commandNames(app_);
+    throw UsageError(fmt::format("Comando sconosciuto: «{}».{} Comandi: {}.", word,
+                                 suggestion(word, viewsOf(names)), fmt::join(names, ", ")));
+  }
+  if (&chosen() == &app_) {
+    throw UsageError(
+        fmt::format("Manca il comando. Comandi: {}.", fmt::join(commandNames(app_), ", ")));
+  }
+}
+
+std::string CommandLine::inItalian(const CLI::ParseError& error) const {
+  const std::string text = error.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    for (const CLI::Option* option : chosen().get_options()) {
+      if (option->get_required() && option->count() == 0) {
+        return fmt::format("Manca {}.", option->get_name());
+      }
+    }
+  }
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    return "Due opzioni si escludono: --json e --csv.";
+  }
+  const std::string name = text.substr(0, text.find_first_of(": "));
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    const CLI::Option* option = chosen().get_option_no_throw(name);
+    const bool repeated = option != nullptr && option->count() > 1;
+    return fmt::format("L'opzione {} {}.", name,
+                       repeated ? "è indicata più volte" : "vuole un valore");
+  }
+  return fmt::format("Riga di comando non valida: {}", text);
+}
+
+ExitCode CommandLine::run(const std::vector<std::string>& args, Console& console) {
+  try {
+    app_.parse(std::vector<std::string>{args.rbegin(), args.rend()});
+  } catch (const CLI::CallForHelp&) {
+    console.out << app_.help();
+    return ExitCode::Ok;
+  } catch (const CLI::CallForVersion& version) {
+    console.out << version.what() << '\n';
+    return ExitCode::Ok;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(inItalian(error));
+  }
+  refuseUnknown();
+  ExitCode code = ExitCode::Usage;
+  const std::string name = chosen().get_name();
+  std::apply(
+      [&](const auto&... command) {
+        std::size_t index = 0;
+        const std::vector<std::string> names = commandNames(app_);
+        ((names[index++] == name ? static_cast<void>(code = command.run(console)) : void()), ...);
+      },
+      commands_);
+  return code;
+}
+
+ExitCode guarded(const std::vector<std::string>& args, Console& console) {
+  try {
+    return CommandLine{}.run(args, console);
+  } catch (const UsageError& error) {
+    console.err << fmt::format("azcoll: {}\n", error.what());
+    return ExitCode::Usage;
+  } catch (const OpenError& error) {
+    console.err << fmt::format("azcoll: {}\n", error.what());
+    return ExitCode::CannotOpen;
+  } catch (const std::exception& error) {
+    console.err << fmt::format("azcoll: {}\n", error.what());
+    return ExitCode::Failed;
+  }
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& args, std::istream& in, std::ostream& out,
+        std::ostream& err) {
+  Console console{in, out, err, &in == &std::cin && isatty(STDIN_FILENO) == 1};
+  ExitCode code = guarded(args, console);
+  out.flush();
+  if (!out && code == ExitCode::Ok) {
+    err << "azcoll: il risultato non è stato scritto per intero.\n";
+    code = ExitCode::Failed;
+  }
+  return static_cast<int>(code);
+}
+
+}  // namespace azcoll::cli

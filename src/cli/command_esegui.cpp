@@ -1,0 +1,161 @@
+#include "cli/command_esegui.h"
+
+#include <CLI/App.hpp>
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fmt/format.h>
+#include <optional>
+#include <ostream>
+#include <system_error>
+
+#include "cli/call_report.h"
+#include "cli/console_platform.h"
+#include "cli/names.h"
+#include "cli/trace.h"
+#include "cli/values.h"
+#include "component/members.h"
+
+namespace azcoll::cli {
+namespace {
+
+const MethodEntry& methodNamed(std::string_view name) {
+  std::array<std::string_view, kMethods.size()> names;
+  std::transform(kMethods.begin(), kMethods.end(), names.begin(),
+                 [](const MethodEntry& method) { return method.name; });
+  const std::optional<std::size_t> found = findName(name, names);
+  if (!found) {
+    throw UsageError(
+        fmt::format("Il metodo «{}» non esiste.{} L'elenco dei metodi è dato da: azcoll metodi",
+                    name, suggestion(name, names)));
+  }
+  const MethodEntry& method = kMethods[*found];
+  if (!method.present()) {
+    throw UsageError(fmt::format("Questa versione non ha ancora il metodo {}.", method.name));
+  }
+  return method;
+}
+
+void fillInput(CLSCO_INPUTAZCOLL& input, const CommandEsegui& command) {
+  for (const std::string& assignment : command.imposta) {
+    setField(input, assignment);
+  }
+  for (const std::string& name : command.nullo) {
+    const std::string_view field = inputFieldNamed(name).name;
+    for (const std::string& assignment : command.imposta) {
+      if (inputFieldNamed(assignment.substr(0, assignment.find('='))).name == field) {
+        throw UsageError(fmt::format("Il campo {} è sia in --imposta sia in --nullo.", field));
+      }
+    }
+    setFieldNull(input, name);
+  }
+}
+
+std::optional<Answer> answerNamed(const std::string& text) {
+  if (text.empty()) {
+    return std::nullopt;
+  }
+  const std::string folded = foldName(text);
+  if (folded == "si" || folded == "no") {
+    return folded == "si" ? Answer::Yes : Answer::No;
+  }
+  throw UsageError(fmt::format("--rispondi vuole si oppure no, non «{}».", text));
+}
+
+std::optional<TraceWriter> openTrace(const CommandEsegui& command, std::ostream& err) {
+  std::optional<TraceWriter> trace;
+  if (!command.traccia.empty()) {
+    std::error_code ignored;
+    if (std::filesystem::equivalent(command.traccia, command.database.file, ignored)) {
+      throw UsageError("La traccia non può andare nel file del database.");
+    }
+    trace.emplace(command.traccia, err);
+  }
+  return trace;
+}
+
+/// Calls the method; its result, or Empty when it has none.
+Variant call(CLSCO_AZIENDECOLL& service, const MethodMember& member) {
+  return std::visit(
+      [&service](auto method) -> Variant {
+        if constexpr (std::is_same_v<decltype(method), std::monostate>) {
+          return {};
+        } else if constexpr (std::is_void_v<decltype((service.*method)())>) {
+          (service.*method)();
+          return {};
+        } else {
+          return (service.*method)();
+        }
+      },
+      member);
+}
+
+/// Some methods leave a transaction to the owner of the connection; this owner is about to leave.
+void endOpenTransaction(Connection& connection, std::ostream& err) {
+  try {
+    connection.rollbackTrans();
+  } catch (const Error&) {
+    return;  // none was open
+  }
+  err << "Annullata la transazione che il metodo ha lasciato aperta.\n";
+}
+
+bool succeeded(const Variant& state) { return sameValue(state, std::int16_t{0}); }
+
+}  // namespace
+
+CLI::App* CommandEsegui::setup(CLI::App& parent) {
+  CLI::App* command =
+      parent.add_subcommand("esegui", "Chiama un metodo del servizio e stampa i risultati");
+  command->add_option("METODO", metodo, "nome del metodo (si veda: azcoll metodi)")
+      ->type_name("")
+      ->required();
+  database.setup(*command);
+  const auto repeatable = [command](const char* name, std::vector<std::string>& values,
+                                    const char* help, const char* type) {
+    command->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+  };
+  repeatable("--imposta", imposta,
+             "valore di un campo di ingresso: interi, date aaaa-mm-gg, true o false, membri di "
+             "enumerazione, testo; ripetibile",
+             "CAMPO=VALORE");
+  repeatable("--nullo", nullo, "mette Null in un campo Variant; ripetibile", "CAMPO");
+  command->add_option("--rispondi", rispondi, "risposta alle richieste del servizio")
+      ->type_name("si|no");
+  command
+      ->add_option("--traccia", traccia,
+                   "scrive le operazioni sul database nel FILE, una riga JSON ciascuna; - è lo "
+                   "standard error")
+      ->type_name("FILE|-");
+  command->add_flag("--json", json, "stampa i risultati come oggetto JSON");
+  command->footer(
+      "Esce con 0 se Stato è 0, 1 con un altro Stato, 2 per un uso errato, 3 se il database non "
+      "si apre.");
+  return command;
+}
+
+ExitCode CommandEsegui::run(Console& console) const {
+  const MethodEntry& method = methodNamed(metodo);
+  CLSCO_AZIENDECOLL service{std::make_shared<ConsolePlatform>(console, answerNamed(rispondi))};
+  fillInput(*service.CPInput, *this);
+  const CLSCO_INPUTAZCOLL before = *service.CPInput;
+
+  const std::shared_ptr<Connection> connection = openDatabase(database);
+  std::optional<TraceWriter> trace = openTrace(*this, console.err);
+  service.CPInput->Connessione = trace ? trace->traced(connection) : connection;
+
+  const Variant result = call(service, method.member);
+  if (trace && !trace->finish()) {
+    console.err << fmt::format("La traccia {} non è completa: errore di scrittura.\n", traccia);
+  }
+  const CallReport report{method, result, before, service};
+  if (json) {
+    report.printJson(console.out);
+  } else {
+    report.print(console.out);
+  }
+  endOpenTransaction(*connection, console.err);
+  return succeeded(service.Stato) ? ExitCode::Ok : ExitCode::Failed;
+}
+
+}  // namespace azcoll::cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/console.h"
+#include "cli/database.h"
+
+namespace CLI {
+class App;
+}
+
+namespace azcoll::cli {
+
+/// `azcoll esegui`: calls a method of the service and prints what came out.
+struct CommandEsegui {
+  std::string metodo;
+  DatabaseOptions database;
+  std::vector<std::string> imposta;
+  std::vector<std::string> nullo;
+  std::string rispondi;
+  std::string traccia;
+  bool json = false;
+
+  CLI::App* setup(CLI::App& parent);
+  ExitCode run(Console& console) const;
+};
+
+}  // namespace azcoll::cli

@@ -1,0 +1,53 @@
+#include "cli/command_metodi.h"
+
+#include <CLI/App.hpp>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "cli/json.h"
+#include "cli/rows.h"
+#include "component/members.h"
+
+namespace azcoll::cli {
+namespace {
+
+Json methodsAsJson() {
+  Json methods = Json::array();
+  for (const MethodEntry& method : kMethods) {
+    Json& entry = methods.emplace_back();
+    entry["nome"] = method.name;
+    entry["risultato"] =
+        method.result == MethodResult::None ? Json{nullptr} : Json{typeName(method.result)};
+    entry["presente"] = method.present();
+    entry["descrizione"] = method.meaning;
+  }
+  return methods;
+}
+
+Rows methodsAsRows() {
+  Rows methods{{"Metodo", "Risultato", "Presente", "Descrizione"}, {}};
+  for (const MethodEntry& method : kMethods) {
+    methods.rows.push_back(
+        {method.name, typeName(method.result), method.present() ? "sì" : "no", method.meaning});
+  }
+  return methods;
+}
+
+}  // namespace
+
+CLI::App* CommandMetodi::setup(CLI::App& parent) {
+  CLI::App* command = parent.add_subcommand("metodi", "Elenca i metodi del servizio");
+  command->add_flag("--json", json, "stampa l'elenco come JSON");
+  return command;
+}
+
+ExitCode CommandMetodi::run(Console& console) const {
+  if (json) {
+    console.out << dump(methodsAsJson()) << '\n';
+  } else {
+    printTable(console.out, methodsAsRows());
+  }
+  return ExitCode::Ok;
+}
+
+}  // namespace azcoll::cli

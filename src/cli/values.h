@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "component/members.h"
+#include "data/variant.h"
+
+namespace azcoll::cli {
+
+/// The value that a text typed for a variant field stands for: a date in a date field, a whole
+/// number (32 bits, 64 bits or decimal, the first that holds it), `true` or `false`; anything else
+/// is the text itself. A number with leading zeros stays a text, so that no digit is lost.
+[[nodiscard]] Variant typedValue(std::string_view text, FieldUse use);
+
+/// Sets an input field from `CAMPO=VALORE`. The field's name may lack accents or the right letter
+/// case. Throws `UsageError` when there is no such field, when it is an object, or when the value
+/// does not suit it.
+void setField(CLSCO_INPUTAZCOLL& input, std::string_view assignment);
+
+/// Sets a variant field to Null. Throws `UsageError` when there is no such field or it is of
+/// another kind.
+void setFieldNull(CLSCO_INPUTAZCOLL& input, std::string_view name);
+
+/// The input field of this name; throws `UsageError` naming the nearest when there is none.
+[[nodiscard]] const InputField& inputFieldNamed(std::string_view name);
+
+/// A field's value as a variant, enumerations as their number.
+template <typename Class>
+[[nodiscard]] Variant fieldValue(const Class& object, const FieldEntry<Class>& field) {
+  return std::visit(
+      [&object](auto member) -> Variant {
+        const auto& value = object.*member;
+        using Value = std::remove_cvref_t<decltype(value)>;
+        if constexpr (std::is_enum_v<Value>) {
+          return static_cast<std::int32_t>(value);
+        } else if constexpr (std::is_convertible_v<Value, std::shared_ptr<Object>>) {
+          return std::shared_ptr<Object>{value};
+        } else {
+          return value;
+        }
+      },
+      field.member);
+}
+
+/// Whether the field refers to an object (a connection, a recordset, an object of the host).
+[[nodiscard]] constexpr bool isObjectField(FieldKind kind) {
+  return kind == FieldKind::Connection || kind == FieldKind::Recordset || kind == FieldKind::Object;
+}
+
+/// Text form for people: as `Variant::text`, with NULL for the missing value.
+[[nodiscard]] std::string displayText(const Variant& value);
+
+/// Text form for programs: as `displayText`, but dates as `yyyy-mm-dd[ hh:mm:ss]` (thousandths of
+/// a second follow only when there are some) and nothing for Null.
+[[nodiscard]] std::string exchangeText(const Variant& value);
+
+}  // namespace azcoll::cli

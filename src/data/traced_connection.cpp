@@ -1,0 +1,95 @@
+#include <utility>
+
+#include "data/messages.h"
+#include "data/trace_report.h"
+#include "data/tracing.h"
+
+namespace azcoll {
+
+using detail::traced;
+
+namespace detail {
+
+std::optional<std::int64_t> rowsOf(const Recordset* result, std::int64_t affected) {
+  const std::int64_t rows =
+      result != nullptr && result->isOpen() ? result->recordCount() : affected;
+  return rows < 0 ? std::nullopt : std::optional{rows};
+}
+
+std::shared_ptr<Connection> innermost(std::shared_ptr<Connection> connection) {
+  // One step only: a recordset under two tracers takes off the inner one itself.
+  const auto* const tracer = dynamic_cast<const ConnessioneTracciata*>(connection.get());
+  return tracer != nullptr ? tracer->inner() : std::move(connection);
+}
+
+}  // namespace detail
+
+ConnessioneTracciata::ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceSink sink)
+    : inner_{std::move(inner)}, sink_{std::make_shared<const TraceSink>(std::move(sink))} {
+  if (!inner_) {
+    throw Error(std::string{messages::kNoConnection});
+  }
+}
+
+void ConnessioneTracciata::setConnectionString(std::string text) {
+  inner_->setConnectionString(std::move(text));
+}
+
+std::string ConnessioneTracciata::connectionString() const { return inner_->connectionString(); }
+
+void ConnessioneTracciata::setCommandTimeout(int seconds) { inner_->setCommandTimeout(seconds); }
+
+void ConnessioneTracciata::setCursorLocation(CursorLocation location) {
+  inner_->setCursorLocation(location);
+}
+
+void ConnessioneTracciata::open(std::string_view user, std::string_view password,
+                                CommandOption options) {
+  traced(sink_, {.operation = "Open", .options = {static_cast<int>(options)}},
+         [&](TraceEntry&) { inner_->open(user, password, options); });
+}
+
+void ConnessioneTracciata::close() {
+  traced(sink_, {.operation = "Close"}, [&](TraceEntry&) { inner_->close(); });
+}
+
+bool ConnessioneTracciata::isOpen() const { return inner_->isOpen(); }
+
+std::shared_ptr<Recordset> ConnessioneTracciata::execute(std::string_view commandText,
+                                                         std::int64_t& recordsAffected,
+                                                         CommandOption options) {
+  std::shared_ptr<Recordset> result;
+  traced(sink_,
+         {.operation = "Execute",
+          .sql = std::string{commandText},
+          .options = {static_cast<int>(options)}},
+         [&](TraceEntry& entry) {
+           result = inner_->execute(commandText, recordsAffected, options);
+           entry.rows = detail::rowsOf(result.get(), recordsAffected);
+         });
+  return detail::tracedRecordset(std::move(result), sink_);
+}
+
+void ConnessioneTracciata::beginTrans() {
+  traced(sink_, {.operation = "BeginTrans"}, [&](TraceEntry&) { inner_->beginTrans(); });
+}
+
+void ConnessioneTracciata::commitTrans() {
+  traced(sink_, {.operation = "CommitTrans"}, [&](TraceEntry&) { inner_->commitTrans(); });
+}
+
+void ConnessioneTracciata::rollbackTrans() {
+  traced(sink_, {.operation = "RollbackTrans"}, [&](TraceEntry&) { inner_->rollbackTrans(); });
+}
+
+Errors& ConnessioneTracciata::errors() { return inner_->errors(); }
+
+std::shared_ptr<Recordset> ConnessioneTracciata::newRecordset() {
+  return detail::tracedRecordset(inner_->newRecordset(), sink_);
+}
+
+std::shared_ptr<Command> ConnessioneTracciata::newCommand() {
+  return detail::tracedCommand(inner_->newCommand(), sink_);
+}
+
+}  // namespace azcoll

@@ -1,0 +1,112 @@
+#include "cli/command_crea.h"
+#include "cli/database.h"
+#include "cli/scripts.h"
+#include "cli_test.h"
+
+namespace azcoll::cli {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::ThrowsMessage;
+
+class Crea : public FolderTest {};
+
+TEST_F(Crea, MakesADatabaseWithTablesAndProcedure) {
+  const std::string db = path("nuovo.db");
+  const Outcome outcome = azcoll("crea", "--db", db);
+  EXPECT_EQ(outcome.code, ExitCode::Ok) << outcome.err;
+  EXPECT_THAT(outcome.out, IsEmpty());
+  EXPECT_THAT(outcome.err, HasSubstr("Creato il database"));
+  EXPECT_THAT(filesLeft(), ElementsAre("nuovo.db"));
+  const Outcome rows = azcoll("sql", "--db", db, "--csv", "SELECT COUNT(*) AS N FROM CG44_CLIFOR");
+  EXPECT_EQ(rows.out, "N\r\n0\r\n") << rows.err;
+  const Outcome method = azcoll("esegui", "GetDittaPrincipale", "--db", db, "--imposta",
+                                "Pvar_Ditta=10", "--imposta", "AnnoSolare=2024");
+  EXPECT_EQ(method.code, ExitCode::Ok) << method.err;
+}
+
+TEST_F(Crea, AddsTheExampleWhenAsked) {
+  const std::string db = path("nuovo.db");
+  EXPECT_EQ(azcoll("crea", "--esempio", "--db", db).code, ExitCode::Ok);
+  const Outcome rows =
+      azcoll("sql", "--db", db, "--csv", "SELECT COUNT(*) AS N FROM CG18_ANADITTABASE");
+  EXPECT_EQ(rows.out, "N\r\n8\r\n") << rows.err;
+}
+
+TEST_F(Crea, DoesNotOverwriteAFile) {
+  const std::string db = path("esiste.db");
+  std::ofstream{db} << "contenuto";
+  const Outcome outcome = azcoll("crea", "--db", db);
+  EXPECT_EQ(outcome.code, ExitCode::Usage);
+  EXPECT_THAT(outcome.err, HasSubstr("esiste già"));
+  EXPECT_EQ(contents(db), "contenuto");
+  EXPECT_THAT(filesLeft(), ElementsAre("esiste.db"));
+}
+
+TEST_F(Crea, DoesNotReplaceAFolderOrALinkThatLeadsNowhere) {
+  EXPECT_EQ(azcoll("crea", "--db", folder_.string()).code, ExitCode::Usage);
+  std::filesystem::create_symlink(path("altrove"), path("legame"));
+  EXPECT_EQ(azcoll("crea", "--db", path("legame")).code, ExitCode::Usage);
+  EXPECT_THAT(filesLeft(), ElementsAre("legame"));
+}
+
+TEST_F(Crea, ReportsAFolderThatDoesNotExist) {
+  const Outcome outcome = azcoll("crea", "--db", path("manca/nuovo.db"));
+  EXPECT_EQ(outcome.code, ExitCode::CannotOpen);
+  EXPECT_THAT(outcome.err, HasSubstr("Impossibile creare il database"));
+  EXPECT_THAT(filesLeft(), IsEmpty());
+}
+
+TEST_F(Crea, RefusesADatabaseInMemory) {
+  const Outcome outcome = azcoll("crea", "--db", ":memory:");
+  EXPECT_EQ(outcome.code, ExitCode::Usage);
+  EXPECT_THAT(outcome.err, HasSubstr("in memoria"));
+}
+
+TEST_F(Crea, CarriesTheScriptsOfTheSchemaFolder) {
+  const std::string folder = std::string{AZCOLL_SOURCE_DIR} + "/schema/";
+  for (const Script& script : {kTabelle, kProcedure, kEsempio}) {
+    EXPECT_EQ(script.text, contents(folder + std::string{script.name})) << script.name;
+    EXPECT_THAT(std::string{script.text}, testing::Not(IsEmpty()));
+  }
+}
+
+class RunScript : public testing::Test {
+ protected:
+  void run(std::string_view text) { runScript(*connection_, {"prova.sql", text}); }
+
+  std::shared_ptr<Connection> connection_ = openConnection(embeddedConnectionString(":memory:"));
+};
+
+TEST_F(RunScript, RunsEveryBatch) {
+  run("CREATE TABLE T (A INT NOT NULL)\nGO\nINSERT INTO T (A) VALUES (1)\ngo\n");
+  std::int64_t affected = 0;
+  const auto rows = connection_->execute("SELECT A FROM T", affected, CommandOption::Text);
+  EXPECT_EQ(rows->recordCount(), 1);
+}
+
+TEST_F(RunScript, NamesScriptLineAndStatementOfASyntaxError) {
+  EXPECT_THAT([&] { run("CREATE TABLE T (A INT NOT NULL)\nGO\n\nINSERT INTO T (A)\nVALUS (1)\n"); },
+              ThrowsMessage<Error>(AllOf(HasSubstr("prova.sql, riga 5: "), HasSubstr("Errore 102"),
+                                         HasSubstr("INSERT INTO T (A) VALUS (1)"))));
+}
+
+TEST_F(RunScript, NamesScriptLineAndStatementOfARefusedStatement) {
+  EXPECT_THAT(
+      [&] { run("CREATE TABLE T (A INT NOT NULL)\nGO\n\nINSERT INTO T (A)\nVALUES (NULL)\n"); },
+      ThrowsMessage<Error>(AllOf(HasSubstr("prova.sql, riga 4: "), HasSubstr("Errore 515"),
+                                 HasSubstr("INSERT INTO T (A) VALUES (NULL)"))));
+}
+
+TEST_F(RunScript, ShortensALongStatement) {
+  const std::string text = "SELECT '" + std::string(500, 'x') + "' FROM NESSUNA";
+  EXPECT_THAT([&] { run(text); },
+              ThrowsMessage<Error>(AllOf(HasSubstr("Errore 208"), HasSubstr("xxx…"),
+                                         testing::Not(HasSubstr(std::string(300, 'x'))))));
+}
+
+}  // namespace
+}  // namespace azcoll::cli
