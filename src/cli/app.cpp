@@ -48,6 +48,13 @@ class CommandLine {
   Commands commands_;
 };
 
+/// Puts the help option, which the library makes by itself, into Italian words.
+void localize(CLI::App& app) {
+  app.option_defaults()->group("Opzioni");
+  app.set_help_flag();
+  app.set_help_flag("-h,--help", "mostra questo aiuto");
+}
+
 CommandLine::CommandLine() {
   app_.name("azcoll");
   const auto formatter = std::make_shared<CLI::Formatter>();
@@ -55,20 +62,21 @@ CommandLine::CommandLine() {
                                          {"OPTIONS", "OPZIONI"},
                                          {"SUBCOMMAND", "COMANDO"},
                                          {"Positionals", "Argomenti"},
-                                         {"REQUIRED", "(obbligatorio)"},
-                                         {"Excludes", "non insieme a"}}) {
+                                         {"REQUIRED", "(obbligatorio)"}}) {
     formatter->label(english, italian);
   }
   app_.formatter(formatter);
-  app_.option_defaults()->group("Opzioni");
-  // Set again under the Italian group: the constructor has made it before.
-  app_.set_help_flag();
-  app_.set_help_flag("-h,--help", "mostra questo aiuto");
+  localize(app_);
   app_.set_version_flag("--version", "azcoll " AZCOLL_VERSION, "mostra la versione");
   app_.require_subcommand(0, 1);
   // Unknown words are collected, so that the messages on them are this program's own.
   app_.allow_extras();
-  std::apply([this](auto&... command) { (command.setup(app_)->group("Comandi"), ...); }, commands_);
+  const auto add = [this](auto& command) {
+    CLI::App* added = command.setup(app_);
+    added->group("Comandi");
+    localize(*added);
+  };
+  std::apply([&add](auto&... command) { (add(command), ...); }, commands_);
 }
 
 const CLI::App& CommandLine::chosen() const {
@@ -131,9 +139,6 @@ std::string CommandLine::inItalian(const CLI::ParseError& error) const {
         return fmt::format("Manca {}.", option->get_name());
       }
     }
-  }
-  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
-    return "Due opzioni si escludono: --json e --csv.";
   }
   const std::string name = text.substr(0, text.find_first_of(": "));
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {

@@ -116,8 +116,8 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
     command->add_option(name, values, help)->type_name(type)->allow_extra_args(false);
   };
   repeatable("--imposta", imposta,
-             "valore di un campo di ingresso: interi, date aaaa-mm-gg, true o false, membri di "
-             "enumerazione, testo; ripetibile",
+             "valore di un campo di ingresso: intero, data aaaa-mm-gg,\n"
+             "true o false, membro di enumerazione, testo; ripetibile",
              "CAMPO=VALORE");
   repeatable("--nullo", nullo, "mette Null in un campo Variant; ripetibile", "CAMPO");
   command->add_option("--rispondi", rispondi, "risposta alle richieste del servizio")
@@ -129,8 +129,8 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
       ->type_name("FILE|-");
   command->add_flag("--json", json, "stampa i risultati come oggetto JSON");
   command->footer(
-      "Esce con 0 se Stato è 0, 1 con un altro Stato, 2 per un uso errato, 3 se il database non "
-      "si apre.");
+      "Esce con 0 se Stato è 0, 1 con un altro Stato, 2 per un uso errato,\n"
+      "3 se il database non si apre.");
   return command;
 }
 

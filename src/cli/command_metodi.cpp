@@ -17,7 +17,7 @@ Json methodsAsJson() {
     Json& entry = methods.emplace_back();
     entry["nome"] = method.name;
     entry["risultato"] =
-        method.result == MethodResult::None ? Json{nullptr} : Json{typeName(method.result)};
+        method.result == MethodResult::None ? Json(nullptr) : Json(typeName(method.result));
     entry["presente"] = method.present();
     entry["descrizione"] = method.meaning;
   }

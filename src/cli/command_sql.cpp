@@ -135,16 +135,19 @@ CLI::App* CommandSql::setup(CLI::App& parent) {
             testo = text;
             fromArgument_ = true;
           },
-          "istruzioni da eseguire, in gruppi divisi da righe GO; senza, si leggono dallo standard "
-          "input")
+          "istruzioni da eseguire, in gruppi divisi da righe GO;\n"
+          "senza, si leggono dallo standard input")
       ->type_name("");
   database.setup(*command);
-  CLI::Option* asJson = command->add_flag("--json", json, "stampa un array JSON di risultati");
-  command->add_flag("--csv", csv, "stampa i risultati in CSV (RFC 4180)")->excludes(asJson);
+  command->add_flag("--json", json, "stampa un array JSON di risultati");
+  command->add_flag("--csv", csv, "stampa i risultati in CSV (RFC 4180)");
   return command;
 }
 
 ExitCode CommandSql::run(Console& console) const {
+  if (json && csv) {
+    throw UsageError("Le opzioni --json e --csv si escludono.");
+  }
   const std::shared_ptr<Connection> connection = openDatabase(database);
   const std::vector<tsql::ScriptBatch> batches =
       tsql::splitScript(fromArgument_ ? testo : readAll(console));

@@ -45,6 +45,7 @@ Answer ConsolePlatform::ask() {
   console_.err << "Sì o No? [s/N] " << std::flush;
   std::string line;
   std::getline(console_.in, line);
+  line.erase(line.find_last_not_of(" \t\r") + 1);
   const std::string answer = foldName(trim(line));
   return std::find(yes.begin(), yes.end(), answer) != yes.end() ? Answer::Yes : Answer::No;
 }

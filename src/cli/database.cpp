@@ -31,10 +31,10 @@ std::optional<tsql::Position> syntaxErrorPosition(const std::string& text, int n
 }  // namespace
 
 void DatabaseOptions::setup(CLI::App& command) {
-  command.add_option("--db", file, "database del motore incorporato")->type_name("FILE");
+  command.add_option("--db", file, "file del database (motore incorporato)")->type_name("FILE");
   command
       .add_option("--connessione", connectionString,
-                  "stringa di connessione, al posto di --db (Provider=embedded;Data Source=…)")
+                  "stringa di connessione, al posto di --db\n(Provider=embedded;Data Source=…)")
       ->type_name("STRINGA");
 }
 
@@ -42,11 +42,15 @@ std::string embeddedConnectionString(std::string_view file) {
   if (file.empty()) {
     throw UsageError("--db vuole il nome di un file.");
   }
-  if (file.find_first_of(std::string_view{";\"\0", 3}) != std::string_view::npos) {
-    throw UsageError(fmt::format(
-        "Il nome «{}» contiene un carattere che una stringa di connessione non ammette.", file));
+  if (file.find('\0') != std::string_view::npos) {
+    throw UsageError("Il nome di un file non può contenere un carattere nullo.");
   }
-  return fmt::format("Provider=embedded;Data Source={}", file);
+  // Quoted, so that a semicolon or a blank at the end stays part of the name.
+  std::string source = "\"";
+  for (const char c : file) {
+    source += c == '"' ? "\"\"" : std::string_view{&c, 1};
+  }
+  return fmt::format("Provider=embedded;Data Source={}\"", source);
 }
 
 std::shared_ptr<Connection> openConnection(const std::string& connectionString) {

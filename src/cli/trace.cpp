@@ -40,7 +40,7 @@ void TraceWriter::write(const TraceEntry& entry) {
 std::string traceLine(const TraceEntry& entry) {
   Json line;
   line["op"] = entry.operation;
-  line["sql"] = entry.sql.empty() ? Json{nullptr} : Json{entry.sql};
+  line["sql"] = entry.sql.empty() ? Json(nullptr) : Json(entry.sql);
   line["opzioni"] = entry.options;
   if (entry.operation == "CommandExecute") {
     Json& parameters = line["parametri"] = Json::object();
@@ -48,7 +48,7 @@ std::string traceLine(const TraceEntry& entry) {
       parameters[name] = toJson(value);
     }
   }
-  line["righe"] = entry.rows ? Json{*entry.rows} : Json{nullptr};
+  line["righe"] = entry.rows ? Json(*entry.rows) : Json(nullptr);
   line["ms"] = entry.milliseconds;
   if (entry.error) {
     line["errore"] = {{"descrizione", entry.error->description},

@@ -1,41 +1,13 @@
 #include "cli/utf8.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
+
+#include "tsql/utf8.h"
 
 namespace azcoll::cli {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
-
-struct Lead {
-  std::size_t continuations = 0;
-  char32_t bits = 0;
-  bool valid = false;
-};
-
-Lead leadOf(unsigned char byte) {
-  if (byte < 0x80) {
-    return {0, byte, true};
-  }
-  if (byte >= 0xC2 && byte < 0xE0) {
-    return {1, byte & 0x1FU, true};
-  }
-  if (byte >= 0xE0 && byte < 0xF0) {
-    return {2, byte & 0x0FU, true};
-  }
-  if (byte >= 0xF0 && byte < 0xF5) {
-    return {3, byte & 0x07U, true};
-  }
-  return {};
-}
-
-// Neither written longer than needed, nor a half of a UTF-16 pair, nor beyond Unicode.
-bool isScalar(char32_t c, std::size_t continuations) {
-  constexpr std::array<char32_t, 4> lowest{0, 0x80, 0x800, 0x10000};
-  return c >= lowest[continuations] && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF);
-}
 
 }  // namespace
 
@@ -44,17 +16,9 @@ std::u32string decodeUtf8(std::string_view text) {
   result.reserve(text.size());
   std::size_t i = 0;
   while (i < text.size()) {
-    const Lead lead = leadOf(static_cast<unsigned char>(text[i]));
-    char32_t c = lead.bits;
-    bool valid = lead.valid && i + lead.continuations < text.size();
-    for (std::size_t k = 1; valid && k <= lead.continuations; ++k) {
-      const auto byte = static_cast<unsigned char>(text[i + k]);
-      valid = (byte & 0xC0U) == 0x80U;
-      c = (c << 6U) | (byte & 0x3FU);
-    }
-    valid = valid && isScalar(c, lead.continuations);
-    result += valid ? c : kReplacement;
-    i += valid ? lead.continuations + 1 : 1;
+    const tsql::CodePoint point = tsql::decodeUtf8(text, i);
+    result += point.length == 0 ? kReplacement : static_cast<char32_t>(point.value);
+    i += std::max<std::size_t>(point.length, 1);
   }
   return result;
 }

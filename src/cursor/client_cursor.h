@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,11 +30,14 @@ class StatementRunner {
 };
 
 /// A closed recordset, to be configured and opened. `setActiveConnection` accepts a connection that
-/// is also a `StatementRunner`.
+/// is also a `StatementRunner`. Read-only unless opened with batch-optimistic locking, the one
+/// locking with changes that a client-side cursor has. A source that gives no result leaves the
+/// recordset closed.
 [[nodiscard]] std::shared_ptr<Recordset> newClientCursor();
 
 /// An open recordset over the results of an execution, positioned on the first row of the first
-/// one; null when there is none. `connection` (also a `StatementRunner`) receives batch updates.
+/// one; null when there is none. `connection` (also a `StatementRunner`) receives batch updates;
+/// null gives a detached recordset.
 [[nodiscard]] std::shared_ptr<Recordset> openClientCursor(ExecutionResult result,
                                                           std::shared_ptr<Connection> connection);
 

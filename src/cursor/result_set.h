@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -9,12 +10,16 @@
 namespace azcoll {
 
 /// What a provider knows of one result column.
+///
+/// Changes are written back with it, so a provider says nothing rather than something uncertain:
+/// `baseTable` stays empty when the query names the table more than once, and `isKey` is only set
+/// when the result holds the table's whole primary key.
 struct ColumnInfo {
-  std::string name;         ///< empty for an unnamed column
-  std::string baseTable;    ///< table the value comes from unchanged, or empty (computed, constant)
-  std::string baseColumn;   ///< column of that table, or empty
-  bool isKey = false;       ///< part of the primary key of `baseTable`
-  bool isIdentity = false;  ///< numbered by the database: left out of inserts
+  std::string name{};       ///< empty for an unnamed column
+  std::string baseTable{};  ///< table the value comes from unchanged, or empty (computed, constant)
+  std::string baseColumn{};  ///< column of that table, or empty
+  bool isKey = false;        ///< part of the primary key of `baseTable`
+  bool isIdentity = false;   ///< numbered by the database: left out of inserts
 };
 
 /// One result of an execution, all rows in memory. `rows` is row after row, `columns.size()` values

@@ -27,8 +27,29 @@ inline constexpr std::string_view kUnsupportedOption =
 inline constexpr std::string_view kNoCurrentRow = "Nessuna riga corrente";
 inline constexpr std::string_view kMoveBeyondEnd = "Spostamento oltre la fine del recordset";
 
-// Criteria of Filter and Find; followed by the position and the fragment.
+// Criteria of Filter and Find: this, the position of the character, one of the reasons below and
+// the text found there.
 inline constexpr std::string_view kInvalidCriteria = "Criterio non valido";
+namespace criteria {
+inline constexpr std::string_view kNameExpected = "atteso il nome di una colonna";
+inline constexpr std::string_view kOpenBracket = "manca la parentesi quadra finale";
+inline constexpr std::string_view kOperatorExpected = "atteso un confronto (= <> < <= > >= LIKE)";
+inline constexpr std::string_view kValueExpected = "atteso un valore";
+inline constexpr std::string_view kOpenText = "manca l'apostrofo finale";
+inline constexpr std::string_view kInvalidDate = "data non valida";
+inline constexpr std::string_view kInvalidNumber = "numero non valido";
+inline constexpr std::string_view kNullComparison = "NULL ammette solo = e <>";
+inline constexpr std::string_view kLikeNeedsText = "LIKE richiede un testo";
+inline constexpr std::string_view kOpenGroup = "manca la parentesi finale";
+inline constexpr std::string_view kOrOutsideGroups = "OR è ammesso solo fra gruppi tra parentesi";
+inline constexpr std::string_view kAndBetweenOr = "AND non è ammesso fra gruppi uniti da OR";
+inline constexpr std::string_view kOneComparison = "è ammesso un solo confronto";
+inline constexpr std::string_view kEndExpected = "attesa la fine del criterio";
+inline constexpr std::string_view kEndOfText = "fine del testo";
+}  // namespace criteria
+// Followed by the column.
+inline constexpr std::string_view kCriteriaType =
+    "Criterio non valido: tipo non corrispondente per la colonna ";
 
 // Changes; some are followed by the column or table concerned.
 inline constexpr std::string_view kReadOnly = "Recordset di sola lettura";

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,9 +34,16 @@ using TraceSink = std::function<void(const TraceEntry&)>;
 /// `Update`, `CancelUpdate`, `UpdateBatch`, `Filter`, `Find`, `NextRecordset`; command
 /// `CommandExecute`. Reading and moving are not reported: they touch no database. A connection's
 /// `Open` reports no text, so that a password never reaches a trace.
-class ConnessioneTracciata final : public Connection,
-                                   public std::enable_shared_from_this<ConnessioneTracciata> {
+///
+/// `options` holds: connection `Open` and `Execute`, command `CommandExecute`: the command option;
+/// recordset `Open`: cursor type, lock type, command option; `UpdateBatch`: which rows; `Find`:
+/// rows to skip, direction, start. `sql` of `Filter` and `Find` is the criteria. A command's
+/// parameters are listed when its owner has asked for them: tracing adds no work to the database. A
+/// failure passes on unchanged after it was reported, even when the sink fails; a sink that fails
+/// after a success makes the operation fail with its own exception.
+class ConnessioneTracciata final : public Connection {
  public:
+  /// `inner` must be set (throws `Error` otherwise); an empty `sink` reports to nobody.
   ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceSink sink);
 
   void setConnectionString(std::string text) override;

@@ -161,7 +161,10 @@ void Parser::parseColumnConstraint(CreateTableStatement& table, ColumnDefinition
   }
   if (accept(Keyword::Default)) {
     if (column.defaultValue) {
-      fail();
+      failAt(8148,
+             "More than one column DEFAULT constraint specified for column '" + column.name +
+                 "', table '" + table.name.parts.back() + "'.",
+             previous_);
     }
     column.defaultName = std::move(constraint.name);
     column.defaultValue = parseScalar();

@@ -14,7 +14,10 @@ NamedTable Parser::parseTarget() {
     failOutside("the function " + nearText());
   }
   target.name = parseTableName();
-  parseTableHints(target.hints);
+  // Without WITH, `(NOLOCK)` is a list of columns here.
+  if (is(Keyword::With) && peek().symbol == Symbol::LeftParenthesis) {
+    parseTableHints(target.hints);
+  }
   return target;
 }
 

@@ -93,7 +93,14 @@ Statement Parser::parseUnreservedStatement() {
     failOutside("labels");
   }
   if (isName() && batchStatements_ == 1) {
-    return {position, parseExecute()};
+    const Token first = current_;
+    ExecuteStatement execute;
+    execute.procedure = parseObjectName(4);
+    if (isName()) {  // a misspelt statement much rather than a call
+      failAt(102, "Incorrect syntax near '" + first.value() + "'.", first);
+    }
+    parseExecuteArguments(execute);
+    return {position, std::move(execute)};
   }
   fail();
 }
@@ -284,6 +291,11 @@ ExecuteStatement Parser::parseExecute() {
     failOutside("EXECUTE AS");
   }
   statement.procedure = parseObjectName(4);
+  parseExecuteArguments(statement);
+  return statement;
+}
+
+void Parser::parseExecuteArguments(ExecuteStatement& statement) {
   const bool argumentFollows = current_.isConstant() || isName() || is(Keyword::Null) ||
                                is(Keyword::Default) || is(Symbol::Minus) || is(Symbol::Plus) ||
                                current_.kind == TokenKind::Variable ||
@@ -296,7 +308,6 @@ ExecuteStatement Parser::parseExecute() {
   if (is(Keyword::With)) {
     failOutside("options of EXECUTE (WITH)");
   }
-  return statement;
 }
 
 ExecuteArgument Parser::parseExecuteArgument() {

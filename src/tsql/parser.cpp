@@ -29,11 +29,12 @@ void Parser::advance() {
     structural_.push_back(current_.ordinal);
   }
   previous_ = current_;
-  if (ahead_.empty()) {
+  if (aheadCount_ == 0) {
     current_ = lexer_.next();
   } else {
-    current_ = ahead_.front();
-    ahead_.erase(ahead_.begin());
+    current_ = ahead_[0];
+    ahead_[0] = ahead_[1];
+    --aheadCount_;
   }
   // An open quote is told only when the parser has accepted everything in front of it.
   if (current_.kind == TokenKind::UnclosedQuote || current_.kind == TokenKind::UnclosedComment) {
@@ -42,8 +43,8 @@ void Parser::advance() {
 }
 
 const Token& Parser::peek(std::size_t ahead) {
-  while (ahead_.size() < ahead) {
-    ahead_.push_back(lexer_.next());
+  while (aheadCount_ < ahead) {
+    ahead_[aheadCount_++] = lexer_.next();
   }
   return ahead_[ahead - 1];
 }

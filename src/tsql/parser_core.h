@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -24,12 +25,13 @@ class Parser {
   Batch parseBatch();
 
  private:
-  /// Keeps the height of the tree apart while a part of it is read: inside, heights count from 0;
-  /// afterwards the outer height is that of its highest part.
+  /// Keeps the links of chains apart while a part of the tree is read: inside they count from 0;
+  /// afterwards the outer count is that of its highest part. So the count never falls short of the
+  /// links on any way through the tree, and parts side by side do not add up.
   class Part {
    public:
     explicit Part(Parser& parser) : parser_(parser), outer_(std::exchange(parser.height_, 0)) {}
-    ~Part() { parser_.height_ = std::max(outer_, parser_.height_ + 1); }
+    ~Part() { parser_.height_ = std::max(outer_, parser_.height_); }
     Part(const Part&) = delete;
     Part& operator=(const Part&) = delete;
     Part(Part&&) = delete;
@@ -73,7 +75,7 @@ class Parser {
 
   // Tokens.
   void advance();
-  const Token& peek(std::size_t ahead = 1);
+  const Token& peek(std::size_t ahead = 1);  // at most two; valid up to advance()
   [[nodiscard]] bool is(Symbol symbol) const { return current_.symbol == symbol; }
   [[nodiscard]] bool is(Keyword keyword) const { return current_.keyword == keyword; }
   [[nodiscard]] bool isWord(std::string_view upper) const;
@@ -219,6 +221,7 @@ class Parser {
   void refuseTransactionName();
   ReturnStatement parseReturn();
   ExecuteStatement parseExecute();
+  void parseExecuteArguments(ExecuteStatement& statement);
   ExecuteArgument parseExecuteArgument();
   [[nodiscard]] bool startsValue() const;
   std::string takeVariableName();
@@ -226,7 +229,8 @@ class Parser {
   Lexer lexer_;
   Token current_;
   Token previous_;
-  std::vector<Token> ahead_;
+  std::array<Token, 2> ahead_;  // tokens read beyond the current one
+  std::size_t aheadCount_ = 0;
   std::size_t depth_ = 0;
   std::size_t height_ = 0;
   std::size_t subqueries_ = 0;           // subqueries around the current token

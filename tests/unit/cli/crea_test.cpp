@@ -60,6 +60,15 @@ TEST_F(Crea, ReportsAFolderThatDoesNotExist) {
   EXPECT_THAT(filesLeft(), IsEmpty());
 }
 
+TEST_F(Crea, TakesEveryFileName) {
+  for (const char* name : {"a;b.db", "a\"b.db", "l'archivio è questo.db ", " x", "a=b"}) {
+    const Outcome made = azcoll("crea", "--db", path(name));
+    EXPECT_EQ(made.code, ExitCode::Ok) << made.err;
+    EXPECT_TRUE(std::filesystem::exists(path(name))) << name;
+    EXPECT_EQ(azcoll("sql", "--db", path(name), "--csv", "SELECT 1 AS A").out, "A\r\n1\r\n");
+  }
+}
+
 TEST_F(Crea, RefusesADatabaseInMemory) {
   const Outcome outcome = azcoll("crea", "--db", ":memory:");
   EXPECT_EQ(outcome.code, ExitCode::Usage);

@@ -101,7 +101,7 @@ TEST(SetField, NamesTheNearestFieldForAnUnknownOne) {
   EXPECT_THAT([&] { setField(input, "Pvar_Dita=1"); },
               ThrowsMessage<UsageError>(
                   AllOf(HasSubstr("Pvar_Dita"), HasSubstr("Forse intendevi «Pvar_Ditta»?"))));
-  EXPECT_THAT([&] { setField(input, "CodAttivita=1"); },
+  EXPECT_THAT([&] { setField(input, "CodiceAtivita=1"); },
               ThrowsMessage<UsageError>(HasSubstr("«CodiceAttività»")));
   EXPECT_THAT([&] { setField(input, "=1"); }, Throws<UsageError>());
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gtest/gtest.h"
+
 #include "tsql/parser.h"
 #include "tsql/printer.h"
 

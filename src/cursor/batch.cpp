@@ -1,0 +1,170 @@
+#include "cursor/batch.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "cursor/fold.h"
+#include "data/error.h"
+#include "data/messages.h"
+#include "data/text.h"
+
+namespace azcoll::cursor {
+namespace {
+
+using Columns = std::vector<std::size_t>;
+
+constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+constexpr bool isLetter(char character) {
+  return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+}
+
+/// Whether a name can stand in a statement as it is. No reserved word is a single letter or holds a
+/// digit, so that such names need no list of reserved words; all others are quoted.
+bool standsBare(std::string_view name) {
+  const bool regular = !name.empty() && !isDigit(name.front()) &&
+                       std::all_of(name.begin(), name.end(), [](char character) {
+                         return isLetter(character) || isDigit(character) || character == '_';
+                       });
+  return regular && ((name.size() == 1 && isLetter(name.front())) ||
+                     std::any_of(name.begin(), name.end(), isDigit));
+}
+
+void appendName(std::string& text, std::string_view name) {
+  if (standsBare(name)) {
+    text += name;
+    return;
+  }
+  text += '[';
+  for (const char character : name) {
+    text.append(character == ']' ? 2 : 1, character);
+  }
+  text += ']';
+}
+
+/// The one table that the columns belong to.
+const std::string& tableOf(const RowStore& rows, const Columns& columns) {
+  const std::string* table = nullptr;
+  for (const std::size_t column : columns) {
+    const ColumnInfo& info = rows.columns()[column];
+    if (info.baseTable.empty() || info.baseColumn.empty()) {
+      throw Error(join(messages::kColumnNotUpdatable, info.name));
+    }
+    if (table != nullptr && !sameName(*table, info.baseTable)) {
+      throw Error(join(messages::kSeveralTables, *table, ", ", info.baseTable));
+    }
+    table = &info.baseTable;
+  }
+  return *table;
+}
+
+/// The key columns of a table, each once.
+Columns keyColumns(const RowStore& rows, std::size_t row, std::string_view table) {
+  const std::vector<ColumnInfo>& infos = rows.columns();
+  Columns keys;
+  for (std::size_t column = 0; column < infos.size(); ++column) {
+    if (!infos[column].isKey || !sameName(infos[column].baseTable, table)) {
+      continue;
+    }
+    const auto twin = std::find_if(keys.begin(), keys.end(), [&](std::size_t key) {
+      return sameName(infos[key].baseColumn, infos[column].baseColumn);
+    });
+    if (twin == keys.end()) {
+      keys.push_back(column);
+    } else if (!sameValue(rows.original(row, *twin), rows.original(row, column))) {
+      // Two rows of one table side by side: no telling which of them is meant.
+      throw Error(join(messages::kAmbiguousTable, table));
+    }
+  }
+  if (keys.empty()) {
+    throw Error(join(messages::kNoKey, table));
+  }
+  return keys;
+}
+
+void appendCondition(ChangeStatement& statement, std::string_view column, const Variant& original) {
+  appendName(statement.text, column);
+  if (original.isNull() || original.isEmpty()) {
+    statement.text += " IS NULL";
+    return;
+  }
+  statement.text += " = ?";
+  statement.parameters.push_back(original);
+}
+
+ChangeStatement insertStatement(const RowStore& rows, std::size_t row,
+                                const std::vector<bool>& given) {
+  const std::vector<ColumnInfo>& infos = rows.columns();
+  Columns columns;
+  for (std::size_t column = 0; column < infos.size(); ++column) {
+    if (given[column] && !infos[column].isIdentity) {
+      columns.push_back(column);
+    }
+  }
+  if (columns.empty()) {
+    throw Error(std::string{messages::kNoValueToInsert});
+  }
+  ChangeStatement statement{.row = row, .table = tableOf(rows, columns)};
+  statement.text = "INSERT INTO ";
+  appendName(statement.text, statement.table);
+  statement.parameters.reserve(columns.size());
+  std::string markers;
+  for (const std::size_t column : columns) {
+    statement.text += markers.empty() ? " (" : ", ";
+    appendName(statement.text, infos[column].baseColumn);
+    markers += markers.empty() ? "?" : ", ?";
+    statement.parameters.push_back(rows.row(row)[column]);
+  }
+  statement.text += join(") VALUES (", markers, ")");
+  return statement;
+}
+
+ChangeStatement updateStatement(const RowStore& rows, std::size_t row,
+                                const RowStore::Originals& originals) {
+  const std::vector<ColumnInfo>& infos = rows.columns();
+  Columns changed;
+  for (const auto& [column, before] : originals) {
+    if (infos[column].isIdentity) {
+      throw Error(join(messages::kColumnNotUpdatable, infos[column].name));
+    }
+    changed.push_back(column);
+  }
+  // The result's order, not that of the edits: the same change gives the same text.
+  std::sort(changed.begin(), changed.end());
+  ChangeStatement statement{.row = row, .isUpdate = true, .table = tableOf(rows, changed)};
+  const Columns keys = keyColumns(rows, row, statement.table);
+
+  statement.text = "UPDATE ";
+  appendName(statement.text, statement.table);
+  std::string_view separator = " SET ";
+  for (const std::size_t column : changed) {
+    statement.text += separator;
+    appendName(statement.text, infos[column].baseColumn);
+    statement.text += " = ?";
+    statement.parameters.push_back(rows.row(row)[column]);
+    separator = ", ";
+  }
+  separator = " WHERE ";
+  const auto addCondition = [&](std::size_t column) {
+    statement.text += separator;
+    appendCondition(statement, infos[column].baseColumn, rows.original(row, column));
+    separator = " AND ";
+  };
+  std::for_each(keys.begin(), keys.end(), addCondition);
+  for (const std::size_t column : changed) {
+    if (!infos[column].isKey) {  // a key column is there already
+      addCondition(column);
+    }
+  }
+  return statement;
+}
+
+}  // namespace
+
+ChangeStatement changeStatement(const RowStore& rows, std::size_t row) {
+  const RowStore::Pending& pending = rows.pending().at(row);
+  return pending.added ? insertStatement(rows, row, pending.given)
+                       : updateStatement(rows, row, pending.originals);
+}
+
+}  // namespace azcoll::cursor

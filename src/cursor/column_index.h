@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "cursor/result_set.h"
+
+namespace azcoll::cursor {
+
+/// Finds the columns of a result by name, letter case ignored. Of several columns with one name the
+/// first is found. Made ready at the first question: many results are never asked.
+class ColumnIndex {
+ public:
+  /// Forgets the columns seen so far.
+  void reset() { slots_.clear(); }
+
+  /// Position of the column `name`; empty when there is none. `columns` must be the same at every
+  /// call since the last `reset`.
+  [[nodiscard]] std::optional<std::size_t> find(const std::vector<ColumnInfo>& columns,
+                                                std::string_view name);
+
+ private:
+  void build(const std::vector<ColumnInfo>& columns);
+
+  // Open addressing; a slot holds a position plus one, 0 when free. The size is a power of two.
+  std::vector<std::uint32_t> slots_;
+};
+
+}  // namespace azcoll::cursor

@@ -1,0 +1,126 @@
+#include "cursor/criteria.h"
+
+#include <algorithm>
+#include <compare>
+
+#include "cursor/fold.h"
+#include "data/error.h"
+#include "data/messages.h"
+#include "data/text.h"
+
+namespace azcoll::cursor {
+namespace {
+
+using Kind = Variant::Kind;
+
+/// The two sides compared in the column's type; empty when the literal has no value of that type.
+std::optional<std::partial_ordering> compare(const Variant& value, const Literal& literal) {
+  switch (value.kind()) {
+    case Kind::Boolean:
+      if (literal.truth) {
+        return *value.get<bool>() <=> *literal.truth;
+      }
+      return std::nullopt;
+    case Kind::Int16:
+    case Kind::Int32:
+    case Kind::Int64:
+    case Kind::Decimal:
+      if (literal.number) {
+        return value.toDecimal() <=> *literal.number;
+      }
+      return std::nullopt;
+    case Kind::Double:
+      if (literal.number) {
+        return *value.get<double>() <=> literal.number->toDouble();
+      }
+      return std::nullopt;
+    case Kind::Date:
+      if (literal.date) {
+        return *value.get<Date>() <=> *literal.date;
+      }
+      return std::nullopt;
+    case Kind::Text:
+      if (literal.kind != Literal::Kind::Date) {
+        return compareFolded(*value.get<std::string>(), literal.text);
+      }
+      return std::nullopt;
+    default:
+      return std::nullopt;
+  }
+}
+
+bool satisfies(std::partial_ordering order, Comparator comparator) {
+  switch (comparator) {
+    case Comparator::Equal:
+      return order == 0;
+    case Comparator::NotEqual:
+      return order != 0;
+    case Comparator::Less:
+      return order < 0;
+    case Comparator::LessOrEqual:
+      return order <= 0;
+    case Comparator::Greater:
+      return order > 0;
+    default:
+      return order >= 0;
+  }
+}
+
+constexpr bool isWildcard(char character) { return character == '*' || character == '%'; }
+
+/// Whether the whole text fits a pattern. After a wildcard the shortest stretch is tried first and
+/// only the last wildcard is ever extended: at most text times pattern steps.
+bool fitsPattern(std::string_view text, std::string_view pattern) {
+  std::size_t textIndex = 0;
+  std::size_t patternIndex = 0;
+  std::optional<std::size_t> afterWildcard;
+  std::size_t stretchEnd = 0;
+  while (textIndex < text.size()) {
+    const bool more = patternIndex < pattern.size();
+    if (more && isWildcard(pattern[patternIndex])) {
+      afterWildcard = ++patternIndex;
+      stretchEnd = textIndex;
+    } else if (more && pattern[patternIndex] == text[textIndex]) {
+      ++patternIndex;
+      ++textIndex;
+    } else if (afterWildcard) {
+      patternIndex = *afterWildcard;
+      textIndex = ++stretchEnd;
+    } else {
+      return false;
+    }
+  }
+  return std::all_of(pattern.begin() + static_cast<std::ptrdiff_t>(patternIndex), pattern.end(),
+                     isWildcard);
+}
+
+bool holds(const Comparison& comparison, const Variant& value) {
+  const Literal& literal = comparison.literal;
+  const bool missing = value.isNull() || value.isEmpty();
+  if (literal.kind == Literal::Kind::Null) {
+    return missing == (comparison.comparator == Comparator::Equal);
+  }
+  if (missing) {
+    return false;
+  }
+  if (comparison.comparator == Comparator::Like) {
+    return fitsPattern(folded(value.text()), literal.text);
+  }
+  const std::optional<std::partial_ordering> order = compare(value, literal);
+  if (!order) {
+    throw Error(join(messages::kCriteriaType, comparison.columnName));
+  }
+  return satisfies(*order, comparison.comparator);
+}
+
+}  // namespace
+
+bool Criteria::matches(std::span<const Variant> row) const {
+  return std::any_of(groups_.begin(), groups_.end(), [&](const Group& group) {
+    return std::all_of(group.begin(), group.end(), [&](const Comparison& comparison) {
+      return holds(comparison, row[comparison.column]);
+    });
+  });
+}
+
+}  // namespace azcoll::cursor

@@ -1,0 +1,126 @@
+#include "cursor/row_store.h"
+
+#include <algorithm>
+
+namespace azcoll::cursor {
+namespace {
+
+RowStore::Originals::const_iterator entryOf(const RowStore::Originals& entries,
+                                            std::size_t column) {
+  return std::find_if(entries.begin(), entries.end(),
+                      [&](const auto& entry) { return entry.first == column; });
+}
+
+}  // namespace
+
+RowStore::RowStore(ResultSet set)
+    : columns_{std::move(set.columns)}, values_{std::move(set.values)} {
+  rowCount_ = columns_.empty() ? 0 : values_.size() / columns_.size();
+  values_.resize(rowCount_ * columns_.size());  // an incomplete last row would shift added ones
+}
+
+std::span<const Variant> RowStore::row(std::size_t row) const {
+  return std::span{values_}.subspan(row * columns_.size(), columns_.size());
+}
+
+void RowStore::add() {
+  given_.assign(columns_.size(), false);
+  values_.resize(values_.size() + columns_.size(), Variant{kNull});
+  edit_ = Edit::Adding;
+  editedRow_ = rowCount_;
+}
+
+void RowStore::set(std::size_t row, std::size_t column, const Variant& value) {
+  Variant stored = value.isEmpty() ? Variant{kNull} : value;
+  if (edit_ == Edit::Adding) {
+    given_[column] = true;
+    at(row, column) = std::move(stored);
+    return;
+  }
+  if (sameValue(at(row, column), stored)) {
+    const auto pending = pending_.find(row);
+    if (pending == pending_.end() || !pending->second.added) {
+      return;
+    }
+  }
+  edit_ = Edit::Changing;
+  editedRow_ = row;
+  if (entryOf(undo_, column) == undo_.end()) {
+    undo_.emplace_back(column, std::move(at(row, column)));
+  }
+  at(row, column) = std::move(stored);
+}
+
+void RowStore::settle() {
+  switch (edit_) {
+    case Edit::None:
+      return;
+    case Edit::Adding:
+      settleAdded();
+      break;
+    case Edit::Changing:
+      settleChanged();
+      break;
+  }
+  edit_ = Edit::None;
+}
+
+void RowStore::settleAdded() {
+  pending_[rowCount_] = Pending{.added = true, .given = std::move(given_)};
+  ++rowCount_;
+}
+
+void RowStore::settleChanged() {
+  Pending& pending = pending_[editedRow_];
+  for (auto& [column, before] : undo_) {
+    if (pending.added) {
+      pending.given[column] = true;
+    } else if (entryOf(pending.originals, column) == pending.originals.end()) {
+      pending.originals.emplace_back(column, std::move(before));
+    }
+  }
+  undo_.clear();
+  // A value that is back to what the database has is no change any more.
+  std::erase_if(pending.originals, [&](const auto& entry) {
+    return sameValue(entry.second, at(editedRow_, entry.first));
+  });
+  if (!pending.added && pending.originals.empty()) {
+    pending_.erase(editedRow_);
+  }
+}
+
+void RowStore::cancel() {
+  if (edit_ == Edit::Adding) {
+    values_.resize(rowCount_ * columns_.size());
+  }
+  for (auto& [column, before] : undo_) {
+    at(editedRow_, column) = std::move(before);
+  }
+  undo_.clear();
+  edit_ = Edit::None;
+}
+
+const Variant& RowStore::original(std::size_t row, std::size_t column) const {
+  if (const auto pending = pending_.find(row); pending != pending_.end()) {
+    const auto entry = entryOf(pending->second.originals, column);
+    if (entry != pending->second.originals.end()) {
+      return entry->second;
+    }
+  }
+  return this->row(row)[column];
+}
+
+void RowStore::sent(std::size_t row) {
+  const auto pending = pending_.find(row);
+  if (pending->second.added) {
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+      // The database chose its own number; a copied one would later address another row.
+      if (columns_[column].isIdentity) {
+        at(row, column) = kNull;
+      }
+    }
+  }
+  pending_.erase(pending);
+}
+
+}  // namespace azcoll::cursor
