@@ -42,20 +42,19 @@ void appendName(std::string& text, std::string_view name) {
   text += ']';
 }
 
-/// The one table that the columns belong to.
+/// The one table that the columns (at least one) belong to.
 const std::string& tableOf(const RowStore& rows, const Columns& columns) {
-  const std::string* table = nullptr;
+  const std::string& table = rows.columns()[columns.front()].baseTable;
   for (const std::size_t column : columns) {
     const ColumnInfo& info = rows.columns()[column];
     if (info.baseTable.empty() || info.baseColumn.empty()) {
       throw Error(join(messages::kColumnNotUpdatable, info.name));
     }
-    if (table != nullptr && !sameName(*table, info.baseTable)) {
-      throw Error(join(messages::kSeveralTables, *table, ", ", info.baseTable));
+    if (!sameName(table, info.baseTable)) {
+      throw Error(join(messages::kSeveralTables, table, ", ", info.baseTable));
     }
-    table = &info.baseTable;
   }
-  return *table;
+  return table;
 }
 
 /// The key columns of a table, each once.

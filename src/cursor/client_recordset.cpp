@@ -212,7 +212,8 @@ void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchD
   const std::int64_t count = shownCount();
   const std::int64_t step = direction == SearchDirection::Backward ? -1 : 1;
   const std::int64_t from = searchStart(start);
-  std::int64_t position = step > 0 ? count : -1;
+  // Without rows there is one position only, which is both ends.
+  std::int64_t position = step > 0 || count == 0 ? count : -1;
   if (skip >= -count && skip <= count) {
     for (std::int64_t next = from + step * skip; next >= 0 && next < count; next += step) {
       if (wanted.matches(rows_.row(shownRow(next)))) {

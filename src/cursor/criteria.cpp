@@ -52,17 +52,17 @@ std::optional<std::partial_ordering> compare(const Variant& value, const Literal
 bool satisfies(std::partial_ordering order, Comparator comparator) {
   switch (comparator) {
     case Comparator::Equal:
-      return order == 0;
+      return std::is_eq(order);
     case Comparator::NotEqual:
-      return order != 0;
+      return std::is_neq(order);
     case Comparator::Less:
-      return order < 0;
+      return std::is_lt(order);
     case Comparator::LessOrEqual:
-      return order <= 0;
+      return std::is_lteq(order);
     case Comparator::Greater:
-      return order > 0;
+      return std::is_gt(order);
     default:
-      return order >= 0;
+      return std::is_gteq(order);
   }
 }
 

@@ -42,6 +42,7 @@ struct Date {
   /// `yyyy-mm-dd hh:mm:ss.fff`, always 23 characters: sorts as the dates do.
   [[nodiscard]] std::string isoText() const;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the defaulted comparison for a 0
   friend constexpr auto operator<=>(const Date&, const Date&) = default;
 };
 

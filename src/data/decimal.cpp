@@ -132,6 +132,19 @@ constexpr bool productFits(UInt128 left, UInt128 right) {
   return left == 0 || right <= (kLimit - 1) / left;
 }
 
+/// Whole parts and fractions apart: bringing both numbers to one scale could overflow.
+std::strong_ordering compareMagnitudes(const Parts& left, const Parts& right) {
+  const UInt128 leftPower = power(left.scale);
+  const UInt128 rightPower = power(right.scale);
+  const std::strong_ordering whole = left.value / leftPower <=> right.value / rightPower;
+  if (whole != std::strong_ordering::equal) {
+    return whole;
+  }
+  const int scale = std::max(left.scale, right.scale);
+  return (left.value % leftPower) * power(scale - left.scale) <=>
+         (right.value % rightPower) * power(scale - right.scale);
+}
+
 constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 }  // namespace
@@ -267,18 +280,9 @@ std::strong_ordering operator<=>(const Decimal& left, const Decimal& right) {
   if (left.isNegative() != right.isNegative()) {
     return left.isNegative() ? std::strong_ordering::less : std::strong_ordering::greater;
   }
-  // Whole parts and fractions apart: bringing both numbers to one scale could overflow.
-  const UInt128 leftValue = magnitude(left.unscaled_);
-  const UInt128 rightValue = magnitude(right.unscaled_);
-  const UInt128 leftPower = power(left.scale_);
-  const UInt128 rightPower = power(right.scale_);
-  const int scale = std::max(left.scale_, right.scale_);
-  std::strong_ordering order = leftValue / leftPower <=> rightValue / rightPower;
-  if (order == std::strong_ordering::equal) {
-    order = (leftValue % leftPower) * power(scale - left.scale_) <=>
-            (rightValue % rightPower) * power(scale - right.scale_);
-  }
-  return left.isNegative() ? 0 <=> order : order;
+  // Below zero the larger magnitude is the smaller number.
+  return left.isNegative() ? compareMagnitudes(Parts{right}, Parts{left})
+                           : compareMagnitudes(Parts{left}, Parts{right});
 }
 
 }  // namespace azcoll

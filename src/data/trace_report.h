@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "data/error.h"
@@ -77,7 +78,7 @@ void traced(const SharedSink& sink, TraceEntry entry, const Work& work) {
 
 /// The connection that the traced objects underneath work on: the inner one of a traced connection,
 /// any other as it is.
-[[nodiscard]] std::shared_ptr<Connection> innermost(std::shared_ptr<Connection> connection);
+[[nodiscard]] std::shared_ptr<Connection> innermost(const std::shared_ptr<Connection>& connection);
 
 /// The same recordset or command, traced; null stays null.
 [[nodiscard]] std::shared_ptr<Recordset> tracedRecordset(std::shared_ptr<Recordset> inner,

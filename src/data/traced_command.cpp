@@ -12,7 +12,7 @@ class TracedCommand final : public Command {
       : inner_{std::move(inner)}, sink_{std::move(sink)} {}
 
   void setActiveConnection(std::shared_ptr<Connection> connection) override {
-    inner_->setActiveConnection(innermost(std::move(connection)));
+    inner_->setActiveConnection(innermost(connection));
   }
   void setCommandText(std::string text) override {
     inner_->setCommandText(text);

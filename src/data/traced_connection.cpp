@@ -16,10 +16,10 @@ std::optional<std::int64_t> rowsOf(const Recordset* result, std::int64_t affecte
   return rows < 0 ? std::nullopt : std::optional{rows};
 }
 
-std::shared_ptr<Connection> innermost(std::shared_ptr<Connection> connection) {
+std::shared_ptr<Connection> innermost(const std::shared_ptr<Connection>& connection) {
   // One step only: a recordset under two tracers takes off the inner one itself.
   const auto* const tracer = dynamic_cast<const ConnessioneTracciata*>(connection.get());
-  return tracer != nullptr ? tracer->inner() : std::move(connection);
+  return tracer != nullptr ? tracer->inner() : connection;
 }
 
 }  // namespace detail

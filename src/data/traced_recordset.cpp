@@ -19,7 +19,7 @@ class TracedRecordset final : public Recordset {
       : inner_{std::move(inner)}, sink_{std::move(sink)} {}
 
   void setActiveConnection(std::shared_ptr<Connection> connection) override {
-    inner_->setActiveConnection(innermost(std::move(connection)));
+    inner_->setActiveConnection(innermost(connection));
   }
   void setSource(std::string text) override {
     inner_->setSource(text);
@@ -38,7 +38,7 @@ class TracedRecordset final : public Recordset {
   void open(std::string source, std::shared_ptr<Connection> connection, CursorType type,
             LockType lock, CommandOption options) override {
     traced(sink_, openEntry(source, type, lock, options), [&](TraceEntry& entry) {
-      inner_->open(source, innermost(std::move(connection)), type, lock, options);
+      inner_->open(source, innermost(connection), type, lock, options);
       source_ = std::move(source);
       entry.rows = rowsOf(inner_.get(), -1);
     });

@@ -39,25 +39,20 @@ class Variant {
   };
 
   Variant() = default;
-  Variant(NullValue)
-      : value_{kNull} {}  // NOLINT(google-explicit-constructor): a value converts to its variant
-  Variant(bool value) : value_{value} {}          // NOLINT(google-explicit-constructor): as above
-  Variant(std::int16_t value) : value_{value} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(std::int32_t value) : value_{value} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(std::int64_t value) : value_{value} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(double value) : value_{value} {}        // NOLINT(google-explicit-constructor): as above
-  Variant(const azcoll::Decimal& value)
-      : value_{value} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(const azcoll::Date& value)
-      : value_{value} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(std::string value)
-      : value_{std::move(value)} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(std::string_view value)
-      : value_{std::string{value}} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(const char* value)
-      : value_{std::string{value}} {}  // NOLINT(google-explicit-constructor): as above
-  Variant(std::shared_ptr<azcoll::Object> value)
-      : value_{std::move(value)} {}  // NOLINT(google-explicit-constructor): as above
+  // NOLINTBEGIN(google-explicit-constructor): a value converts to its variant without ceremony
+  Variant(NullValue) : value_{kNull} {}
+  Variant(bool value) : value_{value} {}
+  Variant(std::int16_t value) : value_{value} {}
+  Variant(std::int32_t value) : value_{value} {}
+  Variant(std::int64_t value) : value_{value} {}
+  Variant(double value) : value_{value} {}
+  Variant(const azcoll::Decimal& value) : value_{value} {}
+  Variant(const azcoll::Date& value) : value_{value} {}
+  Variant(std::string value) : value_{std::move(value)} {}
+  Variant(std::string_view value) : value_{std::string{value}} {}
+  Variant(const char* value) : value_{std::string{value}} {}
+  Variant(std::shared_ptr<azcoll::Object> value) : value_{std::move(value)} {}
+  // NOLINTEND(google-explicit-constructor)
 
   [[nodiscard]] Kind kind() const noexcept { return static_cast<Kind>(value_.index()); }
   [[nodiscard]] bool isEmpty() const noexcept { return kind() == Kind::Empty; }

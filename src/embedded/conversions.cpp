@@ -125,6 +125,11 @@ Value fitDecimal(Int128 digits, int scale, const std::string& from, const Type& 
                  Conversion conversion) {
   std::optional<Int128> scaled = rescaledDigits(digits, scale, to.scale);
   if (!scaled || *scaled >= powerOfTen(to.precision) || *scaled <= -powerOfTen(to.precision)) {
+    if (conversion == Conversion::Compare) {
+      // Beyond every value of the other side: the comparison only needs to know on which side.
+      const Int128 beyond = powerOfTen(to.precision);
+      return Value::ofDigits(digits < 0 ? -beyond : beyond, to.precision);
+    }
     failOverflow(from, to);
   }
   if (conversion == Conversion::Compare && scale > to.scale &&
@@ -262,6 +267,10 @@ Value toText(Value value, const Type& from, const Type& to, Conversion conversio
 Value convert(Value value, const Type& from, const Type& to, Conversion conversion) {
   if (value.isNull() || from.kind == TypeKind::Null || to.kind == TypeKind::Null) {
     return value;
+  }
+  if (!isConvertible(from, to)) {
+    throw SqlError(206, "Operand type clash: " + named(from) + " is incompatible with " +
+                            named(to));
   }
   if (to.isText()) {
     return toText(std::move(value), from, to, conversion);

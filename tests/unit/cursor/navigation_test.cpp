@@ -219,6 +219,7 @@ TEST_F(Navigation, SearchesNoRowsWithoutFailing) {
   empty->find("DITTA1 = 1", 0, SearchDirection::Backward, Bookmark::Last);
   EXPECT_TRUE(empty->atEnd());
   EXPECT_TRUE(empty->atStart());
+  EXPECT_EQ(failureOf([&] { empty->moveNext(); }), "Spostamento oltre la fine del recordset");
 }
 
 TEST_F(Navigation, FailsInEveryOperationWhenClosed) {
@@ -356,7 +357,7 @@ TEST_F(Navigation, RefusesAConnectionThatRunsNoStatements) {
   const auto foreign = std::make_shared<Foreign>();
   EXPECT_EQ(failureOf([&] { rows->setActiveConnection(foreign); }),
             "Connessione di un altro fornitore");
-  EXPECT_EQ(failureOf([&] { openClientCursor(resultOf(customers()), foreign); }),
+  EXPECT_EQ(failureOf([&] { static_cast<void>(openClientCursor(resultOf(customers()), foreign)); }),
             "Connessione di un altro fornitore");
 }
 

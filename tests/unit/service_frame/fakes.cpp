@@ -200,6 +200,12 @@ std::shared_ptr<Recordset> FakeConnection::execute(std::string_view commandText,
   return nullptr;
 }
 
+
+void FakeConnection::beginTrans() {
+  log.emplace_back("begin");
+  failIfAsked(failures, "begin");
+}
+
 std::shared_ptr<Recordset> FakeConnection::newRecordset() {
   failIfAsked(failures, "newRecordset");
   auto result = std::make_shared<FakeRecordset>(Rows{}, false);

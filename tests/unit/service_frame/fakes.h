@@ -175,7 +175,7 @@ class FakeConnection final : public Connection {
   [[nodiscard]] bool isOpen() const override { return open_; }
   std::shared_ptr<Recordset> execute(std::string_view commandText, std::int64_t& recordsAffected,
                                      CommandOption options) override;
-  void beginTrans() override { log.emplace_back("begin"); }
+  void beginTrans() override;
   void commitTrans() override { log.emplace_back("commit"); }
   void rollbackTrans() override { log.emplace_back("rollback"); }
   [[nodiscard]] Errors& errors() override { return errors_; }
