@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ struct BoundSelect {
   bool atMostOneRow = false;
   bool correlated = false;  ///< what is left depends on the surroundings
   std::vector<Correlation> correlations;
+  std::uint64_t correlationLevels = 0;  ///< scopes that the correlations refer to, a bit each
   std::vector<std::size_t> assigned;  ///< variables of SELECT @v = …, one for each column
 };
 

@@ -1,5 +1,8 @@
 #include "unit/service_frame/fakes.h"
 
+#include <utility>
+
+#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll::frame_tests {
@@ -199,7 +202,6 @@ std::shared_ptr<Recordset> FakeConnection::execute(std::string_view commandText,
   recordsAffected = affected(commandText);
   return nullptr;
 }
-
 
 void FakeConnection::beginTrans() {
   log.emplace_back("begin");

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <string_view>
 #include <type_traits>
@@ -21,7 +20,7 @@ void expectEmptyValue(std::string_view name, const std::string& value) {
 }
 void expectEmptyValue(std::string_view name, const bool& value) { EXPECT_FALSE(value) << name; }
 template <typename Enum>
-  requires std::is_enum_v<Enum>
+requires std::is_enum_v<Enum>
 void expectEmptyValue(std::string_view name, const Enum& value) {
   EXPECT_EQ(static_cast<int>(value), 0) << name;
 }
@@ -37,9 +36,7 @@ void expectAllEmpty(const Object& object, const Table& table) {
   }
 }
 
-TEST(InitialValues, EveryInputFieldIsEmpty) {
-  expectAllEmpty(CLSCO_INPUTAZCOLL{}, kInputFields);
-}
+TEST(InitialValues, EveryInputFieldIsEmpty) { expectAllEmpty(CLSCO_INPUTAZCOLL{}, kInputFields); }
 
 TEST(InitialValues, EveryOutputFieldIsEmpty) {
   expectAllEmpty(CLSCO_OUTPUTAZCOLL{}, kOutputFields);

@@ -1,4 +1,6 @@
+#include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -173,6 +175,16 @@ TEST_F(Lifecycle, AConnectionGivenAfterAFailedCreationIsNotClosed) {
   service->ControllaDittaCollegata();
   const auto given = giveConnection();
   service->ControllaDittaCollegata();
+  service.reset();
+  EXPECT_TRUE(given->isOpen());
+}
+
+TEST_F(Lifecycle, AConnectionPutInPlaceOfItsOwnIsNotClosed) {
+  fillInput();
+  service->ControllaDittaCollegata();
+  const auto given = giveConnection();
+  service->ControllaDittaCollegata();
+  EXPECT_EQ(given->statements.size(), 1U);
   service.reset();
   EXPECT_TRUE(given->isOpen());
 }

@@ -1,8 +1,7 @@
 #include "component/members.h"
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
+#include <gtest/gtest.h>
 #include <set>
 #include <string>
 #include <string_view>

@@ -1,12 +1,12 @@
-#include <gtest/gtest.h>
+#include "component/platform.h"
 
 #include <chrono>
 #include <ctime>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
 #include "clifor/numerazione_cg70.h"
-#include "component/platform.h"
 #include "data/error.h"
 
 namespace azcoll::frame_tests {

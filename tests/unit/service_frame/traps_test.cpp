@@ -143,8 +143,7 @@ TEST_F(Traps, ACompanyThatDoesNotJoinIntoTheStatementIsRefusedByTheDatabaseOnly)
   input().Pvar_Ditta = "1x";
   given->failures["query"] = [] { refuse("Incorrect syntax near 'x'."); };
   service->ControllaDittaCollegata();
-  expectOutcome(kTrappedFailure,
-                Variant{"Incorrect syntax near 'x'. in ControllaDittaCollegata"});
+  expectOutcome(kTrappedFailure, Variant{"Incorrect syntax near 'x'. in ControllaDittaCollegata"});
 }
 
 TEST_F(Traps, TheDuplicationReportsUnderItsOwnSpelling) {
@@ -236,11 +235,14 @@ TEST_F(Traps, TheMainCompanyCheckSaysNoWhenTheLookupFailed) {
 }
 
 TEST_F(Traps, TheMainCompanyCheckComparesTheCodes) {
-  const std::vector<std::pair<Variant, bool>> companies{
-      {Variant{std::int32_t{10}}, true}, {Variant{std::int16_t{10}}, true},
-      {Variant{std::int64_t{10}}, true}, {Variant{"10"}, true},
-      {Variant{10.0}, true},             {Variant{std::int32_t{12}}, false},
-      {Variant{"1"}, false},             {Variant{std::int32_t{-1}}, false}};
+  const std::vector<std::pair<Variant, bool>> companies{{Variant{std::int32_t{10}}, true},
+                                                        {Variant{std::int16_t{10}}, true},
+                                                        {Variant{std::int64_t{10}}, true},
+                                                        {Variant{"10"}, true},
+                                                        {Variant{10.0}, true},
+                                                        {Variant{std::int32_t{12}}, false},
+                                                        {Variant{"1"}, false},
+                                                        {Variant{std::int32_t{-1}}, false}};
   for (const auto& [company, main] : companies) {
     prepare();
     input().Pvar_Ditta = company;

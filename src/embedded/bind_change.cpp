@@ -1,0 +1,163 @@
+// UPDATE and DELETE. A FROM clause with more than the target is turned into a query that gives the
+// keys of the rows to change: SQLite's own FROM of UPDATE means something else when the target is
+// repeated there.
+
+#include <algorithm>
+
+#include "embedded/binder.h"
+#include "embedded/collation.h"
+#include "embedded/sql_error.h"
+
+namespace azcoll::embedded {
+
+std::vector<std::string> Binder::keyColumns(const Table& table) const {
+  if (table.key.empty()) {
+    return {"rowid"};
+  }
+  std::vector<std::string> names;
+  for (const std::size_t column : table.key) {
+    names.push_back(quoteName(table.columns[column].name));
+  }
+  return names;
+}
+
+/// Which source the target's name means; it is added when the clause does not hold it.
+std::size_t Binder::findTarget(const tsql::NamedTable& target, Scope& scope, std::string& from) {
+  const std::string& name = target.name.parts.back();
+  const std::string folded = foldText(name);
+  if (target.name.parts.size() == 1) {
+    for (std::size_t i = 0; i < scope.sources.size(); ++i) {
+      if (scope.sources[i].folded == folded) {
+        return i;
+      }
+    }
+  }
+  const auto table = findTable(target.name);
+  std::optional<std::size_t> found;
+  for (std::size_t i = 0; i < scope.sources.size(); ++i) {
+    if (scope.sources[i].table == table) {
+      if (found) {
+        throw SqlError(8154, "The table '" + name + "' is ambiguous.");
+      }
+      found = i;
+    }
+  }
+  if (found) {
+    return *found;
+  }
+  from += " JOIN " + bindTable(target, "", scope);
+  return scope.sources.size() - 1;
+}
+
+Binder::Change Binder::bindTarget(const tsql::NamedTable& target,
+                                  const std::vector<tsql::TableSourcePtr>& from, Scope& scope) {
+  Change change;
+  if (from.empty()) {
+    static_cast<void>(bindTable(target, "", scope));
+    change.table = scope.sources.front().table;
+    change.targetSource = scope.sources.front().sqlName;
+    return change;
+  }
+  change.from = bindSources(from, scope);
+  const std::size_t index = findTarget(target, scope, change.from);
+  change.table = scope.sources[index].table;
+  if (!change.table) {
+    refuse(context_.text, target.name.position, "a change of what is no table");
+  }
+  change.targetSource = scope.sources[index].sqlName;
+  if (scope.sources.size() == 1) {
+    change.from.clear();
+  }
+  return change;
+}
+
+std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
+    const tsql::UpdateStatement& statement, const Table& table, const Scope& scope) {
+  std::vector<std::pair<std::size_t, std::string>> assigned;
+  for (const tsql::Assignment& assignment : statement.assignments) {
+    const std::string& name = assignment.column.parts.back();
+    const auto column = table.find(name);
+    if (!column) {
+      throw SqlError(207, "Invalid column name '" + name + "'.");
+    }
+    const auto same = [&column](const auto& each) { return each.first == *column; };
+    if (std::any_of(assigned.begin(), assigned.end(), same)) {
+      throw SqlError(264, "The column name '" + name +
+                              "' is specified more than once in the SET clause or column list of "
+                              "an INSERT. A column cannot be assigned more than one value in the "
+                              "same clause.");
+    }
+    if (table.columns[*column].identity) {
+      throw SqlError(8102, "Cannot update identity column '" + name + "'.");
+    }
+    if (!assignment.value) {
+      assigned.emplace_back(*column, defaultOf(table, *column));
+      continue;
+    }
+    BoundExpression value = bind(*assignment.value, scope);
+    requireConvertible(value.type, table.columns[*column].type, assignment.value->position);
+    assigned.emplace_back(*column,
+                          coerce(value, table.columns[*column].type, Conversion::Assign));
+  }
+  return assigned;
+}
+
+std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
+                               Catalogue::TablePtr& target) {
+  Scope scope(nullptr);
+  const Change change = bindTarget(statement.target, statement.from, scope);
+  target = change.table;
+  const Table& table = *target;
+  const auto assigned = bindAssigned(statement, table, scope);
+  const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
+  std::string sql = "UPDATE " + table.sqlName + " AS ";
+  std::string set;
+  if (change.from.empty()) {
+    for (const auto& [column, value] : assigned) {
+      set += (set.empty() ? "" : ",") + quoteName(table.columns[column].name) + "=" + value;
+    }
+    return sql + change.targetSource + " SET " + set + (where.empty() ? "" : " WHERE " + where);
+  }
+  // min() over a constant makes the first of several source rows give the values.
+  std::string rows = "SELECT min(0)";
+  std::string groups;
+  std::string match;
+  const std::vector<std::string> keys = keyColumns(table);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const std::string key = change.targetSource + "." + keys[i];
+    const std::string name = "k" + std::to_string(i + 1);
+    rows += "," + key + " AS " + name;
+    groups += (i == 0 ? "" : ",") + key;
+    match += (i == 0 ? "u." : " AND u.") + keys[i] + "=s." + name;
+  }
+  for (std::size_t i = 0; i < assigned.size(); ++i) {
+    const std::string name = "v" + std::to_string(i + 1);
+    rows += "," + assigned[i].second + " AS " + name;
+    set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
+  }
+  return sql + "u SET " + set + " FROM (" + rows + " FROM " + change.from +
+         (where.empty() ? "" : " WHERE " + where) + " GROUP BY " + groups + ") AS s WHERE " + match;
+}
+
+std::string Binder::bindDelete(const tsql::DeleteStatement& statement,
+                               Catalogue::TablePtr& target) {
+  Scope scope(nullptr);
+  const Change change = bindTarget(statement.target, statement.from, scope);
+  target = change.table;
+  const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
+  const std::string condition = where.empty() ? "" : " WHERE " + where;
+  const std::string sql = "DELETE FROM " + target->sqlName + " AS ";
+  if (change.from.empty()) {
+    return sql + change.targetSource + condition;
+  }
+  std::string outer;
+  std::string inner;
+  for (const std::string& key : keyColumns(*target)) {
+    outer += (outer.empty() ? "u." : ",u.") + key;
+    inner += (inner.empty() ? "" : ",") + change.targetSource + "." + key;
+  }
+  return sql + "u WHERE (" + outer + ") IN (SELECT " + inner + " FROM " + change.from + condition +
+         ")";
+}
+
+}  // namespace azcoll::embedded

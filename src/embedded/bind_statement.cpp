@@ -1,0 +1,110 @@
+// What is bound as a whole: queries with their result columns, values and tests of the procedural
+// statements, conditions of a definition.
+
+#include "embedded/ast_walk.h"
+#include "embedded/binder.h"
+#include "embedded/collation.h"
+#include "embedded/sql_error.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+ResultColumn describe(const OutputColumn& column, bool fromOneTable) {
+  ResultColumn result;
+  result.info.name = column.name;
+  result.type = column.type;
+  const auto& origin = column.expression.origin;
+  if (fromOneTable && origin && !origin->table->isVariable) {
+    const Column& base = origin->table->columns[origin->column];
+    result.info.baseTable = origin->table->name;
+    result.info.baseColumn = base.name;
+    result.info.isKey = base.inKey;
+    result.info.isIdentity = base.identity;
+  }
+  return result;
+}
+
+}  // namespace
+
+std::string Binder::bindSelect(const tsql::Query& query, std::vector<ResultColumn>& columns) {
+  QueryUse use;
+  use.orderNeedsTop = false;
+  BoundQuery bound = bindQuery(query, nullptr, use);
+  settle(bound);
+  const bool updatable = bound.select && !bound.select->grouped && !bound.select->distinct;
+  for (const OutputColumn& column : bound.columns()) {
+    columns.push_back(describe(column, updatable));
+  }
+  return render(bound);
+}
+
+std::string Binder::bindAssignments(const tsql::Query& query,
+                                    std::vector<AssignNode::Target>& targets) {
+  const auto& specification = std::get<tsql::QuerySpecification>(query.body);
+  // A variable that is read in the list while the list changes it is read again for every row.
+  bool accumulates = false;
+  for (const tsql::SelectItem& assigning : specification.items) {
+    if (assigning.assignTo.empty()) {
+      continue;
+    }
+    const std::string name = foldText(assigning.assignTo);
+    for (const tsql::SelectItem& item : specification.items) {
+      if (mentionsVariable(*item.expression, name)) {
+        accumulates = true;
+        liveVariables_.insert(variableIndex(assigning.assignTo));
+      }
+    }
+  }
+  const bool grouped = !specification.groupBy.empty();
+  bool aggregated = false;
+  for (const tsql::SelectItem& item : specification.items) {
+    aggregated = aggregated || containsAggregate(*item.expression);
+  }
+  if (accumulates && !specification.from.empty() && !(aggregated && !grouped) &&
+      (grouped || specification.distinct || specification.top || !query.orderBy.empty())) {
+    refuse(context_.text, query.position,
+           "a variable that is built up row by row in an order that is not defined");
+  }
+  QueryUse use;
+  use.orderNeedsTop = false;
+  use.assigns = true;
+  BoundQuery bound = bindQuery(query, nullptr, use);
+  for (std::size_t i = 0; i < bound.columns().size(); ++i) {
+    OutputColumn& column = bound.columns()[i];
+    const std::size_t variable = bound.select->assigned[i];
+    const Type& type = context_.variables->scalars[variable].type;
+    requireConvertible(column.expression.type, type, column.position);
+    column.sql = coerce(column.expression, type, Conversion::Cut);
+    targets.push_back({variable, type});
+  }
+  return render(bound);
+}
+
+std::string Binder::bindValue(const tsql::Expression& expression, const Type& type) {
+  const Scope nothing(nullptr);
+  BoundExpression value = bind(expression, nothing);
+  requireConvertible(value.type, type, expression.position);
+  return "SELECT " + coerce(value, type, Conversion::Cut);
+}
+
+std::string Binder::bindTest(const tsql::Expression& condition) {
+  const Scope nothing(nullptr);
+  return "SELECT " + bindCondition(condition, nothing, true);
+}
+
+std::string Binder::bindCheck(const tsql::Expression& condition, const Table& table) {
+  Scope scope(nullptr);
+  Source source;
+  source.table = std::make_shared<const Table>(table);
+  source.name = table.name;
+  source.folded = foldText(table.name);
+  scope.sources.push_back(std::move(source));
+  std::string sql = bindCondition(condition, scope, false);
+  if (!emission_.slots.empty()) {
+    refuse(context_.text, condition.position, "a CHECK over what changes by itself");
+  }
+  return sql;
+}
+
+}  // namespace azcoll::embedded

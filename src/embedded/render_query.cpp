@@ -1,0 +1,76 @@
+#include "embedded/bound_query.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+std::string_view operatorText(tsql::SetOperator op) {
+  switch (op) {
+    case tsql::SetOperator::Union:
+      return " UNION ";
+    case tsql::SetOperator::UnionAll:
+      return " UNION ALL ";
+    case tsql::SetOperator::Except:
+      return " EXCEPT ";
+    default:
+      return " INTERSECT ";
+  }
+}
+
+/// An operand of a set operation: what would bind to the whole is put into a query of its own.
+std::string renderOperand(const BoundQuery& query, bool isRight) {
+  const bool limited = query.select && (!query.select->limit.empty() ||
+                                        !query.select->orderBy.empty());
+  if (limited || (!query.select && isRight)) {
+    return "SELECT * FROM (" + render(query) + ")";
+  }
+  return render(query);
+}
+
+}  // namespace
+
+std::string renderTail(const BoundSelect& select) {
+  std::string sql;
+  if (!select.from.empty()) {
+    sql += " FROM " + select.from;
+  }
+  if (!select.where.empty()) {
+    sql += " WHERE " + select.where;
+  }
+  if (!select.groupBy.empty()) {
+    sql += " GROUP BY " + select.groupBy;
+  }
+  if (!select.having.empty()) {
+    sql += " HAVING " + select.having;
+  }
+  if (!select.orderBy.empty()) {
+    sql += " ORDER BY " + select.orderBy;
+  }
+  if (!select.limit.empty()) {
+    sql += " LIMIT " + select.limit;
+  }
+  return sql;
+}
+
+std::string render(const BoundSelect& select) {
+  std::string sql = select.distinct ? "SELECT DISTINCT " : "SELECT ";
+  for (std::size_t i = 0; i < select.columns.size(); ++i) {
+    sql += (i == 0 ? "" : ",") + select.columns[i].sql + " AS c" + std::to_string(i + 1);
+  }
+  return sql + renderTail(select);
+}
+
+std::string render(const BoundQuery& query) {
+  if (query.select) {
+    return render(*query.select);
+  }
+  std::string sql = renderOperand(*query.left, false);
+  sql += operatorText(query.op);
+  sql += renderOperand(*query.right, true);
+  if (!query.orderBy.empty()) {
+    sql += " ORDER BY " + query.orderBy;
+  }
+  return sql;
+}
+
+}  // namespace azcoll::embedded
