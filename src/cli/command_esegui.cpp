@@ -124,8 +124,7 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
       ->type_name("si|no");
   command
       ->add_option("--traccia", traccia,
-                   "scrive le operazioni sul database nel FILE, una riga JSON ciascuna; - è lo "
-                   "standard error")
+                   "scrive ogni operazione sul database come riga JSON;\n- è lo standard error")
       ->type_name("FILE|-");
   command->add_flag("--json", json, "stampa i risultati come oggetto JSON");
   command->footer(

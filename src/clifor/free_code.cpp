@@ -4,6 +4,7 @@
 
 #include "component/service.h"
 #include "component/values.h"
+#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll {
@@ -98,6 +99,9 @@ void CLSCO_AZIENDECOLL::NumeraCliFor(const std::string& /*ditta*/,
       continue;
     }
     const std::unique_ptr<NumerazioneDocumenti> numbering = platform_->newNumbering();
+    if (!numbering) {
+      throw Error("Oggetto non impostato: numerazione dei documenti");
+    }
     numbering->TipoDocumento = in.Pint_TipoCF == Cliente ? kCustomerNumbering : kSupplierNumbering;
     numbering->Ditta = company;
     numbering->Modo = kRecordUsedNumber;

@@ -10,7 +10,7 @@ constexpr std::int16_t kRecordUsedNumber = 3;
 
 bool isWhole(const Variant& value) {
   try {
-    return value.toDecimal().toInteger().has_value();
+    return !value.isEmpty() && value.toDecimal().toInteger().has_value();
   } catch (const Error&) {
     return false;
   }

@@ -17,7 +17,8 @@ CLSCO_AZIENDECOLL::CLSCO_AZIENDECOLL(std::shared_ptr<Platform> platform)
 
 CLSCO_AZIENDECOLL::~CLSCO_AZIENDECOLL() {
   if (CPInput && CPInput->Connessione) {
-    if (Mbol_ConnessioneAperta) {
+    // A caller may have put a connection of its own in the place of the one opened here.
+    if (Mbol_ConnessioneAperta && CPInput->Connessione == opened_.lock()) {
       ignoreErrors([this] { CPInput->Connessione->close(); });
     }
     CPInput->Connessione = nullptr;

@@ -49,6 +49,7 @@ void CLSCO_AZIENDECOLL::ApriConnessione() noexcept {
   ignoreErrors([&] {
     in.Connessione = platform_->newConnection(in.StringaConnessione);
     Mbol_ConnessioneAperta = true;
+    opened_ = in.Connessione;
   });
   if (in.Connessione) {
     Connection& connection = *in.Connessione;
@@ -112,6 +113,9 @@ bool CLSCO_AZIENDECOLL::RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noe
 Variant CLSCO_AZIENDECOLL::DataDB(const Variant& data) {
   try {
     const std::unique_ptr<DateConverter> converter = platform_->newDateConverter();
+    if (!converter) {
+      throw Error("Oggetto non impostato: conversione delle date");
+    }
     converter->setText(join(data));
     if (converter->validationResult() == 0) {
       return converter->databaseForm();
@@ -144,7 +148,7 @@ std::int16_t CLSCO_AZIENDECOLL::ValoreGestioneDuplicazioneCliFor() noexcept {
     if (mancante(given)) {
       flag = Mbol_GestioneDuplicazioneCliFor ? 1 : 0;
     } else {
-      flag = static_cast<std::int16_t>(std::abs(given.toInt16()));
+      flag = Variant{std::abs(std::int64_t{given.toInt16()})}.toInt16();
     }
   });
   return flag;

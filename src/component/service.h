@@ -128,6 +128,7 @@ class CLSCO_AZIENDECOLL {
   Variant AgenteCollegato(const Variant& idAgente, const Variant& dittaDestinazione);
 
   std::shared_ptr<Platform> platform_;
+  std::weak_ptr<Connection> opened_;  ///< the connection that `ApriConnessione` opened
   bool Mbol_ConnessioneAperta = false;
   bool Mbol_TransazioneAperta = false;
   bool Mbol_GestioneDuplicazioneCliFor = false;

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <numeric>
 
 #include "embedded/binder.h"
 #include "embedded/collation.h"
@@ -146,18 +145,12 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
     targets.push_back(table.columns[column].type);
   }
   settleForInsert(query, targets);
-  if (defaults.empty()) {
-    return " " + render(query);
-  }
-  // Defaults stand beside what the query gives: they must not take part in its order or DISTINCT.
-  std::string sql = " SELECT ";
-  for (std::size_t i = 0; i < count; ++i) {
-    sql += (i == 0 ? "c" : ",c") + std::to_string(i + 1);
-  }
   for (const std::size_t column : defaults) {
-    sql += "," + defaultOf(table, column);
+    OutputColumn value;
+    value.sql = defaultOf(table, column);
+    query.select->columns.push_back(std::move(value));
   }
-  return sql + " FROM (" + render(query) + ")";
+  return " " + render(query);
 }
 
 std::string Binder::bindInsert(const tsql::InsertStatement& statement,

@@ -44,15 +44,19 @@ std::string Binder::bindAssignments(const tsql::Query& query,
   const auto& specification = std::get<tsql::QuerySpecification>(query.body);
   // A variable that is read in the list while the list changes it is read again for every row.
   bool accumulates = false;
-  for (const tsql::SelectItem& assigning : specification.items) {
-    if (assigning.assignTo.empty()) {
+  for (std::size_t i = 0; i < specification.items.size(); ++i) {
+    if (specification.items[i].assignTo.empty()) {
       continue;
     }
-    const std::string name = foldText(assigning.assignTo);
-    for (const tsql::SelectItem& item : specification.items) {
-      if (mentionsVariable(*item.expression, name)) {
+    const std::string name = foldText(specification.items[i].assignTo);
+    for (std::size_t j = 0; j < specification.items.size(); ++j) {
+      if (mentionsVariable(*specification.items[j].expression, name)) {
+        if (j > i) {
+          refuse(context_.text, specification.items[j].position,
+                 "a variable that the same SELECT has given a value before");
+        }
         accumulates = true;
-        liveVariables_.insert(variableIndex(assigning.assignTo));
+        liveVariables_.insert(variableIndex(specification.items[i].assignTo));
       }
     }
   }

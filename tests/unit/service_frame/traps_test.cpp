@@ -27,7 +27,7 @@ class Traps : public ServiceTest {
   /// A new service on an open connection that has one link and the group's procedure.
   std::shared_ptr<FakeConnection> prepare() {
     service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
-    const auto given = giveConnection();
+    auto given = giveConnection();
     given->rows = oneLink();
     given->procedureRows = groupRows();
     return given;

@@ -169,6 +169,18 @@ TEST_F(DuplicationTest, NothingHappensInAGroupOfAccountingTypeOne) {
   EXPECT_EQ(service.Stato, Variant{std::int16_t{0}});
 }
 
+TEST_F(DuplicationTest, AccountingTypeOneIsRecognisedInEveryKindOfNumber) {
+  for (const Variant& one : {Variant{std::int32_t{1}}, Variant{std::int64_t{1}},
+                             Variant{*Decimal::parse("1")}, Variant{*Decimal::parse("1.00")}}) {
+    group("10", {30, 40}, "30, 40", one);
+    service.DuplicaCliFor();
+    EXPECT_EQ(count("BeginTrans"), 0U);
+  }
+  group("10", {30, 40}, "30, 40", std::int16_t{10});
+  service.DuplicaCliFor();
+  EXPECT_EQ(count("BeginTrans"), 1U);
+}
+
 TEST_F(DuplicationTest, AnAccountingTypeLeftByAnEarlierCallCountsWhenThereIsNoMainCompany) {
   group("", {30}, "30");
   service.CPOutput->IndTipoCont = std::int16_t{1};
