@@ -46,7 +46,9 @@ bool CLSCO_AZIENDECOLL::CodiceCliForLibero(const std::string& ditta,
                                            const std::string& dittaPrincipale,
                                            const Variant& elenco, Variant& codice,
                                            bool primaChiamata) {
-  const std::string list = primaChiamata ? companies(elenco, dittaPrincipale) : join(elenco);
+  // The source company is never in the list, not even when it is the main one: it holds the code.
+  const std::string list =
+      primaChiamata && dittaPrincipale != ditta ? companies(elenco, dittaPrincipale) : join(elenco);
   const int tipoCF = static_cast<int>(input().Pint_TipoCF);
   const auto taken = [&] {
     bool found = false;

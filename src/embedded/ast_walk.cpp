@@ -31,7 +31,9 @@ void forEachOperand(const tsql::Expression& expression,
           [&](const tsql::Unary& node) { each(node.operand); },
           [&](const tsql::Binary& node) { each(node.left), each(node.right); },
           [&](const tsql::Between& node) { each(node.operand), each(node.low), each(node.high); },
-          [&](const tsql::Like& node) { each(node.operand), each(node.pattern), each(node.escape); },
+          [&](const tsql::Like& node) {
+            each(node.operand), each(node.pattern), each(node.escape);
+          },
           [&](const tsql::InList& node) {
             each(node.operand);
             for (const auto& item : node.items) {

@@ -48,13 +48,15 @@ BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
   requireArguments(call, 1, 1);
   const tsql::Expression& argument = *call.arguments.front();
   if (containsAggregate(argument)) {
-    throw SqlError(130, "Cannot perform an aggregate function on an expression containing an "
-                        "aggregate or a subquery.");
+    throw SqlError(130,
+                   "Cannot perform an aggregate function on an expression containing an "
+                   "aggregate or a subquery.");
   }
   if (!scope.aggregatesAllowed) {
-    throw SqlError(147, "An aggregate may not appear in the WHERE clause unless it is in a "
-                        "subquery contained in a HAVING clause or a select list, and the column "
-                        "being aggregated is an outer reference.");
+    throw SqlError(147,
+                   "An aggregate may not appear in the WHERE clause unless it is in a "
+                   "subquery contained in a HAVING clause or a select list, and the column "
+                   "being aggregated is an outer reference.");
   }
   const std::string name = upperText(call.name.parts.front());
   const bool counts = name == "COUNT" || name == "COUNT_BIG";
@@ -62,8 +64,7 @@ BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
   const InsideAggregate inside(scope);
   const auto* const literal = std::get_if<tsql::Literal>(&argument.node);
   const bool constant = literal != nullptr && literal->kind != tsql::LiteralKind::Null;
-  if (counts && !call.distinct &&
-      (constant || std::holds_alternative<tsql::Star>(argument.node))) {
+  if (counts && !call.distinct && (constant || std::holds_alternative<tsql::Star>(argument.node))) {
     return computed("count(*)", countType);
   }
   BoundExpression operand = bind(argument, scope);

@@ -59,12 +59,12 @@ void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& fu
                            const Scope& scope, Binder& body) {
   if (function.arguments.size() != routine.parameters.size()) {
     const bool few = function.arguments.size() < routine.parameters.size();
-    throw SqlError(few ? 313 : 8144,
-                   few ? "An insufficient number of arguments were supplied for the procedure or "
-                         "function " +
-                             routine.name + "."
-                       : "Procedure or function " + routine.name +
-                             " has too many arguments specified.");
+    throw SqlError(
+        few ? 313 : 8144,
+        few ? "An insufficient number of arguments were supplied for the procedure or "
+              "function " +
+                  routine.name + "."
+            : "Procedure or function " + routine.name + " has too many arguments specified.");
   }
   body.hasArguments_ = true;
   for (std::size_t i = 0; i < function.arguments.size(); ++i) {
@@ -80,8 +80,8 @@ void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& fu
 }
 
 /// In a FROM clause: a derived table. Its arguments are constants, or come from an outer query.
-std::string Binder::bindFunctionTable(const tsql::FunctionTable& function,
-                                      const std::string& alias, Scope& scope) {
+std::string Binder::bindFunctionTable(const tsql::FunctionTable& function, const std::string& alias,
+                                      Scope& scope) {
   const FunctionDepth depth(emission_, context_.text, function.name.position);
   const auto routine = findFunction(function);
   BindContext context = context_;
@@ -142,8 +142,7 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
         refuse(context_.text, function.name.position,
                "OUTER APPLY of a computed column over a table without a key");
       }
-      source.columns[i].sql = "(CASE WHEN " +
-                              inner.sources.front().column(table.key.front()).sql +
+      source.columns[i].sql = "(CASE WHEN " + inner.sources.front().column(table.key.front()).sql +
                               " IS NOT NULL THEN " + column.sql + " END)";
     }
   }

@@ -96,8 +96,7 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
     }
     BoundExpression value = bind(*assignment.value, scope);
     requireConvertible(value.type, table.columns[*column].type, assignment.value->position);
-    assigned.emplace_back(*column,
-                          coerce(value, table.columns[*column].type, Conversion::Assign));
+    assigned.emplace_back(*column, coerce(value, table.columns[*column].type, Conversion::Assign));
   }
   return assigned;
 }

@@ -192,8 +192,9 @@ std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position&
   }
   BoundQuery query = bindQuery(*node.query, &scope, use);
   if (query.columns().size() != 1) {
-    throw SqlError(116, "Only one expression can be specified in the select list when the subquery "
-                        "is not introduced with EXISTS.");
+    throw SqlError(116,
+                   "Only one expression can be specified in the select list when the subquery "
+                   "is not introduced with EXISTS.");
   }
   settle(query);
   OutputColumn& column = query.columns().front();

@@ -23,11 +23,11 @@ char partCode(const tsql::Expression& expression) {
   }
   const std::string name = upperText(word->name.parts.front());
   constexpr std::array<std::pair<std::string_view, char>, 24> kParts{{
-      {"YEAR", 'y'},    {"YYYY", 'y'},        {"YY", 'y'},     {"MONTH", 'm'},   {"MM", 'm'},
-      {"M", 'm'},       {"DAY", 'd'},         {"DD", 'd'},     {"D", 'd'},       {"HOUR", 'h'},
-      {"HH", 'h'},      {"MINUTE", 'i'},      {"MI", 'i'},     {"N", 'i'},       {"SECOND", 's'},
-      {"SS", 's'},      {"S", 's'},           {"QUARTER", 'q'}, {"QQ", 'q'},     {"Q", 'q'},
-      {"MILLISECOND", 'l'}, {"MS", 'l'},      {"DAYOFYEAR", 'j'}, {"DY", 'j'},
+      {"YEAR", 'y'},        {"YYYY", 'y'},   {"YY", 'y'},        {"MONTH", 'm'}, {"MM", 'm'},
+      {"M", 'm'},           {"DAY", 'd'},    {"DD", 'd'},        {"D", 'd'},     {"HOUR", 'h'},
+      {"HH", 'h'},          {"MINUTE", 'i'}, {"MI", 'i'},        {"N", 'i'},     {"SECOND", 's'},
+      {"SS", 's'},          {"S", 's'},      {"QUARTER", 'q'},   {"QQ", 'q'},    {"Q", 'q'},
+      {"MILLISECOND", 'l'}, {"MS", 'l'},     {"DAYOFYEAR", 'j'}, {"DY", 'j'},
   }};
   for (const auto& [known, code] : kParts) {
     if (name == known) {

@@ -159,10 +159,9 @@ BoundExpression Binder::bindArithmetic(const tsql::Binary& node, const tsql::Pos
     refuse(context_.text, position, "arithmetic with dates (use DATEADD and DATEDIFF)");
   }
   if (left.type.isText() && right.type.isText()) {
-    throw SqlError(8117, "Operand data type " + std::string(typeName(left.type)) +
-                             " is invalid for " +
-                             (node.op == tsql::BinaryOperator::Subtract ? "subtract" : "this") +
-                             " operator.");
+    throw SqlError(
+        8117, "Operand data type " + std::string(typeName(left.type)) + " is invalid for " +
+                  (node.op == tsql::BinaryOperator::Subtract ? "subtract" : "this") + " operator.");
   }
   // A text takes the type of the number, a missing value that of the other side.
   const Type common = this->common(left.type, right.type, position);
@@ -291,8 +290,9 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
     type = common(type, result.type, position);
   }
   if (type.kind == TypeKind::Null) {
-    throw SqlError(8133, "At least one of the result expressions in a CASE specification must be "
-                         "an expression other than the NULL constant.");
+    throw SqlError(8133,
+                   "At least one of the result expressions in a CASE specification must be "
+                   "an expression other than the NULL constant.");
   }
   for (std::size_t i = 0; i < node.branches.size(); ++i) {
     sql += " WHEN " + tests[i] + " THEN " + coerce(results[i], type, Conversion::Compare);
@@ -306,8 +306,9 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
 BoundExpression Binder::bindScalarQuery(const tsql::ScalarQuery& node, const Scope& scope) {
   BoundQuery query = bindQuery(*node.query, &scope, {});
   if (query.columns().size() != 1) {
-    throw SqlError(116, "Only one expression can be specified in the select list when the subquery "
-                        "is not introduced with EXISTS.");
+    throw SqlError(116,
+                   "Only one expression can be specified in the select list when the subquery "
+                   "is not introduced with EXISTS.");
   }
   settle(query);
   const Type type = query.columns().front().type;

@@ -89,11 +89,10 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
       return computed("ts_wide_abs(" + sql + ")", value.type);
     }
     const std::string absolute = "abs(" + sql + ")";
-    return value.type.isInteger()
-               ? computed("ts_integer(" + absolute + "," +
-                              std::to_string(encodeType(value.type)) + ")",
-                          value.type)
-               : computed(absolute, value.type);
+    return value.type.isInteger() ? computed("ts_integer(" + absolute + "," +
+                                                 std::to_string(encodeType(value.type)) + ")",
+                                             value.type)
+                                  : computed(absolute, value.type);
   }
   if (name == "SCOPE_IDENTITY") {
     requireArguments(call, 0, 0);
@@ -109,8 +108,8 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
   return bindTextCall(name, call, position, scope);
 }
 
-BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call,
-                                     const tsql::Position& position, const Scope& scope) {
+BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql::Position& position,
+                                     const Scope& scope) {
   std::vector<BoundExpression> values;
   Type type;
   for (const tsql::ExpressionPtr& argument : call.arguments) {
@@ -121,8 +120,9 @@ BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call,
     type = common(type, values.back().type, position);
   }
   if (values.size() < 2 || type.kind == TypeKind::Null) {
-    throw SqlError(4127, "At least one of the arguments to COALESCE must be an expression that is "
-                         "not the NULL constant.");
+    throw SqlError(4127,
+                   "At least one of the arguments to COALESCE must be an expression that is "
+                   "not the NULL constant.");
   }
   std::string sql = "coalesce(";
   for (BoundExpression& value : values) {
@@ -146,8 +146,7 @@ BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& p
       guardText(*style);
       const std::string date = natural(operand);
       const std::string styled = "ts_date_text(" + date + "," +
-                                 std::to_string(encodeType(operand.type)) + "," + style->text +
-                                 ")";
+                                 std::to_string(encodeType(operand.type)) + "," + style->text + ")";
       BoundExpression text = computed(styled, kVarChar);
       return computed(coerce(text, type, Conversion::Cut), type);
     }

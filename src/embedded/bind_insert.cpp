@@ -18,24 +18,28 @@ std::string columnList(const Table& table, const std::vector<std::size_t>& colum
 
 [[noreturn]] void failCount(bool more) {
   if (more) {
-    throw SqlError(110, "There are fewer columns in the INSERT statement than values specified in "
-                        "the VALUES clause. The number of values in the VALUES clause must match "
-                        "the number of columns specified in the INSERT statement.");
+    throw SqlError(110,
+                   "There are fewer columns in the INSERT statement than values specified in "
+                   "the VALUES clause. The number of values in the VALUES clause must match "
+                   "the number of columns specified in the INSERT statement.");
   }
-  throw SqlError(109, "There are more columns in the INSERT statement than values specified in the "
-                      "VALUES clause. The number of values in the VALUES clause must match the "
-                      "number of columns specified in the INSERT statement.");
+  throw SqlError(109,
+                 "There are more columns in the INSERT statement than values specified in the "
+                 "VALUES clause. The number of values in the VALUES clause must match the "
+                 "number of columns specified in the INSERT statement.");
 }
 
 [[noreturn]] void failQueryCount(bool more) {
   if (more) {
-    throw SqlError(121, "The select list for the INSERT statement contains more items than the "
-                        "insert list. The number of SELECT values must match the number of INSERT "
-                        "columns.");
+    throw SqlError(121,
+                   "The select list for the INSERT statement contains more items than the "
+                   "insert list. The number of SELECT values must match the number of INSERT "
+                   "columns.");
   }
-  throw SqlError(120, "The select list for the INSERT statement contains fewer items than the "
-                      "insert list. The number of SELECT values must match the number of INSERT "
-                      "columns.");
+  throw SqlError(120,
+                 "The select list for the INSERT statement contains fewer items than the "
+                 "insert list. The number of SELECT values must match the number of INSERT "
+                 "columns.");
 }
 
 /// The count of values of a statement without a column list.

@@ -47,9 +47,10 @@ BoundQuery Binder::bindQuery(const tsql::Query& query, const Scope* outer, const
   const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
   if (!query.orderBy.empty() && use.orderNeedsTop &&
       (specification == nullptr || !specification->top)) {
-    throw SqlError(1033, "The ORDER BY clause is invalid in views, inline functions, derived "
-                         "tables, subqueries, and common table expressions, unless TOP, OFFSET or "
-                         "FOR XML is also specified.");
+    throw SqlError(1033,
+                   "The ORDER BY clause is invalid in views, inline functions, derived "
+                   "tables, subqueries, and common table expressions, unless TOP, OFFSET or "
+                   "FOR XML is also specified.");
   }
   if (specification == nullptr) {
     return bindSetOperation(std::get<tsql::SetOperation>(query.body), query, outer);
@@ -67,8 +68,9 @@ BoundQuery Binder::bindSetOperation(const tsql::SetOperation& operation, const t
   bound.left = std::make_unique<BoundQuery>(bindQuery(*operation.left, outer, {}));
   bound.right = std::make_unique<BoundQuery>(bindQuery(*operation.right, outer, {}));
   if (bound.left->columns().size() != bound.right->columns().size()) {
-    throw SqlError(205, "All queries combined using a UNION, INTERSECT or EXCEPT operator must have "
-                        "an equal number of expressions in their target lists.");
+    throw SqlError(205,
+                   "All queries combined using a UNION, INTERSECT or EXCEPT operator must have "
+                   "an equal number of expressions in their target lists.");
   }
   orderSetOperation(query, bound);
   return bound;
@@ -124,8 +126,9 @@ void Binder::bindItems(const tsql::QuerySpecification& specification, const Scop
                        const QueryUse& use, BoundSelect& select) {
   for (const tsql::SelectItem& item : specification.items) {
     if (item.assignTo.empty() == use.assigns) {
-      throw SqlError(141, "A SELECT statement that assigns a value to a variable must not be "
-                          "combined with data-retrieval operations.");
+      throw SqlError(141,
+                     "A SELECT statement that assigns a value to a variable must not be "
+                     "combined with data-retrieval operations.");
     }
     if (const auto* const star = std::get_if<tsql::Star>(&item.expression->node)) {
       expandStar(*star, scope, select);
@@ -232,8 +235,9 @@ void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& s
                          BoundSelect& select) {
   for (const tsql::ExpressionPtr& key : specification.groupBy) {
     if (std::holds_alternative<tsql::Literal>(key->node)) {
-      throw SqlError(164, "Each GROUP BY expression must contain at least one column that is not an "
-                          "outer reference.");
+      throw SqlError(164,
+                     "Each GROUP BY expression must contain at least one column that is not an "
+                     "outer reference.");
     }
     BoundExpression bound = bind(*key, scope);
     std::string sql = natural(bound);
@@ -275,7 +279,8 @@ std::optional<std::size_t> Binder::outputPosition(const tsql::Expression& expres
                                                   const std::vector<OutputColumn>& columns) {
   if (const auto* const literal = std::get_if<tsql::Literal>(&expression.node)) {
     if (literal->kind != tsql::LiteralKind::Integer) {
-      throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
+      throw SqlError(408,
+                     "A constant expression was encountered in the ORDER BY list, position 1.");
     }
     guardText(*literal);
     const auto number = Decimal::parse(literal->text);
@@ -324,8 +329,9 @@ std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scop
         return std::to_string(i + 1);
       }
     }
-    throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is "
-                        "specified.");
+    throw SqlError(145,
+                   "ORDER BY items must appear in the select list if SELECT DISTINCT is "
+                   "specified.");
   }
   std::string sql = natural(bound);
   if (bound.type.isText() && !bound.isColumn) {
@@ -348,8 +354,9 @@ void Binder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
   for (const tsql::OrderItem& item : query.orderBy) {
     const auto position = outputPosition(*item.expression, bound.columns());
     if (!position) {
-      throw SqlError(104, "ORDER BY items must appear in the select list if the statement contains a "
-                          "UNION, INTERSECT or EXCEPT operator.");
+      throw SqlError(104,
+                     "ORDER BY items must appear in the select list if the statement contains a "
+                     "UNION, INTERSECT or EXCEPT operator.");
     }
     bound.orderBy += (bound.orderBy.empty() ? "" : ",") + std::to_string(*position + 1) +
                      (item.descending ? " DESC" : "");

@@ -127,8 +127,8 @@ std::string Binder::coerce(BoundExpression& expression, const Type& type, Conver
     return expression.sql;
   }
   return "ts_cast(" + expression.sql + "," + std::to_string(encodeType(expression.type)) + "," +
-         std::to_string(encodeType(type)) + "," +
-         std::to_string(static_cast<int>(conversion)) + ")";
+         std::to_string(encodeType(type)) + "," + std::to_string(static_cast<int>(conversion)) +
+         ")";
 }
 
 Type Binder::common(const Type& left, const Type& right, const tsql::Position& position) {

@@ -107,8 +107,7 @@ class Binder {
                                              const tsql::Position& position);
   [[nodiscard]] BoundExpression bindCase(const tsql::Case& node, const tsql::Position& position,
                                          const Scope& scope);
-  [[nodiscard]] BoundExpression bindScalarQuery(const tsql::ScalarQuery& node,
-                                                const Scope& scope);
+  [[nodiscard]] BoundExpression bindScalarQuery(const tsql::ScalarQuery& node, const Scope& scope);
 
   // ---- functions (bind_function.cpp, bind_date_function.cpp)
   [[nodiscard]] BoundExpression bindCall(const tsql::FunctionCall& call,

@@ -42,7 +42,7 @@ struct BoundSelect {
   bool correlated = false;  ///< what is left depends on the surroundings
   std::vector<Correlation> correlations;
   std::uint64_t correlationLevels = 0;  ///< scopes that the correlations refer to, a bit each
-  std::vector<std::size_t> assigned;  ///< variables of SELECT @v = …, one for each column
+  std::vector<std::size_t> assigned;    ///< variables of SELECT @v = …, one for each column
 };
 
 /// A query: one SELECT, or a set operation of two queries.

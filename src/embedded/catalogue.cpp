@@ -13,11 +13,10 @@ namespace azcoll::embedded {
 
 namespace {
 
-std::size_t columnOf(const Table& table, const std::string& name, std::string_view purpose) {
+std::size_t columnOf(const Table& table, const std::string& name) {
   const auto found = table.find(name);
   if (!found) {
-    throw SqlError(1911, "Column name '" + name + "' does not exist in the target table or view." +
-                             std::string(purpose));
+    throw SqlError(1911, "Column name '" + name + "' does not exist in the target table or view.");
   }
   return *found;
 }
@@ -43,6 +42,7 @@ class TableDescriber {
   std::shared_ptr<Table> describe() {
     table_->name = objectName(definition_.name, text_);
     table_->sqlName = quoteName(table_->name);
+    table_->storeName = table_->name;
     table_->isVariable = table_->name.starts_with('@');
     for (const tsql::ColumnDefinition& column : definition_.columns) {
       addColumn(column);
@@ -101,7 +101,7 @@ class TableDescriber {
     Constraint constraint;
     constraint.kind = definition.kind;
     for (const std::string& name : definition.columns) {
-      constraint.columns.push_back(columnOf(*table_, name, ""));
+      constraint.columns.push_back(columnOf(*table_, name));
     }
     if (definition.kind == tsql::ConstraintKind::ForeignKey) {
       constraint.referencedTable = objectName(definition.referencedTable, text_);
@@ -109,13 +109,13 @@ class TableDescriber {
     }
     if (definition.kind == tsql::ConstraintKind::PrimaryKey) {
       if (!table_->key.empty()) {
-        throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" +
-                                 table_->name + "'.");
+        throw SqlError(
+            8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table_->name + "'.");
       }
       addKey(constraint);
     }
-    constraint.name = definition.name.empty() ? defaultConstraintName(*table_, constraint)
-                                              : definition.name;
+    constraint.name =
+        definition.name.empty() ? defaultConstraintName(*table_, constraint) : definition.name;
     table_->constraints.push_back(std::move(constraint));
   }
 
@@ -198,7 +198,7 @@ Index describeIndex(const tsql::CreateIndexStatement& definition, const Table& t
   index.name = definition.name;
   index.unique = definition.unique;
   for (const std::string& column : definition.columns) {
-    index.columns.push_back(columnOf(table, column, ""));
+    index.columns.push_back(columnOf(table, column));
   }
   return index;
 }

@@ -40,8 +40,9 @@ struct Index {
 
 /// A table of the database, or a table variable.
 struct Table {
-  std::string name;     ///< as created, without schema
-  std::string sqlName;  ///< quoted, for SQLite
+  std::string name;       ///< as created, without schema
+  std::string sqlName;    ///< quoted, for SQLite
+  std::string storeName;  ///< as SQLite's messages call it
   std::vector<Column> columns;
   std::unordered_map<std::string, std::size_t> byName;  ///< folded name → column
   std::vector<std::size_t> key;                         ///< primary key columns, or none

@@ -93,8 +93,8 @@ void CatalogueStore::remove(std::string_view kind, std::string_view name,
 
 void CatalogueStore::removeIndexesOf(std::string_view table) const {
   const std::string folded = foldText(table);
-  const SqliteStatement removal = database_->prepare(
-      "DELETE FROM " + std::string(kCatalogueTable) + " WHERE kind = 'INDEX' AND parent = ?1");
+  const SqliteStatement removal = database_->prepare("DELETE FROM " + std::string(kCatalogueTable) +
+                                                     " WHERE kind = 'INDEX' AND parent = ?1");
   removal.bind(1, folded);
   removal.run();
 }

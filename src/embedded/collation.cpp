@@ -238,8 +238,7 @@ std::string upperText(std::string_view text) {
     // An upper-case letter lies at one of these distances below the lower-case one.
     constexpr std::array<std::uint32_t, 3> kDistances{0x20, 1, 0x50};
     for (const std::uint32_t distance : kDistances) {
-      if (c >= distance && c - distance != c && foldOne(c - distance) == c &&
-          foldOne(c) == c) {
+      if (c >= distance && c - distance != c && foldOne(c - distance) == c && foldOne(c) == c) {
         upper = c - distance;
         break;
       }

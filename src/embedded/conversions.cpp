@@ -30,8 +30,8 @@ std::string named(const Type& type) { return std::string(typeName(type)); }
 }
 
 [[noreturn]] void failOverflow(const std::string& from, const Type& to) {
-  throw SqlError(8115, "Arithmetic overflow error converting " + from + " to data type " +
-                           named(to) + ".");
+  throw SqlError(
+      8115, "Arithmetic overflow error converting " + from + " to data type " + named(to) + ".");
 }
 
 // ---------------------------------------------------------------- to whole numbers
@@ -269,8 +269,8 @@ Value convert(Value value, const Type& from, const Type& to, Conversion conversi
     return value;
   }
   if (!isConvertible(from, to)) {
-    throw SqlError(206, "Operand type clash: " + named(from) + " is incompatible with " +
-                            named(to));
+    throw SqlError(206,
+                   "Operand type clash: " + named(from) + " is incompatible with " + named(to));
   }
   if (to.isText()) {
     return toText(std::move(value), from, to, conversion);
@@ -295,8 +295,8 @@ bool isConvertible(const Type& from, const Type& to) {
     return !from.isFloat();  // FLOAT as text keeps six digits: refused rather than lost
   }
   if (from.isDate() || to.isDate()) {
-    const bool days = from.isInteger() && (to.kind == TypeKind::DateTime ||
-                                           to.kind == TypeKind::SmallDateTime);
+    const bool days =
+        from.isInteger() && (to.kind == TypeKind::DateTime || to.kind == TypeKind::SmallDateTime);
     return (from.isDate() && to.isDate()) || days;
   }
   return true;

@@ -97,9 +97,8 @@ void add(const FunctionCallFrame& frame) {
   const char unit = frame.text(0).front();
   const Date date = dateFromStored(frame.text(2));
   const std::int64_t milliseconds = unitOf(unit);
-  std::optional<Date> sum = milliseconds == 0
-                                ? addMonths(date, frame.integer(1) * monthsOf(unit))
-                                : addTime(date, frame.integer(1), milliseconds);
+  std::optional<Date> sum = milliseconds == 0 ? addMonths(date, frame.integer(1) * monthsOf(unit))
+                                              : addTime(date, frame.integer(1), milliseconds);
   const Type type = frame.type(3);
   sum = sum ? fitDate(*sum, type) : std::nullopt;
   if (!sum) {
@@ -128,9 +127,10 @@ void difference(const FunctionCallFrame& frame) {
   const std::int64_t count =
       boundary(dateFromStored(frame.text(2))) - boundary(dateFromStored(frame.text(1)));
   if (count > INT32_MAX || count < INT32_MIN) {
-    throw SqlError(535, "The datediff function resulted in an overflow. The number of dateparts "
-                        "separating two date/time instances is too large. Try to use datediff with "
-                        "a less precise datepart.");
+    throw SqlError(535,
+                   "The datediff function resulted in an overflow. The number of dateparts "
+                   "separating two date/time instances is too large. Try to use datediff with "
+                   "a less precise datepart.");
   }
   frame.give(count);
 }
@@ -140,8 +140,8 @@ void text(const FunctionCallFrame& frame) {
     frame.giveNull();
     return;
   }
-  const auto styled = styledDate(dateFromStored(frame.text(0)), frame.type(1),
-                                 static_cast<int>(frame.integer(2)));
+  const auto styled =
+      styledDate(dateFromStored(frame.text(0)), frame.type(1), static_cast<int>(frame.integer(2)));
   if (!styled) {
     throw SqlError(281, std::to_string(frame.integer(2)) +
                             " is not a valid style number when converting from " +

@@ -33,17 +33,19 @@ void readVariable(const FunctionCallFrame& frame) {
 /// The value of a subquery of which at most one row is allowed.
 void single(const FunctionCallFrame& frame) {
   if (frame.integer(0) > 1) {
-    throw SqlError(512, "Subquery returned more than 1 value. This is not permitted when the "
-                        "subquery follows =, !=, <, <= , >, >= or when the subquery is used as an "
-                        "expression.");
+    throw SqlError(512,
+                   "Subquery returned more than 1 value. This is not permitted when the "
+                   "subquery follows =, !=, <, <= , >, >= or when the subquery is used as an "
+                   "expression.");
   }
   frame.giveArgument(1);
 }
 
 void top(const FunctionCallFrame& frame) {
   if (frame.isNull(0) || frame.integer(0) < 0) {
-    throw SqlError(1060, "The number of rows provided for a TOP or FETCH clauses row count "
-                         "parameter must be an integer.");
+    throw SqlError(1060,
+                   "The number of rows provided for a TOP or FETCH clauses row count "
+                   "parameter must be an integer.");
   }
   frame.giveArgument(0);
 }
@@ -62,7 +64,8 @@ void require(sqlite3* database, int code) {
 }
 
 void add(sqlite3* database, RuntimeState& state, const FunctionEntry& entry) {
-  const int flags = SQLITE_UTF8 | SQLITE_INNOCUOUS | (entry.deterministic ? SQLITE_DETERMINISTIC : 0);
+  const int flags =
+      SQLITE_UTF8 | SQLITE_INNOCUOUS | (entry.deterministic ? SQLITE_DETERMINISTIC : 0);
   require(database, sqlite3_create_function_v2(database, entry.name, entry.arguments, flags, &state,
                                                entry.call, nullptr, nullptr, nullptr));
 }

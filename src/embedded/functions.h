@@ -1,8 +1,7 @@
 #pragma once
 
-#include <sqlite3.h>
-
 #include <optional>
+#include <sqlite3.h>
 #include <string_view>
 #include <vector>
 

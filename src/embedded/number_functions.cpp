@@ -204,9 +204,9 @@ void registerAggregates(sqlite3* database, RuntimeState& state) {
     const char* name;
     void (*finish)(sqlite3_context*);
   };
-  for (const Aggregate& aggregate : {Aggregate{"ts_sum_decimal", finish<finishDecimalSum>},
-                                     Aggregate{"ts_sum", finish<finishSum>},
-                                     Aggregate{"ts_average", finish<finishAverage>}}) {
+  for (const Aggregate& aggregate :
+       {Aggregate{"ts_sum_decimal", finish<finishDecimalSum>},
+        Aggregate{"ts_sum", finish<finishSum>}, Aggregate{"ts_average", finish<finishAverage>}}) {
     const int code = sqlite3_create_function_v2(
         database, aggregate.name, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS | SQLITE_DETERMINISTIC, &state,
         nullptr, guarded<addToSum>, aggregate.finish, nullptr);

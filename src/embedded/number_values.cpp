@@ -90,7 +90,8 @@ std::optional<Int128> digitsOfDouble(double number, int scale) {
   // 17 significant digits tell a double apart from every other; what the decimal keeps of them is
   // rounded once, by the decimal's own rule.
   std::array<char, 64> buffer{};
-  const int exponent = number == 0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(number))));
+  const int exponent =
+      number == 0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(number))));
   const int places = std::min(std::max(16 - exponent, 0), 37 - std::max(exponent, 0));
   const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
                                      std::chars_format::fixed, std::max(places, 0));

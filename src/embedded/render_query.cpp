@@ -19,8 +19,8 @@ std::string_view operatorText(tsql::SetOperator op) {
 
 /// An operand of a set operation: what would bind to the whole is put into a query of its own.
 std::string renderOperand(const BoundQuery& query, bool isRight) {
-  const bool limited = query.select && (!query.select->limit.empty() ||
-                                        !query.select->orderBy.empty());
+  const bool limited =
+      query.select && (!query.select->limit.empty() || !query.select->orderBy.empty());
   if (limited || (!query.select && isRight)) {
     return "SELECT * FROM (" + render(query) + ")";
   }

@@ -74,9 +74,8 @@ SqliteDatabase::SqliteDatabase(const std::string& path, int flags) {
 
 SqliteStatement SqliteDatabase::prepare(std::string_view sql) const {
   sqlite3_stmt* statement = nullptr;
-  const int code =
-      sqlite3_prepare_v3(get(), sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
-                         &statement, nullptr);
+  const int code = sqlite3_prepare_v3(get(), sql.data(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
   if (code != SQLITE_OK) {
     fail(get(), code);
   }

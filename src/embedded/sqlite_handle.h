@@ -1,9 +1,8 @@
 #pragma once
 
-#include <sqlite3.h>
-
 #include <cstdint>
 #include <memory>
+#include <sqlite3.h>
 #include <string>
 #include <string_view>
 

@@ -42,8 +42,8 @@ void unlessNull(const FunctionCallFrame& frame) {
 
 std::int64_t requireCount(std::int64_t count, const char* function) {
   if (count < 0) {
-    throw SqlError(536, std::string("Invalid length parameter passed to the ") + function +
-                            " function.");
+    throw SqlError(
+        536, std::string("Invalid length parameter passed to the ") + function + " function.");
   }
   return count;
 }
@@ -60,15 +60,15 @@ void left(const FunctionCallFrame& frame) {
 void right(const FunctionCallFrame& frame) {
   const std::int64_t count = requireCount(frame.integer(1), "right");
   const std::int64_t all = characterCountOf(frame.text(0));
-  frame.give(skipCharacters(frame.text(0), static_cast<std::size_t>(std::max(all - count,
-                                                                            std::int64_t{0}))));
+  frame.give(skipCharacters(frame.text(0),
+                            static_cast<std::size_t>(std::max(all - count, std::int64_t{0}))));
 }
 
 void substring(const FunctionCallFrame& frame) {
-  const std::int64_t start = std::clamp(frame.integer(1), -std::int64_t{1} << 40U,
-                                        std::int64_t{1} << 40U);
-  const std::int64_t count = std::min(requireCount(frame.integer(2), "substring"),
-                                      std::int64_t{1} << 41U);
+  const std::int64_t start =
+      std::clamp(frame.integer(1), -std::int64_t{1} << 40U, std::int64_t{1} << 40U);
+  const std::int64_t count =
+      std::min(requireCount(frame.integer(2), "substring"), std::int64_t{1} << 41U);
   // Positions in front of the text count as well: SUBSTRING('abc', 0, 2) is 'a'.
   const std::int64_t end = start + count;
   const std::int64_t first = std::max(start, std::int64_t{1});
@@ -84,9 +84,7 @@ void lower(const FunctionCallFrame& frame) {
   frame.give(std::string_view(lowerText(frame.text(0))));
 }
 void leftTrim(const FunctionCallFrame& frame) { frame.give(withoutLeadingBlanks(frame.text(0))); }
-void rightTrim(const FunctionCallFrame& frame) {
-  frame.give(withoutTrailingBlanks(frame.text(0)));
-}
+void rightTrim(const FunctionCallFrame& frame) { frame.give(withoutTrailingBlanks(frame.text(0))); }
 void trimBoth(const FunctionCallFrame& frame) {
   frame.give(withoutLeadingBlanks(withoutTrailingBlanks(frame.text(0))));
 }
@@ -127,8 +125,7 @@ void replace(const FunctionCallFrame& frame) {
 void charIndex(const FunctionCallFrame& frame) {
   const std::string_view text = frame.text(1);
   const std::int64_t start = frame.count() > 2 ? std::max(frame.integer(2), std::int64_t{1}) : 1;
-  const std::size_t from =
-      tsql::firstCharacters(text, static_cast<std::size_t>(start - 1)).size();
+  const std::size_t from = tsql::firstCharacters(text, static_cast<std::size_t>(start - 1)).size();
   const std::size_t found =
       frame.text(0).empty() ? std::string_view::npos : findFolded(text, frame.text(0), from);
   frame.give(found == std::string_view::npos ? std::int64_t{0}

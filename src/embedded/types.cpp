@@ -156,8 +156,9 @@ std::optional<Type> typeFromName(const tsql::TypeName& name, std::int32_t defaul
 
 std::string_view typeName(const Type& type) {
   constexpr std::array<std::string_view, 17> kNames{
-      "null",   "char",    "varchar", "nchar", "nvarchar", "bit",           "tinyint",  "smallint", "int",
-      "bigint", "numeric", "real",    "float", "date",     "smalldatetime", "datetime", "datetime2"};
+      "null",    "char",     "varchar",       "nchar",    "nvarchar", "bit",
+      "tinyint", "smallint", "int",           "bigint",   "numeric",  "real",
+      "float",   "date",     "smalldatetime", "datetime", "datetime2"};
   return kNames[static_cast<std::size_t>(type.kind)];
 }
 

@@ -65,7 +65,7 @@ class ScriptedErrors final : public Errors {
     entries_.clear();
     ++clears_;
   }
-  void record(ErrorInfo info) { entries_.assign(1, std::move(info)); }
+  void record(const ErrorInfo& info) { entries_.assign(1, info); }
   [[nodiscard]] int clears() const { return clears_; }
 
  private:
@@ -216,7 +216,7 @@ class ScriptedConnection final : public Connection,
     prefixes_.emplace_back(std::move(prefix), Rule{{}, failure, std::move(description)});
   }
   /// Columns that `SELECT *` gives for a table when no rows are scripted.
-  void columns(std::string table, const std::vector<std::string>& names) {
+  void columns(const std::string& table, const std::vector<std::string>& names) {
     columns_[table] = rowSet(names, {}, table).columns;
   }
   /// Answers every call of a procedure; reads the call's parameters, may throw by `raise`.

@@ -117,8 +117,8 @@ Block readBlock(const std::vector<std::string>& lines, std::size_t firstLine) {
   if (block.expected.kind == Expected::Kind::Rows && !inRows) {
     throw std::runtime_error{"the rows are missing"};
   }
-  for (const auto& [mark, by] : {std::pair{"\\r", "\r"}, std::pair{"\\n", "\n"},
-                                 std::pair{"\\e", ""}}) {
+  for (const auto& [mark, by] :
+       {std::pair{"\\r", "\r"}, std::pair{"\\n", "\n"}, std::pair{"\\e", ""}}) {
     replaceAll(block.statement, mark, by);
   }
   return block;

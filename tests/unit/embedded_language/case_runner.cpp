@@ -258,9 +258,9 @@ std::string cellText(const Variant& value) {
 }
 
 std::string kindName(const Variant& value) {
-  static const std::array<const char*, 11> kNames = {"Empty", "Null",   "Boolean", "Int16",
-                                                     "Int32", "Int64",  "Double",  "Decimal",
-                                                     "Date",  "Text",   "Object"};
+  static const std::array<const char*, 11> kNames = {"Empty", "Null",  "Boolean", "Int16",
+                                                     "Int32", "Int64", "Double",  "Decimal",
+                                                     "Date",  "Text",  "Object"};
   return kNames.at(static_cast<std::size_t>(value.kind()));
 }
 

@@ -1,6 +1,7 @@
 #include <cctype>
 
 #include "gtest/gtest.h"
+
 #include "unit/embedded_language/case_file.h"
 
 namespace azcoll::test {
@@ -52,17 +53,27 @@ TEST(CaseRunner, AcceptsWhatIsAsWritten) {
 }
 
 TEST(CaseRunner, NoticesEveryDifference) {
-  for (const char* text :
-       {"rows/SELECT 1/----/2", "rows/SELECT 1/----", "rows/SELECT 1/----/1/1",
-        "rows/SELECT 1/----/'1'", "rows/SELECT 1/----/1./",
-        "rows/SELECT 1/----/names: a/1", "rows/SELECT 1/----/kinds: Int64/1",
-        "rows/SELECT 1 SELECT 2/----/1", "rows/SELECT 1/----/1/====/2",
-        "rows/SELECT 1/----/1 | 1", "rows unordered/SELECT 1 UNION SELECT 2/----/2/2",
-        "ok/SELECT 1", "ok/SELECT * FROM T", "ok 1/DECLARE @a INT", "error 208 x/SELECT 1",
-        "error 208 Invalid name 'T'./SELECT * FROM T",
-        "error 207 Invalid object name 'T'./SELECT * FROM T",
-        "terminated 208 Invalid object name 'T'./SELECT * FROM T", "outside/SELECT 1",
-        "outside/SELECT * FROM T", "rows or outside/SELECT * FROM T/----/1"}) {
+  for (const char* text : {"rows/SELECT 1/----/2",
+                           "rows/SELECT 1/----",
+                           "rows/SELECT 1/----/1/1",
+                           "rows/SELECT 1/----/'1'",
+                           "rows/SELECT 1/----/1./",
+                           "rows/SELECT 1/----/names: a/1",
+                           "rows/SELECT 1/----/kinds: Int64/1",
+                           "rows/SELECT 1 SELECT 2/----/1",
+                           "rows/SELECT 1/----/1/====/2",
+                           "rows/SELECT 1/----/1 | 1",
+                           "rows unordered/SELECT 1 UNION SELECT 2/----/2/2",
+                           "ok/SELECT 1",
+                           "ok/SELECT * FROM T",
+                           "ok 1/DECLARE @a INT",
+                           "error 208 x/SELECT 1",
+                           "error 208 Invalid name 'T'./SELECT * FROM T",
+                           "error 207 Invalid object name 'T'./SELECT * FROM T",
+                           "terminated 208 Invalid object name 'T'./SELECT * FROM T",
+                           "outside/SELECT 1",
+                           "outside/SELECT * FROM T",
+                           "rows or outside/SELECT * FROM T/----/1"}) {
     EXPECT_EQ(complaintsOf(text), 1U) << text;
   }
 }

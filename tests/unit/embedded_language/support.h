@@ -7,10 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "gtest/gtest.h"
+
 #include "data/connection.h"
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
-#include "gtest/gtest.h"
 
 namespace azcoll::test {
 

@@ -25,10 +25,10 @@ std::string search(const std::string& code, const std::string& list = "30, 40, 1
          ") AND CG44_TIPOCF = 0 AND CG44_CLIFOR = " + code;
 }
 
-const std::string kLastNumber =
+constexpr const char* kLastNumber =
     "SELECT MAX(CG70_ULTNUMDOC) AS CG70_ULTNUMDOC FROM CG70_NUMERDOC WHERE CG70_DITTA_CG18 IN(30, "
     "40, 10, 20) AND CG70_SEZ_CG68 = '00' AND CG70_ANNO = 0AND CG70_TIPODOCINT = 901";
-const std::string kMove =
+constexpr const char* kMove =
     "UPDATE CG44_CLIFOR  SET CG44_CLIFOR = 101 WHERE CG44_DITTA_CG18 = 20 AND CG44_TIPOCF = 0 AND "
     "CG44_CLIFOR = 100";
 

@@ -27,7 +27,7 @@ class GroupStatementsTest : public ServiceTest {
             {"@CodIntermedio", kNull},
             {"@CodSede", kNull}};
   }
-  void procedureRows(std::vector<Variant> values) {
+  void procedureRows(const std::vector<Variant>& values) {
     connection->onProcedure = [values](Parameters&) {
       return ProcedureAnswer{rowSet({"DITTA", "PRINCIPALE", "CG86_INDTIPOCONT"}, values), {}};
     };

@@ -89,15 +89,16 @@ TEST_F(PrerequisitesTest, AMissingIntermediaryAndBranchAreCopiedInOrder) {
   service.DuplicaCliFor();
   const Lines all = transcript();
   ASSERT_GT(all.size(), 12U);
-  EXPECT_EQ(
-      Lines(all.begin() + 6, all.begin() + 12),
-      (Lines{intermediaryRead("10"), intermediaryRead("20"),
-             "INSERT INTO CG40_ANADITTAINTER (CG40_DITTA_CG18, CG40_TIPOCF, CG40_INTERMEDIO, "
-             "CG40_DESCR, CG40_IDMEDIA_CG99) VALUES (10, 0, 7, N'Rossi', 5)",
-             branchRead("10"), branchRead("20"),
-             "INSERT INTO CG31_ANADITTASEDI (CG31_DITTA_CG18, CG31_CODICE, CG31_INDIRIZZO, "
-             "CG31_CAP, CG31_CITTA, CG31_PROV, CG31_IDMEDIA_CG99) VALUES (10, 2, N'Via Po 1', "
-             "N'10121', N'Torino', N'TO', 6)"}));
+  const std::string intermediaryCopy =
+      "INSERT INTO CG40_ANADITTAINTER (CG40_DITTA_CG18, CG40_TIPOCF, CG40_INTERMEDIO, CG40_DESCR, "
+      "CG40_IDMEDIA_CG99) VALUES (10, 0, 7, N'Rossi', 5)";
+  const std::string branchCopy =
+      "INSERT INTO CG31_ANADITTASEDI (CG31_DITTA_CG18, CG31_CODICE, CG31_INDIRIZZO, CG31_CAP, "
+      "CG31_CITTA, CG31_PROV, CG31_IDMEDIA_CG99) VALUES (10, 2, N'Via Po 1', N'10121', N'Torino', "
+      "N'TO', 6)";
+  EXPECT_EQ(Lines(all.begin() + 6, all.begin() + 12),
+            (Lines{intermediaryRead("10"), intermediaryRead("20"), intermediaryCopy,
+                   branchRead("10"), branchRead("20"), branchCopy}));
   expectSuccess();
 }
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "embedded/plan.h"
+#include "embedded/sql_error.h"
+#include "embedded/value.h"
+
+namespace azcoll::embedded {
+
+class Engine;
+
+/// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite tells
+/// little about it; what is missing is found by running the change once more inside a savepoint
+/// that is taken back, which costs something on failures only.
+class ConstraintReporter {
+ public:
+  ConstraintReporter(Engine& engine, ChangeNode& node) : engine_(engine), node_(node) {}
+
+  [[nodiscard]] SqlError explain(const SqliteFailure& failure);
+
+ private:
+  [[nodiscard]] SqlError explainNull(std::string_view detail) const;
+  [[nodiscard]] SqlError explainDuplicate(std::string_view detail);
+  [[nodiscard]] SqlError explainCheck(std::string_view detail) const;
+  [[nodiscard]] SqlError explainForeignKey();
+  [[nodiscard]] std::string duplicateValues(const std::vector<std::size_t>& columns);
+  [[nodiscard]] SqlError violated(const Table& child, const Constraint& constraint) const;
+  [[nodiscard]] const Constraint* findViolated(const Table& child) const;
+  [[nodiscard]] std::string conflict(std::string_view kind, const Constraint& constraint,
+                                     const Table& table,
+                                     const std::vector<std::size_t>& columns) const;
+  [[nodiscard]] std::string_view verb() const;
+  void rerun() const;
+
+  Engine& engine_;
+  ChangeNode& node_;
+};
+
+}  // namespace azcoll::embedded

@@ -1,0 +1,354 @@
+#include "embedded/engine.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "data/text.h"
+#include "embedded/batch_runner.h"
+#include "embedded/catalogue_store.h"
+#include "embedded/collation.h"
+#include "embedded/sql_error.h"
+#include "tsql/parser.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+constexpr std::size_t kCachedShapes = 400;
+// A statement has a limited number of parameters; beyond, constants are written into its text.
+constexpr std::size_t kMostBoundLiterals = 20000;
+constexpr int kStepsBetweenClockReadings = 100000;
+constexpr std::string_view kMemory = ":memory:";
+
+std::string nameOfDatabase(const std::string& path) {
+  return path == kMemory ? "memory" : std::filesystem::path(path).stem().string();
+}
+
+}  // namespace
+
+Engine::Engine(const ConnectionSettings& settings, const EngineOptions& options)
+    : options_(options),
+      compilerSettings_{options.rewriteIn},
+      path_(settings.dataSource),
+      databaseName_(nameOfDatabase(settings.dataSource)),
+      cache_(kCachedShapes) {
+  try {
+    openFile(settings);
+    configure(settings);
+    reloadCatalogue();
+  } catch (const SqliteFailure& failure) {
+    throw translate(failure);
+  }
+}
+
+void Engine::openFile(const ConnectionSettings& settings) {
+  const bool memory = path_ == kMemory;
+  std::error_code error;
+  if (!memory && !settings.create && !std::filesystem::exists(path_, error)) {
+    throw SqlError(4060, "Il database \"" + path_ +
+                             "\" non esiste; con Create=True nella stringa di connessione viene "
+                             "creato.");
+  }
+  int flags = SQLITE_OPEN_NOMUTEX;
+  flags |= settings.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+  if (memory || settings.create) {
+    flags |= SQLITE_OPEN_CREATE;
+  }
+  database_ = SqliteDatabase(path_, flags);
+  sqlite3_busy_timeout(database_.get(), settings.timeoutSeconds * 1000);
+  const CatalogueStore store(database_);
+  switch (store.inspect()) {
+    case CatalogueStore::FileKind::Ours:
+      break;
+    case CatalogueStore::FileKind::Empty:
+      if (memory || settings.create) {
+        database_.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+        database_.execute("BEGIN IMMEDIATE");
+        // Another process may have been quicker.
+        if (store.inspect() == CatalogueStore::FileKind::Empty) {
+          store.create();
+        }
+        database_.execute("COMMIT");
+        break;
+      }
+      [[fallthrough]];
+    case CatalogueStore::FileKind::Foreign:
+      throw SqlError(4060, "Il file \"" + path_ + "\" non è un database di questo programma.");
+    case CatalogueStore::FileKind::Newer:
+      throw SqlError(
+          4060, "Il database \"" + path_ + "\" è di una versione più recente di questo programma.");
+  }
+}
+
+void Engine::configure(const ConnectionSettings& settings) {
+  sqlite3* const handle = database_.get();
+  // A name in double quotes that is no column must never be taken for a text.
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  registerFunctions(handle, *runtime_);
+  if (!settings.readOnly) {
+    database_.execute("PRAGMA journal_mode = WAL");
+  }
+  database_.execute(
+      "PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA temp_store = MEMORY");
+  if (!options_.optimizer) {
+    constexpr unsigned kAllOptimizations = 0xFFFFFFFF;
+    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, handle, kAllOptimizations);
+  }
+  sqlite3_progress_handler(handle, kStepsBetweenClockReadings, watchClock, this);
+  schemaVersion_ = database_.prepare("PRAGMA schema_version");
+}
+
+int Engine::watchClock(void* engine) {
+  auto& self = *static_cast<Engine*>(engine);
+  if (self.timeout_.count() == 0) {
+    return 0;
+  }
+  const auto now = std::chrono::steady_clock::now();
+  if (!self.started_) {
+    self.started_ = now;
+  }
+  return now - *self.started_ > self.timeout_ ? 1 : 0;
+}
+
+// ---------------------------------------------------------------- catalogue
+
+void Engine::reloadCatalogue() {
+  forgetPlans();
+  CatalogueStore(database_).load(catalogue_);
+  knownSchemaVersion_ = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
+  schemaVersion_.reset();
+  uncertain_ = false;
+}
+
+void Engine::refreshCatalogue() {
+  const std::int64_t version = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
+  schemaVersion_.reset();
+  if (version != knownSchemaVersion_) {
+    reloadCatalogue();
+  }
+  uncertain_ = false;
+}
+
+void Engine::definitionsChanged() {
+  forgetPlans();
+  knownSchemaVersion_ = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
+  schemaVersion_.reset();
+  definedInTransaction_ = definedInTransaction_ || inTransaction();
+}
+
+void Engine::forgetPlans() {
+  cache_.clear();
+  procedures_.clear();
+}
+
+// ---------------------------------------------------------------- running
+
+template <typename Action>
+auto Engine::translated(Action action) {
+  started_.reset();
+  runtime_->failure.reset();
+  try {
+    if (uncertain_) {
+      refreshCatalogue();
+    }
+    return action();
+  } catch (const SqliteFailure& failure) {
+    throw translate(failure);
+  }
+}
+
+std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
+  tsql::scanShape(text, shape_);
+  const bool inside =
+      !options_.planCache || !shape_.cacheable || shape_.literals.size() > kMostBoundLiterals;
+  if (!inside) {
+    if (auto plan = cache_.find(shape_)) {
+      return plan;
+    }
+  }
+  refreshCatalogue();
+  auto plan = compiler().compileBatch(std::string(text), inside);
+  if (!inside && plan->tree->literalCount != shape_.literals.size()) {
+    plan = compiler().compileBatch(std::string(text), true);
+  }
+  definedInTransaction_ = definedInTransaction_ || (plan->makesTempTables && inTransaction());
+  if (!plan->constantsInside) {
+    for (const std::size_t ordinal : plan->tree->structuralLiterals) {
+      plan->guards.push_back(
+          {Guard::Kind::SameText, ordinal, {}, literalText(shape_.literals[ordinal])});
+    }
+    cache_.add(shape_, plan);
+  }
+  return plan;
+}
+
+ExecutionResult Engine::runPlan(Plan& plan, const std::vector<Variant>* parameters) {
+  ExecutionResult result;
+  BatchRunner runner(*this, plan, result);
+  runner.setConstants(&shape_);
+  runner.setParameters(parameters);
+  runner.run();
+  return result;
+}
+
+ExecutionResult Engine::run(std::string_view text) {
+  return translated([&] {
+    const std::shared_ptr<Plan> plan = planFor(text);
+    if (plan->tree->markerCount > 0) {
+      throw SqlError(0, "Outside the supported T-SQL: ? markers without values.");
+    }
+    return runPlan(*plan, nullptr);
+  });
+}
+
+ExecutionResult Engine::run(std::string_view text, const std::vector<Variant>& parameters) {
+  return translated([&] {
+    const std::shared_ptr<Plan> plan = planFor(text);
+    if (plan->tree->markerCount != parameters.size()) {
+      throw SqlError(0, "Il testo ha " + std::to_string(plan->tree->markerCount) +
+                            " marcatori ?, i valori sono " + std::to_string(parameters.size()) +
+                            ".");
+    }
+    return runPlan(*plan, &parameters);
+  });
+}
+
+std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
+  return translated([&] {
+    refreshCatalogue();
+    std::string_view bare = trim(name);
+    if (foldText(bare.substr(0, 4)) == "dbo.") {
+      bare.remove_prefix(4);
+    }
+    if (bare.size() >= 2 && bare.front() == '[' && bare.back() == ']') {
+      bare = bare.substr(1, bare.size() - 2);
+    }
+    auto routine = catalogue_.findRoutine(bare);
+    if (!routine || routine->isFunction) {
+      throw SqlError(2812, "Could not find stored procedure '" + std::string(name) + "'.");
+    }
+    return routine;
+  });
+}
+
+std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
+  const std::string folded = foldText(routine.name);
+  const auto found = procedures_.find(folded);
+  if (found != procedures_.end()) {
+    return found->second;
+  }
+  auto plan = compiler().compileProcedure(routine);
+  definedInTransaction_ = definedInTransaction_ || (plan->makesTempTables && inTransaction());
+  procedures_[folded] = plan;
+  return plan;
+}
+
+ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<Variant>>& values) {
+  return translated([&] {
+    ExecutionResult result;
+    const std::shared_ptr<Plan> plan = planOf(routine);
+    BatchRunner runner(*this, *plan, result);
+    std::vector<std::optional<Value>> arguments(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (values[i]) {
+        arguments[i] = valueFromVariant(*values[i], routine.parameters[i].type, Conversion::Cut);
+      }
+    }
+    runner.runProcedure(routine, arguments);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (routine.parameters[i].output) {
+        values[i] = variantFromValue(runner.variables()[i], routine.parameters[i].type);
+      }
+    }
+    return result;
+  });
+}
+
+// ---------------------------------------------------------------- transactions
+
+void Engine::begin() {
+  if (inTransaction()) {
+    throw SqlError(0, "Cannot start more transactions on this session.");
+  }
+  translated([&] {
+    const bool readOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
+    // Taking the lock for writing now saves a transaction from being refused half-way.
+    database_.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+    definedInTransaction_ = false;
+  });
+}
+
+void Engine::commit() {
+  if (!inTransaction()) {
+    throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  }
+  translated([&] {
+    database_.execute("COMMIT");
+    definedInTransaction_ = false;
+  });
+}
+
+void Engine::rollback() {
+  if (!inTransaction()) {
+    throw SqlError(3903,
+                   "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  }
+  translated([&] {
+    database_.execute("ROLLBACK");
+    if (definedInTransaction_) {
+      definedInTransaction_ = false;
+      reloadCatalogue();
+    }
+  });
+}
+
+// ---------------------------------------------------------------- failures
+
+SqlError Engine::translate(const SqliteFailure& failure) const {
+  if (runtime_->failure) {
+    return *runtime_->failure;
+  }
+  const std::string file = "\"" + path_ + "\"";
+  constexpr int kPrimaryCode = 0xFF;
+  switch (failure.code & kPrimaryCode) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {1222, "Lock request time out period exceeded. Il database " + file +
+                        " è occupato da un altro processo."};
+    case SQLITE_READONLY:
+      return {3906, "Failed to update database \"" + databaseName_ +
+                        "\" because the database is read-only."};
+    case SQLITE_NOTADB:
+      return {4060, "Il file " + file + " non è un database."};
+    case SQLITE_CANTOPEN:
+      return {4060, "Il database " + file + " non si può aprire: " + failure.message + "."};
+    case SQLITE_CORRUPT:
+      return {824, "Il database " + file + " è danneggiato: " + failure.message + "."};
+    case SQLITE_FULL:
+      return {1105, "Spazio esaurito nel database " + file + "."};
+    case SQLITE_IOERR:
+      return {823,
+              "Errore di lettura o scrittura del database " + file + ": " + failure.message + "."};
+    case SQLITE_INTERRUPT:
+      return {-2, "Query timeout expired"};
+    case SQLITE_NOMEM:
+      return {701, "There is insufficient system memory to run this query."};
+    case SQLITE_TOOBIG:
+      return {8152, "String or binary data would be truncated."};
+    default:
+      break;
+  }
+  for (const std::string_view limit : {"too large", "too many", "overflow", "at most", "too big"}) {
+    if (failure.message.find(limit) != std::string::npos) {
+      return {8623,
+              "The query processor ran out of internal resources and could not produce a "
+              "query plan. (" +
+                  failure.message + ")"};
+    }
+  }
+  return {0, "Errore interno del motore: " + failure.message};
+}
+
+}  // namespace azcoll::embedded

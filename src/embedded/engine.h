@@ -1,0 +1,106 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "cursor/result_set.h"
+#include "embedded/catalogue.h"
+#include "embedded/compiler.h"
+#include "embedded/connection_string.h"
+#include "embedded/functions.h"
+#include "embedded/plan.h"
+#include "embedded/plan_cache.h"
+#include "embedded/sqlite_handle.h"
+
+namespace azcoll::embedded {
+
+/// What tests switch to compare the engine with itself; callers always run with everything on.
+struct EngineOptions {
+  bool planCache = true;  ///< off: constants are written into the SQLite texts, nothing is kept
+  bool rewriteIn = true;
+  bool optimizer = true;  ///< SQLite's own
+};
+
+/// An open database: runs T-SQL on it.
+///
+/// Failures are `SqlError`, `tsql::SyntaxError` (text that is not understood) and `Error` (a file
+/// that cannot be used). A failed statement leaves no trace; an open transaction stays open.
+class Engine {
+ public:
+  /// Opens the database; throws `SqlError` or `Error`.
+  Engine(const ConnectionSettings& settings, const EngineOptions& options);
+
+  [[nodiscard]] ExecutionResult run(std::string_view text);
+  /// Runs a text whose `?` markers take `parameters`.
+  [[nodiscard]] ExecutionResult run(std::string_view text, const std::vector<Variant>& parameters);
+  /// Calls a procedure; `values` holds one value for each parameter (nothing: its default) and
+  /// takes those of the output parameters.
+  [[nodiscard]] ExecutionResult call(const Routine& routine,
+                                     std::vector<std::optional<Variant>>& values);
+  /// The procedure of this name; throws `SqlError` 2812.
+  [[nodiscard]] std::shared_ptr<const Routine> findProcedure(std::string_view name);
+
+  void begin();
+  void commit();
+  void rollback();
+  [[nodiscard]] bool inTransaction() const { return database_.inTransaction(); }
+
+  /// Seconds after which a text is broken off; 0 for never.
+  void setTimeout(int seconds) { timeout_ = std::chrono::seconds(seconds); }
+
+  [[nodiscard]] const PlanCache& cache() const { return cache_; }
+
+ private:
+  friend class BatchRunner;
+  friend class ConstraintReporter;
+  friend class Definer;
+
+  void configure(const ConnectionSettings& settings);
+  void openFile(const ConnectionSettings& settings);
+  [[nodiscard]] std::shared_ptr<Plan> planFor(std::string_view text);
+  [[nodiscard]] std::shared_ptr<Plan> planOf(const Routine& routine);
+  [[nodiscard]] Compiler compiler() {
+    return Compiler(database_, catalogue_, compilerSettings_, tempTables_);
+  }
+  /// Reads the catalogue again when another connection has changed it.
+  void refreshCatalogue();
+  void reloadCatalogue();
+  /// After a definition: nothing compiled before is valid any longer.
+  void definitionsChanged();
+  void forgetPlans();
+  [[nodiscard]] ExecutionResult runPlan(Plan& plan, const std::vector<Variant>* parameters);
+  template <typename Action>
+  auto translated(Action action);
+  /// SQLite's failure as one that callers understand.
+  [[nodiscard]] SqlError translate(const SqliteFailure& failure) const;
+  static int watchClock(void* engine);
+
+  EngineOptions options_;
+  Compiler::Settings compilerSettings_;
+  std::string path_;
+  std::string databaseName_;
+  std::unique_ptr<RuntimeState> runtime_ = std::make_unique<RuntimeState>();
+  SqliteDatabase database_;
+  Catalogue catalogue_;
+  std::size_t tempTables_ = 0;
+  PlanCache cache_;
+  std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;
+  SqliteStatement schemaVersion_;
+  std::int64_t knownSchemaVersion_ = 0;
+  bool uncertain_ = false;             ///< the schema may have changed under the plans
+  bool definedInTransaction_ = false;  ///< a rollback takes definitions or table variables back
+  tsql::Shape shape_;
+  std::int64_t rowCount_ = 0;
+  std::optional<std::int64_t> lastIdentity_;
+  std::chrono::seconds timeout_{0};
+  std::optional<std::chrono::steady_clock::time_point> started_;
+  std::size_t depth_ = 0;  ///< of procedure calls
+};
+
+}  // namespace azcoll::embedded
