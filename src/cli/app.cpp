@@ -108,7 +108,8 @@ std::vector<std::string> commandNames(const CLI::App& app) {
 
 void CommandLine::refuseUnknown() const {
   for (const CLI::App* level : {&app_, &chosen()}) {
-    const std::vector<std::string> unknown = level->remaining();
+    std::vector<std::string> unknown = level->remaining();
+    std::erase(unknown, "--");  // the mark before words that only look like options
     if (unknown.empty()) {
       continue;
     }

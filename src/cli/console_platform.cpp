@@ -7,12 +7,11 @@
 
 #include "cli/names.h"
 #include "data/text.h"
-#include "platform/provider_factory.h"
 
 namespace azcoll::cli {
 
 std::shared_ptr<Connection> ConsolePlatform::newConnection(std::string_view connectionString) {
-  return newConnectionFor(connectionString);
+  return defaultPlatform()->newConnection(connectionString);
 }
 
 Answer ConsolePlatform::messageBox(std::string_view text, int /*style*/, std::string_view title) {

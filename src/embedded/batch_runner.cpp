@@ -268,7 +268,14 @@ Value BatchRunner::argumentValue(const tsql::Expression& expression, const Type&
     const std::size_t index = plan_.variables.scalarByName.at(foldText(variable->name));
     return convert(variables_[index], plan_.variables.scalars[index].type, type, Conversion::Cut);
   }
-  auto value = constantValue(expression, type);
+  std::optional<Value> value;
+  try {
+    value = constantValue(expression, type);
+  } catch (const SqlError&) {
+    // The arguments of a call have one message for everything that does not convert.
+    throw SqlError(8114,
+                   "Error converting data type varchar to " + std::string(typeName(type)) + ".");
+  }
   if (!value) {
     refuse(plan_.text, expression.position, "an argument that is neither constant nor variable");
   }

@@ -135,8 +135,8 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
   for (std::size_t i = 0; i < source.columns.size(); ++i) {
     const OutputColumn& column = query.select->columns[i];
     source.columns[i].sql = column.sql;
-    if (outer && !column.expression.isColumn) {
-      // What the body reckons must be missing where no row matches.
+    // Only the body's own columns are missing by themselves where no row matches.
+    if (outer && !column.expression.origin) {
       const Table& table = *inner.sources.front().table;
       if (table.key.empty()) {
         refuse(context_.text, function.name.position,

@@ -4,15 +4,26 @@
 
 #include <algorithm>
 
+#include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
 #include "embedded/sql_error.h"
 
 namespace azcoll::embedded {
 
+void refuseReadingHints(const tsql::NamedTable& target) {
+  for (const std::string& hint : target.hints) {
+    if (hint == "NOLOCK" || hint == "READUNCOMMITTED") {
+      throw SqlError(1065,
+                     "The NOLOCK and READUNCOMMITTED lock hints are not allowed for target "
+                     "tables of INSERT, UPDATE, DELETE or MERGE statements.");
+    }
+  }
+}
+
 std::vector<std::string> Binder::keyColumns(const Table& table) const {
   if (table.key.empty()) {
-    return {"rowid"};
+    return {quoteName(table.rowColumn)};
   }
   std::vector<std::string> names;
   for (const std::size_t column : table.key) {
@@ -82,10 +93,7 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
     }
     const auto same = [&column](const auto& each) { return each.first == *column; };
     if (std::any_of(assigned.begin(), assigned.end(), same)) {
-      throw SqlError(264, "The column name '" + name +
-                              "' is specified more than once in the SET clause or column list of "
-                              "an INSERT. A column cannot be assigned more than one value in the "
-                              "same clause.");
+      failRepeatedColumn(name);
     }
     if (table.columns[*column].identity) {
       throw SqlError(8102, "Cannot update identity column '" + name + "'.");
@@ -93,6 +101,9 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
     if (!assignment.value) {
       assigned.emplace_back(*column, defaultOf(table, *column));
       continue;
+    }
+    if (containsAggregate(*assignment.value)) {
+      throw SqlError(157, "An aggregate may not appear in the set list of an UPDATE statement.");
     }
     BoundExpression value = bind(*assignment.value, scope);
     requireConvertible(value.type, table.columns[*column].type, assignment.value->position);
@@ -103,6 +114,7 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
 
 std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
                                Catalogue::TablePtr& target) {
+  refuseReadingHints(statement.target);
   Scope scope(nullptr);
   const Change change = bindTarget(statement.target, statement.from, scope);
   target = change.table;
@@ -140,6 +152,7 @@ std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
 
 std::string Binder::bindDelete(const tsql::DeleteStatement& statement,
                                Catalogue::TablePtr& target) {
+  refuseReadingHints(statement.target);
   Scope scope(nullptr);
   const Change change = bindTarget(statement.target, statement.from, scope);
   target = change.table;

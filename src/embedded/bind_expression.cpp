@@ -159,9 +159,10 @@ BoundExpression Binder::bindArithmetic(const tsql::Binary& node, const tsql::Pos
     refuse(context_.text, position, "arithmetic with dates (use DATEADD and DATEDIFF)");
   }
   if (left.type.isText() && right.type.isText()) {
-    throw SqlError(
-        8117, "Operand data type " + std::string(typeName(left.type)) + " is invalid for " +
-                  (node.op == tsql::BinaryOperator::Subtract ? "subtract" : "this") + " operator.");
+    constexpr std::string_view kVerbs[]{"add", "subtract", "multiply", "divide", "modulo"};
+    throw SqlError(8117, "Operand data type " + std::string(typeName(left.type)) +
+                             " is invalid for " +
+                             std::string(kVerbs[static_cast<std::size_t>(node.op)]) + " operator.");
   }
   // A text takes the type of the number, a missing value that of the other side.
   const Type common = this->common(left.type, right.type, position);

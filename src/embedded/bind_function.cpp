@@ -3,6 +3,7 @@
 
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
+#include "embedded/builtin_names.h"
 #include "embedded/collation.h"
 #include "embedded/sql_error.h"
 
@@ -133,9 +134,11 @@ BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql:
 
 BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& position,
                                  const Scope& scope) {
-  constexpr std::int32_t kDefaultLength = 30;
-  const Type type = declaredType(node.type, context_.text, kDefaultLength);
+  const Type type = castType(node.type, context_.text);
   BoundExpression operand = bind(*node.operand, scope);
+  if (operand.type.isDate() && type.isNumber()) {
+    refuse(context_.text, position, "a date as a number");
+  }
   requireConvertible(operand.type, type, position);
   if (node.style) {
     const auto* const style = std::get_if<tsql::Literal>(&node.style->node);
@@ -207,6 +210,10 @@ BoundExpression Binder::bindTextCall(std::string_view name, const tsql::Function
   }};
   const auto* const found = std::find_if(kFunctions.begin(), kFunctions.end(),
                                          [name](const auto& each) { return each.name == name; });
+  if (found == kFunctions.end() && !isBuiltinFunction(name)) {
+    throw SqlError(195,
+                   "'" + call.name.parts.front() + "' is not a recognized built-in function name.");
+  }
   if (found == kFunctions.end()) {
     refuse(context_.text, position, "the function " + std::string(name));
   }

@@ -74,10 +74,7 @@ std::vector<std::size_t> Binder::insertColumns(const tsql::InsertStatement& stat
       throw SqlError(207, "Invalid column name '" + name + "'.");
     }
     if (std::find(columns.begin(), columns.end(), *column) != columns.end()) {
-      throw SqlError(264, "The column name '" + name +
-                              "' is specified more than once in the SET clause or column list of "
-                              "an INSERT. A column cannot be assigned more than one value in the "
-                              "same clause.");
+      failRepeatedColumn(name);
     }
     if (table.columns[*column].identity) {
       throw SqlError(544, "Cannot insert explicit value for identity column in table '" +
@@ -109,6 +106,11 @@ std::string Binder::insertRows(const tsql::InsertStatement& statement, const Tab
   const Scope nothing(nullptr);
   std::string sql = " VALUES ";
   for (const auto& row : statement.rows) {
+    if (row.size() != statement.rows.front().size()) {
+      throw SqlError(10709,
+                     "The number of columns for each row in a table value constructor must be the "
+                     "same.");
+    }
     if (statement.columns.empty()) {
       checkPositional(table, row.size(), columns.size());
     } else if (row.size() != columns.size()) {
@@ -159,6 +161,7 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
 
 std::string Binder::bindInsert(const tsql::InsertStatement& statement,
                                Catalogue::TablePtr& target) {
+  refuseReadingHints(statement.target);
   target = findTable(statement.target.name);
   const Table& table = *target;
   std::vector<std::size_t> columns = insertColumns(statement, table);

@@ -264,11 +264,9 @@ void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
     select.atMostOneRow = select.limit == "1" || select.limit == "0";
     return;
   }
-  if (!std::holds_alternative<tsql::Variable>(top.count->node)) {
-    refuse(context_.text, top.count->position, "TOP with anything but a number or a variable");
-  }
   const Scope nothing(nullptr);
   BoundExpression count = bind(*top.count, nothing);
+  requireConvertible(count.type, kBigInt, top.count->position);
   select.limit = "ts_top(" + coerce(count, kBigInt, Conversion::Cut) + ")";
 }
 

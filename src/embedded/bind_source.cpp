@@ -32,6 +32,10 @@ bool isJoin(const tsql::TableSource& source) {
 void Binder::expose(Scope& scope, Source source) {
   source.folded = foldText(source.name);
   for (const Source& other : scope.sources) {
+    if (other.folded == source.folded && other.hasAlias && source.hasAlias) {
+      throw SqlError(1011, "The correlation name '" + source.name +
+                               "' is specified multiple times in a FROM clause.");
+    }
     if (other.folded == source.folded) {
       throw SqlError(1013, "The objects \"" + other.name + "\" and \"" + source.name +
                                "\" in the FROM clause have the same exposed names. Use correlation "

@@ -1,6 +1,8 @@
 // What is bound as a whole: queries with their result columns, values and tests of the procedural
 // statements, conditions of a definition.
 
+#include <set>
+
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
@@ -95,6 +97,34 @@ std::string Binder::bindValue(const tsql::Expression& expression, const Type& ty
 std::string Binder::bindTest(const tsql::Expression& condition) {
   const Scope nothing(nullptr);
   return "SELECT " + bindCondition(condition, nothing, true);
+}
+
+void Binder::checkFunction(const Routine& routine) {
+  hasArguments_ = true;
+  for (const RoutineParameter& parameter : routine.parameters) {
+    BoundExpression nothing;
+    nothing.sql = "NULL";
+    nothing.type = parameter.type;
+    arguments_[foldText(parameter.name)] = std::move(nothing);
+  }
+  BoundQuery query = bindQuery(*routine.function().body, nullptr, {});
+  settle(query);
+  std::set<std::string> names;
+  std::size_t number = 0;
+  for (const OutputColumn& column : query.columns()) {
+    ++number;
+    if (!column.named) {
+      throw SqlError(4514,
+                     "CREATE FUNCTION failed because a column name is not specified for "
+                     "column " +
+                         std::to_string(number) + ".");
+    }
+    if (!names.insert(foldText(column.name)).second) {
+      throw SqlError(4506, "Column names in each view or function must be unique. Column name '" +
+                               column.name + "' in view or function '" + routine.name +
+                               "' is specified more than once.");
+    }
+  }
 }
 
 std::string Binder::bindCheck(const tsql::Expression& condition, const Table& table) {

@@ -114,6 +114,11 @@ void Binder::requireConvertible(const Type& from, const Type& to,
   if (from.isFloat() && to.isText()) {
     refuse(context_.text, position, "a floating-point number as a text");
   }
+  if (from.isDate() && (to.isInteger() || to.isDecimal())) {
+    throw SqlError(257, "Implicit conversion from data type " + std::string(typeName(from)) +
+                            " to " + std::string(typeName(to)) +
+                            " is not allowed. Use the CONVERT function to run this query.");
+  }
   throw SqlError(206, "Operand type clash: " + std::string(typeName(from)) +
                           " is incompatible with " + std::string(typeName(to)));
 }

@@ -36,6 +36,9 @@ struct BindContext {
   bool rewriteIn = true;         ///< turn correlated IN into uncorrelated row values where allowed
 };
 
+/// Refuses the hints that a table which is to be changed cannot have (1065).
+void refuseReadingHints(const tsql::NamedTable& target);
+
 /// Turns one statement of T-SQL into a statement of SQLite of the same meaning. What it cannot keep
 /// the meaning of it refuses (`tsql::SyntaxError` with number 0); what is wrong it refuses as SQL
 /// Server does (`SqlError`).
@@ -56,6 +59,8 @@ class Binder {
                                        Catalogue::TablePtr& table);
   [[nodiscard]] std::string bindDelete(const tsql::DeleteStatement& statement,
                                        Catalogue::TablePtr& table);
+  /// Binds the body of a function for its errors alone (208, 207, 4514, 4506 …).
+  void checkFunction(const Routine& routine);
   /// The condition of a CHECK over the columns of `table`, for its definition.
   [[nodiscard]] std::string bindCheck(const tsql::Expression& condition, const Table& table);
 

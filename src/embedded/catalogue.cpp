@@ -31,6 +31,13 @@ std::string defaultConstraintName(const Table& table, const Constraint& constrai
   return name;
 }
 
+/// SQLite's name of a table. It keeps some names for itself, and one is that of the catalogue.
+std::string storeNameOf(const std::string& name) {
+  const std::string folded = foldText(name);
+  const bool reserved = folded.starts_with("sqlite_") || folded.starts_with("azcoll_catalogue");
+  return reserved ? "~" + name : name;
+}
+
 class TableDescriber {
  public:
   TableDescriber(std::shared_ptr<const tsql::CreateTableStatement> definition,
@@ -41,8 +48,8 @@ class TableDescriber {
 
   std::shared_ptr<Table> describe() {
     table_->name = objectName(definition_.name, text_);
-    table_->sqlName = quoteName(table_->name);
-    table_->storeName = table_->name;
+    table_->storeName = storeNameOf(table_->name);
+    table_->sqlName = quoteName(table_->storeName);
     table_->isVariable = table_->name.starts_with('@');
     for (const tsql::ColumnDefinition& column : definition_.columns) {
       addColumn(column);
@@ -58,7 +65,7 @@ class TableDescriber {
   void addColumn(const tsql::ColumnDefinition& definition) {
     Column column;
     column.name = definition.name;
-    column.type = declaredType(definition.type, text_);
+    column.type = declaredType(definition.type, text_, table_->columns.size() + 1);
     column.nullable = definition.nullable.value_or(true);
     column.identity = definition.identity;
     column.defaultValue = definition.defaultValue.get();
@@ -135,6 +142,14 @@ class TableDescriber {
   void finishKey() {
     // A table is stored by its primary key, as a clustered one is; only an identity is a rowid.
     table_->hasRowid = table_->key.empty() || table_->identity.has_value();
+    if (table_->identity) {
+      table_->rowColumn = table_->columns[*table_->identity].name;
+    } else if (table_->key.empty()) {
+      table_->rowColumn = "row";
+      while (table_->byName.contains(table_->rowColumn)) {
+        table_->rowColumn += "_";
+      }
+    }
   }
 
   std::string_view text_;
@@ -213,8 +228,10 @@ std::shared_ptr<const Routine> describeRoutine(std::string source) {
                         const std::vector<tsql::ParameterDefinition>& parameters) {
     routine->name = objectName(name, routine->source);
     for (const tsql::ParameterDefinition& parameter : parameters) {
-      routine->parameters.push_back({parameter.name, declaredType(parameter.type, routine->source),
-                                     parameter.output, parameter.defaultValue.get()});
+      routine->parameters.push_back(
+          {parameter.name,
+           declaredType(parameter.type, routine->source, routine->parameters.size() + 1),
+           parameter.output, parameter.defaultValue.get()});
     }
   };
   if (routine->isFunction) {
@@ -231,21 +248,43 @@ const std::string& objectName(const tsql::ObjectName& name, std::string_view tex
     refuse(text, name.position, "names with a database or a server");
   }
   if (parts == 2 && !tsql::equalsIgnoringCase(name.parts[0], "DBO")) {
-    refuse(text, name.position, "the schema " + name.parts[0]);
+    throw SqlError(208, "Invalid object name '" + name.parts[0] + "." + name.parts[1] + "'.");
   }
   return name.parts.back();
 }
 
-Type declaredType(const tsql::TypeName& name, std::string_view text, std::int32_t defaultLength) {
-  const std::optional<Type> type = typeFromName(name, defaultLength);
-  if (!type) {
-    std::string written = name.name;
-    if (name.length) {
-      written += "(" + std::to_string(*name.length) + ")";
-    }
-    refuse(text, name.position, "the data type " + written);
+namespace {
+
+[[noreturn]] void refuseType(const tsql::TypeName& name, std::string_view text) {
+  std::string written = name.name;
+  if (name.length) {
+    written += "(" + std::to_string(*name.length) + ")";
   }
-  return *type;
+  refuse(text, name.position, "the data type " + written);
+}
+
+}  // namespace
+
+Type declaredType(const tsql::TypeName& name, std::string_view text, std::size_t ordinal) {
+  if (const std::optional<Type> type = typeFromName(name, 1)) {
+    return *type;
+  }
+  if (isSystemType(name.name)) {
+    refuseType(name, text);
+  }
+  throw SqlError(2715, "Column, parameter, or variable #" + std::to_string(ordinal) +
+                           ": Cannot find data type " + name.name + ".");
+}
+
+Type castType(const tsql::TypeName& name, std::string_view text) {
+  constexpr std::int32_t kDefaultLength = 30;
+  if (const std::optional<Type> type = typeFromName(name, kDefaultLength)) {
+    return *type;
+  }
+  if (isSystemType(name.name)) {
+    refuseType(name, text);
+  }
+  throw SqlError(243, "Type " + name.name + " is not a defined system type.");
 }
 
 }  // namespace azcoll::embedded

@@ -49,6 +49,7 @@ struct Table {
   std::vector<Constraint> constraints;
   std::vector<Index> indexes;
   std::optional<std::size_t> identity;
+  std::string rowColumn;  ///< without a primary key: the column by which SQLite tells rows apart
   bool hasRowid = true;
   bool isVariable = false;
   std::shared_ptr<const tsql::CreateTableStatement> definition;
@@ -115,12 +116,15 @@ class Catalogue {
 /// The routine whose whole CREATE statement is `source`. Throws what parsing throws.
 [[nodiscard]] std::shared_ptr<const Routine> describeRoutine(std::string source);
 
-/// Refuses a name with a server or database part, and a schema other than dbo; returns the object's
-/// own name.
+/// Refuses a name with a server or database part; there is nothing in a schema other than dbo
+/// (208). Returns the object's own name.
 [[nodiscard]] const std::string& objectName(const tsql::ObjectName& name, std::string_view text);
 
-/// The type of a declaration; refuses one outside the engine.
+/// The type of declaration number `ordinal`, from 1; refuses one outside the engine, or that does
+/// not exist (2715).
 [[nodiscard]] Type declaredType(const tsql::TypeName& name, std::string_view text,
-                                std::int32_t defaultLength = 1);
+                                std::size_t ordinal);
+/// The type of CAST; refuses one outside the engine, or that does not exist (243).
+[[nodiscard]] Type castType(const tsql::TypeName& name, std::string_view text);
 
 }  // namespace azcoll::embedded

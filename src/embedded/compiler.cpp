@@ -63,12 +63,15 @@ bool assigns(const tsql::SelectStatement& statement) {
 }
 
 void addVariable(VariableTable& variables, const std::string& name, const Type& type) {
-  if (variables.tables.contains(foldText(name)) ||
-      !variables.scalarByName.emplace(foldText(name), variables.scalars.size()).second) {
-    throw SqlError(134, "The variable name '" + name +
+  const auto found = variables.scalarByName.find(foldText(name));
+  const bool taken = found != variables.scalarByName.end();
+  if (taken || variables.tables.contains(foldText(name))) {
+    throw SqlError(134, "The variable name '" +
+                            (taken ? variables.scalars[found->second].name : name) +
                             "' has already been declared. Variable names must be unique within a "
                             "query batch or stored procedure.");
   }
+  variables.scalarByName.emplace(foldText(name), variables.scalars.size());
   variables.scalars.push_back({name, type});
 }
 
@@ -91,6 +94,9 @@ std::shared_ptr<Plan> Compiler::compileBatch(std::string text, bool constantsIns
     work.putOff = work.putOff || containsDefinition(*statement);
   }
   plan->cacheable = !work.putOff && !constantsInside;
+  plan->changesData =
+      plan->tree->statements.size() != 1 ||
+      !std::holds_alternative<tsql::SelectStatement>(plan->tree->statements.front()->node);
   compileAll(work, plan->tree->statements, plan->body);
   return plan;
 }
@@ -110,6 +116,18 @@ std::shared_ptr<Plan> Compiler::compileProcedure(const Routine& routine) const {
   }
   compileAll(work, routine.procedure().body, plan->body);
   return plan;
+}
+
+void Compiler::checkRoutine(const Routine& routine) const {
+  if (!routine.isFunction) {
+    static_cast<void>(compileProcedure(routine));
+    return;
+  }
+  std::vector<Guard> guards;
+  Emission emission;
+  emission.guards = &guards;
+  const BindContext context{&catalogue_, nullptr, routine.source, true, settings_.rewriteIn};
+  Binder(context, emission).checkFunction(routine);
 }
 
 Node Compiler::compileDeferred(Plan& plan, const tsql::Statement& statement) const {
@@ -288,12 +306,14 @@ Node Compiler::compileSelect(Work& work, const tsql::SelectStatement& statement)
 
 void Compiler::declare(Work& work, const tsql::DeclareStatement& statement,
                        BlockNode& block) const {
+  std::size_t ordinal = 0;
   for (const tsql::VariableDeclaration& declaration : statement.variables) {
     if (declaration.table) {
       declareTable(work, declaration);
       continue;
     }
-    addVariable(work.plan.variables, declaration.name, declaredType(declaration.type, work.text));
+    addVariable(work.plan.variables, declaration.name,
+                declaredType(declaration.type, work.text, ++ordinal));
     if (declaration.initial) {
       block.statements.push_back(assign(work, declaration.name, *declaration.initial));
     }

@@ -28,6 +28,9 @@ class Compiler {
   [[nodiscard]] std::shared_ptr<Plan> compileBatch(std::string text, bool constantsInside) const;
   [[nodiscard]] std::shared_ptr<Plan> compileProcedure(const Routine& routine) const;
 
+  /// Compiles a routine for its errors alone.
+  void checkRoutine(const Routine& routine) const;
+
   /// A statement that was put off, now that it is reached.
   [[nodiscard]] Node compileDeferred(Plan& plan, const tsql::Statement& statement) const;
 

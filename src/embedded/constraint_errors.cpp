@@ -135,12 +135,38 @@ SqlError ConstraintReporter::explainNull(std::string_view detail) const {
 
 // ---------------------------------------------------------------- keys
 
-void ConstraintReporter::rerun() const {
-  sqlite3_stmt* const statement = node_.piece.statement.get();
-  sqlite3_reset(statement);
-  while (sqlite3_step(statement) == SQLITE_ROW) {
+std::optional<SqliteFailure> ConstraintReporter::rerun() const {
+  node_.piece.statement.reset();
+  try {
+    node_.piece.statement.run();
+  } catch (const SqliteFailure& failure) {
+    return failure;
   }
-  sqlite3_reset(statement);
+  return std::nullopt;
+}
+
+/// SQLite looks at the indexes first, SQL Server at the primary key: when a row breaks several, the
+/// key is told. Without the table's indexes the run shows whether it is broken too.
+std::string ConstraintReporter::firstBrokenKey(std::string_view detail) const {
+  const SqliteDatabase& database = engine_.database_;
+  const TrialRun trial(database);
+  std::vector<std::string> indexes;
+  {
+    const SqliteStatement names = database.prepare(
+        std::string("SELECT name FROM ") + (node_.table->isVariable ? "temp." : "main.") +
+        "sqlite_schema WHERE type = 'index' AND sql IS NOT NULL AND tbl_name = ?1");
+    names.bind(1, node_.table->storeName);
+    while (names.step()) {
+      indexes.emplace_back(names.text(0));
+    }
+  }
+  for (const std::string& index : indexes) {
+    database.execute("DROP INDEX " + quoteName(index));
+  }
+  const auto failure = indexes.empty() ? std::nullopt : rerun();
+  return std::string(failure && findKey(*node_.table, detailOf(failure->message))
+                         ? detailOf(failure->message)
+                         : detail);
 }
 
 /// The key of the row that failed: a trigger watches the rows as they are written, and the last one
@@ -173,7 +199,7 @@ std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& 
 }
 
 SqlError ConstraintReporter::explainDuplicate(std::string_view detail) {
-  const std::optional<BrokenKey> key = findKey(*node_.table, detail);
+  const std::optional<BrokenKey> key = findKey(*node_.table, firstBrokenKey(detail));
   if (!key) {
     return {2627, "Violation of a key constraint. Cannot insert duplicate key in object '" +
                       ownName(*node_.table) + "'."};
@@ -235,8 +261,12 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
     columns.push_back(child.find(parts.text(1)).value_or(0));
   }
   for (const Constraint& constraint : child.constraints) {
-    if (constraint.kind == tsql::ConstraintKind::ForeignKey && constraint.columns == columns &&
-        foldText(constraint.referencedTable) == parent) {
+    if (constraint.kind != tsql::ConstraintKind::ForeignKey) {
+      continue;
+    }
+    const Catalogue::TablePtr table = engine_.catalogue_.findTable(constraint.referencedTable);
+    const std::string parentName = table ? foldText(table->storeName) : "";
+    if (constraint.columns == columns && parentName == parent) {
       return &constraint;
     }
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,9 @@ class ConstraintReporter {
                                      const Table& table,
                                      const std::vector<std::size_t>& columns) const;
   [[nodiscard]] std::string_view verb() const;
-  void rerun() const;
+  /// Runs the change again; its failure, or nothing.
+  std::optional<SqliteFailure> rerun() const;
+  [[nodiscard]] std::string firstBrokenKey(std::string_view detail) const;
 
   Engine& engine_;
   ChangeNode& node_;

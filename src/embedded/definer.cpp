@@ -59,9 +59,6 @@ bool Definer::define(const tsql::Statement& statement, std::string_view text) {
 
 void Definer::requireFreeName(const std::string& name) const {
   const std::string folded = foldText(name);
-  if (folded == kCatalogueTable || folded.starts_with("sqlite_")) {
-    throw SqlError(2714, "Il nome '" + name + "' è riservato.");
-  }
   bool taken = engine_.catalogue_.findTable(name) || engine_.catalogue_.findRoutine(name);
   for (const auto& [key, table] : engine_.catalogue_.tables()) {
     for (const Constraint& constraint : table->constraints) {
@@ -123,9 +120,31 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
     throw SqlError(1505,
                    "The CREATE UNIQUE INDEX statement terminated because a duplicate key was "
                    "found for the object name 'dbo." +
-                       table->name + "' and the index name '" + index.name + "'.");
+                       table->name + "' and the index name '" + index.name +
+                       "'. The duplicate key value is (" + repeatedKey(*table, index) + ").");
   }
   engine_.catalogue_.addIndex(table->name, index);
+}
+
+/// The values of the first key that occurs twice, as messages show them.
+std::string Definer::repeatedKey(const Table& table, const Index& index) const {
+  std::string list;
+  for (const std::size_t column : index.columns) {
+    list += (list.empty() ? "" : ",") + quoteName(table.columns[column].name);
+  }
+  const SqliteStatement rows =
+      engine_.database_.prepare("SELECT " + list + " FROM " + table.sqlName + " GROUP BY " + list +
+                                " HAVING count(*) > 1 ORDER BY " + list + " LIMIT 1");
+  std::string values;
+  if (rows.step()) {
+    int position = 0;
+    for (const std::size_t column : index.columns) {
+      const Value value = readValue(rows.get(), position++);
+      values += (values.empty() ? "" : ", ") +
+                (value.isNull() ? "<NULL>" : valueText(value, table.columns[column].type));
+    }
+  }
+  return values;
 }
 
 void Definer::createRoutine(const std::string& source) {
@@ -138,6 +157,8 @@ void Definer::createRoutine(const std::string& source) {
     }
   }
   atomically([&] {
+    // What is wrong inside is told now, except for objects that may be made until the first call.
+    engine_.compiler().checkRoutine(*routine);
     CatalogueStore(engine_.database_)
         .add(routine->isFunction ? "FUNCTION" : "PROCEDURE", routine->name, "", source);
   });

@@ -31,6 +31,7 @@ class Definer {
   void dropTable(const std::string& name, bool ifExists);
   void dropIndex(const tsql::DropStatement& statement);
   void dropRoutine(const tsql::DropStatement& statement, const std::string& name);
+  [[nodiscard]] std::string repeatedKey(const Table& table, const Index& index) const;
   void requireFreeName(const std::string& name) const;
 
   Engine& engine_;

@@ -123,9 +123,7 @@ void Engine::reloadCatalogue() {
 }
 
 void Engine::refreshCatalogue() {
-  const std::int64_t version = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
-  schemaVersion_.reset();
-  if (version != knownSchemaVersion_) {
+  if (isStale()) {
     reloadCatalogue();
   }
   uncertain_ = false;
@@ -184,6 +182,43 @@ std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
   return plan;
 }
 
+/// Whether another connection has changed the schema since it was read.
+bool Engine::isStale() {
+  const std::int64_t version = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
+  schemaVersion_.reset();
+  return version != knownSchemaVersion_;
+}
+
+/// Runs a text by its plan. A plan that another connection has taken the ground from is made anew:
+/// a change is checked before it runs, a query by what SQLite noticed while it ran.
+ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant>* parameters) {
+  std::shared_ptr<Plan> plan = planFor(text);
+  const std::size_t markers = parameters == nullptr ? 0 : parameters->size();
+  if (plan->tree->markerCount != markers) {
+    throw SqlError(0, "Il testo ha " + std::to_string(plan->tree->markerCount) +
+                          " marcatori ?, i valori sono " + std::to_string(markers) + ".");
+  }
+  if (plan->changesData && !inTransaction() && isStale()) {
+    reloadCatalogue();
+    plan = planFor(text);
+  }
+  if (plan->changesData || inTransaction()) {
+    return runPlan(*plan, parameters);
+  }
+  try {
+    ExecutionResult result = runPlan(*plan, parameters);
+    if (!uncertain_ || !isStale()) {
+      return result;
+    }
+  } catch (const SqliteFailure&) {
+    if (runtime_->failure || !isStale()) {
+      throw;
+    }
+  }
+  reloadCatalogue();
+  return runPlan(*planFor(text), parameters);
+}
+
 ExecutionResult Engine::runPlan(Plan& plan, const std::vector<Variant>* parameters) {
   ExecutionResult result;
   BatchRunner runner(*this, plan, result);
@@ -194,25 +229,11 @@ ExecutionResult Engine::runPlan(Plan& plan, const std::vector<Variant>* paramete
 }
 
 ExecutionResult Engine::run(std::string_view text) {
-  return translated([&] {
-    const std::shared_ptr<Plan> plan = planFor(text);
-    if (plan->tree->markerCount > 0) {
-      throw SqlError(0, "Outside the supported T-SQL: ? markers without values.");
-    }
-    return runPlan(*plan, nullptr);
-  });
+  return translated([&] { return runText(text, nullptr); });
 }
 
 ExecutionResult Engine::run(std::string_view text, const std::vector<Variant>& parameters) {
-  return translated([&] {
-    const std::shared_ptr<Plan> plan = planFor(text);
-    if (plan->tree->markerCount != parameters.size()) {
-      throw SqlError(0, "Il testo ha " + std::to_string(plan->tree->markerCount) +
-                            " marcatori ?, i valori sono " + std::to_string(parameters.size()) +
-                            ".");
-    }
-    return runPlan(*plan, &parameters);
-  });
+  return translated([&] { return runText(text, &parameters); });
 }
 
 std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
@@ -247,6 +268,9 @@ std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
 
 ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<Variant>>& values) {
   return translated([&] {
+    if (!inTransaction()) {
+      refreshCatalogue();
+    }
     ExecutionResult result;
     const std::shared_ptr<Plan> plan = planOf(routine);
     BatchRunner runner(*this, *plan, result);
@@ -277,6 +301,7 @@ void Engine::begin() {
     // Taking the lock for writing now saves a transaction from being refused half-way.
     database_.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     definedInTransaction_ = false;
+    refreshCatalogue();
   });
 }
 

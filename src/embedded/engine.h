@@ -74,6 +74,9 @@ class Engine {
   /// After a definition: nothing compiled before is valid any longer.
   void definitionsChanged();
   void forgetPlans();
+  [[nodiscard]] bool isStale();
+  [[nodiscard]] ExecutionResult runText(std::string_view text,
+                                        const std::vector<Variant>* parameters);
   [[nodiscard]] ExecutionResult runPlan(Plan& plan, const std::vector<Variant>* parameters);
   template <typename Action>
   auto translated(Action action);

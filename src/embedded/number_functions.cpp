@@ -25,7 +25,7 @@ void checkInteger(const FunctionCallFrame& frame) {
   if (frame.isReal(0)) {
     failBigInt();
   }
-  frame.give(checkedInteger(frame.integer(0), frame.type(1)));
+  frame.give(checkedResult(frame.integer(0), frame.type(1)));
 }
 
 void divide(const FunctionCallFrame& frame) {
@@ -40,7 +40,7 @@ void divide(const FunctionCallFrame& frame) {
   if (divisor == -1 && frame.integer(0) == std::numeric_limits<std::int64_t>::min()) {
     failBigInt();
   }
-  frame.give(checkedInteger(frame.integer(0) / divisor, frame.type(2)));
+  frame.give(checkedResult(frame.integer(0) / divisor, frame.type(2)));
 }
 
 void modulo(const FunctionCallFrame& frame) {

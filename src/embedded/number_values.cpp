@@ -64,6 +64,15 @@ std::int64_t checkedInteger(std::int64_t number, const Type& type) {
                           ", value = " + std::to_string(number) + ".");
 }
 
+std::int64_t checkedResult(std::int64_t number, const Type& type) {
+  const IntegerRange range = rangeOf(type);
+  if (number >= range.low && number <= range.high) {
+    return number;
+  }
+  throw SqlError(8115, "Arithmetic overflow error converting expression to data type " +
+                           std::string(typeName(type)) + ".");
+}
+
 Int128 powerOfTen(int exponent) { return kPowers[static_cast<std::size_t>(exponent)]; }
 
 std::optional<Int128> rescaledDigits(Int128 digits, int from, int to) {

@@ -19,6 +19,9 @@ struct IntegerRange {
 /// `number` itself when the type holds it; throws `SqlError` 220 (small types) or 8115.
 [[nodiscard]] std::int64_t checkedInteger(std::int64_t number, const Type& type);
 
+/// The same for the result of an operation: always 8115.
+[[nodiscard]] std::int64_t checkedResult(std::int64_t number, const Type& type);
+
 /// 10 to the power of 0…38.
 [[nodiscard]] Int128 powerOfTen(int exponent);
 

@@ -156,6 +156,7 @@ struct Plan {
   std::vector<Piece> clearings;  ///< empty the table variables
   BlockNode body;
   bool cacheable = true;
+  bool changesData = false;  ///< may do more than read
   bool makesTempTables = false;
   std::size_t activeCalls = 0;  ///< of a procedure that is running right now
 };

@@ -31,6 +31,15 @@ std::string_view sqlStateOf(int number) {
   return number == 0 ? "HY000" : "42000";
 }
 
+void failRepeatedColumn(const std::string& column) {
+  throw SqlError(264, "The column name '" + column +
+                          "' is specified more than once in the SET clause or column list of an "
+                          "INSERT. A column cannot be assigned more than one value in the same "
+                          "clause. Modify the clause to make sure that a column is updated only "
+                          "once. If this statement updates or inserts columns into a view, column "
+                          "aliasing can conceal the duplication in your code.");
+}
+
 void refuse(std::string_view text, const tsql::Position& position, std::string_view construct) {
   std::size_t end = std::min(position.offset, text.size());
   if (end < text.size()) {

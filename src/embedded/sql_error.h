@@ -30,6 +30,9 @@ class SqlError : public std::runtime_error {
 /// The message of SQL Server's number 3621, the second entry after a terminated statement.
 inline constexpr std::string_view kStatementTerminated = "The statement has been terminated.";
 
+/// The refusal of a column that one statement gives several values (264).
+[[noreturn]] void failRepeatedColumn(const std::string& column);
+
 /// Refuses what the system does not run: names the construct, line and column, and marks the
 /// `length` bytes at `position` of `text`.
 [[noreturn]] void refuse(std::string_view text, const tsql::Position& position,

@@ -125,7 +125,7 @@ std::string foreignKey(const Table& table, const Constraint& constraint,
   const Table& referenced = self ? table : *found;
   checkForeignKey(table, constraint, referenced);
   return "FOREIGN KEY " + columnList(table, constraint.columns) + " REFERENCES " +
-         quoteName(referenced.name) +
+         quoteName(referenced.storeName) +
          columnList(referenced, referencedColumns(constraint, referenced));
 }
 
@@ -157,6 +157,9 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
   sql += quoteName(table.storeName) + " (";
   for (const Column& column : table.columns) {
     sql += (sql.back() == '(' ? "" : ",") + columnDefinition(column);
+  }
+  if (table.key.empty() && !table.identity) {
+    sql += "," + quoteName(table.rowColumn) + " INTEGER PRIMARY KEY";
   }
   std::vector<std::string> statements{""};
   const bool keyIsRowid = table.key.size() == 1 && table.identity == table.key.front();

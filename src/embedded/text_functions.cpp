@@ -40,10 +40,9 @@ void unlessNull(const FunctionCallFrame& frame) {
   }
 }
 
-std::int64_t requireCount(std::int64_t count, const char* function) {
+std::int64_t requireCount(std::int64_t count) {
   if (count < 0) {
-    throw SqlError(
-        536, std::string("Invalid length parameter passed to the ") + function + " function.");
+    throw SqlError(537, "Invalid length parameter passed to the LEFT or SUBSTRING function.");
   }
   return count;
 }
@@ -53,12 +52,15 @@ void length(const FunctionCallFrame& frame) {
 }
 
 void left(const FunctionCallFrame& frame) {
-  const auto count = static_cast<std::size_t>(requireCount(frame.integer(1), "left"));
+  const auto count = static_cast<std::size_t>(requireCount(frame.integer(1)));
   frame.give(tsql::firstCharacters(frame.text(0), count));
 }
 
 void right(const FunctionCallFrame& frame) {
-  const std::int64_t count = requireCount(frame.integer(1), "right");
+  const std::int64_t count = frame.integer(1);
+  if (count < 0) {
+    throw SqlError(536, "Invalid length parameter passed to the right function.");
+  }
   const std::int64_t all = characterCountOf(frame.text(0));
   frame.give(skipCharacters(frame.text(0),
                             static_cast<std::size_t>(std::max(all - count, std::int64_t{0}))));
@@ -67,8 +69,7 @@ void right(const FunctionCallFrame& frame) {
 void substring(const FunctionCallFrame& frame) {
   const std::int64_t start =
       std::clamp(frame.integer(1), -std::int64_t{1} << 40U, std::int64_t{1} << 40U);
-  const std::int64_t count =
-      std::min(requireCount(frame.integer(2), "substring"), std::int64_t{1} << 41U);
+  const std::int64_t count = std::min(requireCount(frame.integer(2)), std::int64_t{1} << 41U);
   // Positions in front of the text count as well: SUBSTRING('abc', 0, 2) is 'a'.
   const std::int64_t end = start + count;
   const std::int64_t first = std::max(start, std::int64_t{1});

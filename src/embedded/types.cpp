@@ -154,6 +154,19 @@ std::optional<Type> typeFromName(const tsql::TypeName& name, std::int32_t defaul
   return std::nullopt;
 }
 
+bool isSystemType(std::string_view name) {
+  constexpr std::array<std::string_view, 35> kTypes{
+      "BIGINT",   "BINARY",        "BIT",        "CHAR",        "CURSOR",
+      "DATE",     "DATETIME",      "DATETIME2",  "DEC",         "DATETIMEOFFSET",
+      "DECIMAL",  "FLOAT",         "GEOGRAPHY",  "GEOMETRY",    "HIERARCHYID",
+      "IMAGE",    "INT",           "INTEGER",    "MONEY",       "NCHAR",
+      "NTEXT",    "NUMERIC",       "NVARCHAR",   "REAL",        "ROWVERSION",
+      "SMALLINT", "SMALLDATETIME", "SMALLMONEY", "SQL_VARIANT", "SYSNAME",
+      "TEXT",     "TIME",          "TIMESTAMP",  "TINYINT",     "UNIQUEIDENTIFIER"};
+  return std::find(kTypes.begin(), kTypes.end(), name) != kTypes.end() || name == "VARBINARY" ||
+         name == "VARCHAR" || name == "XML";
+}
+
 std::string_view typeName(const Type& type) {
   constexpr std::array<std::string_view, 17> kNames{
       "null",    "char",     "varchar",       "nchar",    "nvarchar", "bit",

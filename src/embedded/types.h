@@ -91,6 +91,9 @@ constexpr Type decimalType(int precision, int scale) {
 [[nodiscard]] std::optional<Type> typeFromName(const tsql::TypeName& name,
                                                std::int32_t defaultLength);
 
+/// Whether it is a type of T-SQL at all, inside the engine or not. `name` is upper case.
+[[nodiscard]] bool isSystemType(std::string_view name);
+
 /// The name that SQL Server's messages use: "int", "numeric", "varchar" …
 [[nodiscard]] std::string_view typeName(const Type& type);
 

@@ -87,7 +87,12 @@ void checkResult(Recordset& recordset, const Step& step, const ExpectedResult& e
   if (step.fieldCount != 0) {
     EXPECT_EQ(recordset.fields().count(), step.fieldCount);
   }
-  if (!step.someColumns && !expected.columns.empty()) {
+  if (step.someColumns) {
+    // Also when there is no row to read them from.
+    for (const std::string& name : expected.columns) {
+      EXPECT_NO_THROW(recordset.fields().item(name)) << name;
+    }
+  } else if (!expected.columns.empty()) {
     std::vector<std::string> names;
     for (std::size_t i = 0; i < recordset.fields().count(); ++i) {
       const std::string name = recordset.fields().item(i).name();

@@ -117,7 +117,7 @@ inline std::shared_ptr<Connection> openConnection() {
     connection = embedded::newConnection();
     connection->setConnectionString("Provider=embedded;Data Source=:memory:");
   } else {
-    std::cout << "running on the server of AZCOLL_TEST_CONNESSIONE, not on the embedded engine\n";
+    std::cout << "running on the database of AZCOLL_TEST_CONNESSIONE\n";
     connection = newConnectionFor(server);
   }
   connection->setCommandTimeout(100);

@@ -6,10 +6,9 @@ namespace azcoll::testing {
 namespace {
 
 /// The sub-tables in the order in which their rows are taken away; they are sent in reverse.
-const Lines kTables{"MG1C_CLIFORAGEMUL", "MG22_CLIFORDEST",  "MG24_CLIFORRAG",
-                    "MG27_CLIFORACC",    "MG28_CLIFORINT",   "MG26_CLIFORNOTE",
-                    "MG41_CLIFORVETT",   "MG23_CLIFORNCOP",  "MG35_CLIFORCC",
-                    "MG29_CLIFORRID",    "MG20_CLIFORSCPAG", "MG21_CLIFORSALPAG",
+const Lines kTables{"MG1C_CLIFORAGEMUL", "MG22_CLIFORDEST", "MG24_CLIFORRAG",   "MG27_CLIFORACC",
+                    "MG28_CLIFORINT",    "MG26_CLIFORNOTE", "MG41_CLIFORVETT",  "MG23_CLIFORNCOP",
+                    "MG35_CLIFORCC",     "MG29_CLIFORRID",  "MG20_CLIFORSCPAG", "MG21_CLIFORSALPAG",
                     "MG19_CLIFORVA"};
 
 std::string rowsOf(const std::string& table, const std::string& verb,
@@ -121,9 +120,9 @@ TEST_F(CodeChange, AColumnThatDiffersInLetterCaseIsCopied) {
   const std::string table = "MG26_CLIFORNOTE";
   const Lines names{"MG26_clifor_CG44", "MG26_CLIFOR_CG44_", "MG26_CLIFOR_CG44"};
   connection->columns(table, names);
-  connection->answer(rowsOf(table, "SELECT *"),
-                     rowSet(names, {std::int32_t{120}, std::int32_t{121}, std::int32_t{120}},
-                            table));
+  connection->answer(
+      rowsOf(table, "SELECT *"),
+      rowSet(names, {std::int32_t{120}, std::int32_t{121}, std::int32_t{120}}, table));
   const std::shared_ptr<Recordset> staged =
       ServiceProbe::AggiornaCodice(*service, table, std::int32_t{122});
   ASSERT_NE(staged, nullptr);
@@ -136,9 +135,8 @@ TEST_F(CodeChange, AColumnThatDiffersInLetterCaseIsCopied) {
 TEST_F(CodeChange, ColumnsAreMatchedByPosition) {
   const std::string table = "MG26_CLIFORNOTE";
   connection->columns(table, {"PRIMA", "SECONDA", "TERZA"});
-  connection->answer(rowsOf(table, "SELECT *"),
-                     rowSet({"TERZA", "MG26_CLIFOR_CG44", "PRIMA"}, {"a", std::int32_t{120}, "c"},
-                            table));
+  connection->answer(rowsOf(table, "SELECT *"), rowSet({"TERZA", "MG26_CLIFOR_CG44", "PRIMA"},
+                                                       {"a", std::int32_t{120}, "c"}, table));
   const std::shared_ptr<Recordset> staged =
       ServiceProbe::AggiornaCodice(*service, table, std::int32_t{122});
   ASSERT_NE(staged, nullptr);

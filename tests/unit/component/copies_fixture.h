@@ -126,11 +126,25 @@ class CopiesTest : public ComponentTest {
   CopiesTest() {
     group(10, {5, 12, 15});
     in().Pvar_CliFor = std::int32_t{120};
-    master = {std::int32_t{5}, std::int16_t{0}, std::int32_t{120}, std::int32_t{3005},
-              std::int32_t{2}, "0401120",       "0401999",         "BB30",
-              std::int16_t{15}, std::int32_t{1030}, std::int32_t{14200}, std::int16_t{0},
-              std::int32_t{7}, "AT",            "E15",             std::int32_t{501},
-              std::int32_t{3}, std::int32_t{808}, std::int16_t{1}};
+    master = {std::int32_t{5},
+              std::int16_t{0},
+              std::int32_t{120},
+              std::int32_t{3005},
+              std::int32_t{2},
+              "0401120",
+              "0401999",
+              "BB30",
+              std::int16_t{15},
+              std::int32_t{1030},
+              std::int32_t{14200},
+              std::int16_t{0},
+              std::int32_t{7},
+              "AT",
+              "E15",
+              std::int32_t{501},
+              std::int32_t{3},
+              std::int32_t{808},
+              std::int16_t{1}};
     connection->answerPrefix(" SELECT     DST.MG17_IDAGENTE",
                              rowSet({"IDAGENTE"}, {std::int32_t{510}}));
     present("CG40_ANADITTAINTER");

@@ -39,9 +39,9 @@ TEST_F(DateForm, WhatTheCalendarDoesNotHaveIsNull) {
 }
 
 TEST_F(DateForm, WhatIsNoDateIsNull) {
-  for (const char* const text : {"oggi", "1/2", "1.2.2024", "2024/01/02", "2024-1", "202401",
-                                 "05/04/2023x", "05/04/2023 6", "'; DROP TABLE X --", "-1/1/2024",
-                                 "1/1/24", "99999999999999999999"}) {
+  for (const char* const text :
+       {"oggi", "1/2", "1.2.2024", "2024/01/02", "2024-1", "202401", "05/04/2023x", "05/04/2023 6",
+        "'; DROP TABLE X --", "-1/1/2024", "1/1/24", "99999999999999999999"}) {
     EXPECT_EQ(form(text), "Null") << text;
   }
   EXPECT_EQ(form(""), "Null");
@@ -53,7 +53,8 @@ TEST_F(DateForm, WhatIsNoDateIsNull) {
 
 TEST_F(DateForm, AFailureIsReportedUnderItsOwnName) {
   try {
-    std::ignore = ServiceProbe::DataDB(*service, std::shared_ptr<Object>{std::make_shared<Object>()});
+    std::ignore =
+        ServiceProbe::DataDB(*service, std::shared_ptr<Object>{std::make_shared<Object>()});
   } catch (const std::exception&) {
     ADD_FAILURE() << "the failure is reported, not raised";
   }

@@ -41,8 +41,9 @@ const std::string kAgent =
     "     AND DST.MG17_ANAGEN_CG16 = SRC.MG17_ANAGEN_CG16 WHERE      SRC.MG17_IDAGENTE = 501";
 const std::string kFull =
     "Execute 1: " +
-    masterStatement("10, 0, 120, 3005, 2, N'0401120', N'0401999', N'BB30', 15, 1030, 14200, 0, 7, "
-                    "N'AT', N'E15', 510, 3, 808, 1");
+    masterStatement(
+        "10, 0, 120, 3005, 2, N'0401120', N'0401999', N'BB30', 15, 1030, 14200, 0, 7, "
+        "N'AT', N'E15', 510, 3, 808, 1");
 std::string reduced(const std::string& ditta) {
   return "Execute 1: " +
          masterStatement(ditta +
@@ -69,25 +70,12 @@ TEST_F(DuplicationFlow, ALinkedCompanySpreadsItsCustomerInThisOrder) {
   sales(salesValues());
   service->DuplicaCliFor();
   expectSuccess();
-  EXPECT_EQ(work(), (Lines{"BeginTrans",
-                           search("12, 15, 10"),
-                           source("5"),
-                           sourceSales(),
-                           intermediary("10"),
-                           branch("10"),
-                           kAgent,
-                           kFull,
-                           "Execute 1: " + salesStatement(salesValues()),
-                           intermediary("12"),
-                           branch("12"),
-                           reduced("12"),
-                           intermediary("15"),
-                           branch("15"),
-                           reduced("15"),
-                           "Numera: 12",
-                           "Numera: 15",
-                           "Numera: 10",
-                           "CommitTrans"}));
+  EXPECT_EQ(
+      work(),
+      (Lines{"BeginTrans", search("12, 15, 10"), source("5"), sourceSales(), intermediary("10"),
+             branch("10"), kAgent, kFull, "Execute 1: " + salesStatement(salesValues()),
+             intermediary("12"), branch("12"), reduced("12"), intermediary("15"), branch("15"),
+             reduced("15"), "Numera: 12", "Numera: 15", "Numera: 10", "CommitTrans"}));
   EXPECT_EQ(shown(in().Pvar_CliFor), "Int32 120");
 }
 
@@ -108,14 +96,15 @@ TEST_F(DuplicationFlow, TheMainCompanyWritesReducedCopiesOnly) {
   set("CG44_DITTA_CG18", std::int32_t{10});
   service->DuplicaCliFor();
   expectSuccess();
-  Lines expected{"BeginTrans", search("5, 12, 15, 10"), source("10")};
+  // The main company holds the code itself, so that it is not among those searched.
+  Lines expected{"BeginTrans", search("5, 12, 15"), source("10")};
   for (const std::string ditta : {"5", "12", "15"}) {
     expected.push_back(intermediary(ditta));
     expected.push_back(branch(ditta));
     expected.push_back(reduced(ditta));
   }
-  for (const char* const end : {"Numera: 5", "Numera: 12", "Numera: 15", "Numera: 10",
-                                "CommitTrans"}) {
+  for (const char* const end :
+       {"Numera: 5", "Numera: 12", "Numera: 15", "Numera: 10", "CommitTrans"}) {
     expected.emplace_back(end);
   }
   EXPECT_EQ(work(), expected);
@@ -132,9 +121,9 @@ TEST_F(DuplicationFlow, AMainCompanyWithoutOtherCompaniesReceivesTheFullCopyAlon
   group(10, {5});
   service->DuplicaCliFor();
   expectSuccess();
-  EXPECT_EQ(work(), (Lines{"BeginTrans", search("10"), source("5"), sourceSales(),
-                           intermediary("10"), branch("10"), kAgent, kFull, "Numera: 10",
-                           "CommitTrans"}));
+  EXPECT_EQ(work(),
+            (Lines{"BeginTrans", search("10"), source("5"), sourceSales(), intermediary("10"),
+                   branch("10"), kAgent, kFull, "Numera: 10", "CommitTrans"}));
 }
 
 TEST_F(DuplicationFlow, WithoutAMainCompanyTheFullCopyStillGoesToABlankCode) {

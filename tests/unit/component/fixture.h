@@ -64,10 +64,10 @@ inline std::string line(const Operation& operation) {
 
 /// What a numbering object was given, as one line.
 inline std::string line(const NumerazioneDocumenti& numbering) {
-  return std::to_string(numbering.TipoDocumento) + " " +
-         std::to_string(numbering.Ditta.toInt64()) + " " + std::to_string(numbering.Modo) + " '" +
-         numbering.Sezione + "' " + std::to_string(numbering.Anno) + " " + numbering.Data.text() +
-         " " + numbering.Codice.text() + " '" + numbering.StringaConnessione + "'";
+  return std::to_string(numbering.TipoDocumento) + " " + std::to_string(numbering.Ditta.toInt64()) +
+         " " + std::to_string(numbering.Modo) + " '" + numbering.Sezione + "' " +
+         std::to_string(numbering.Anno) + " " + numbering.Data.text() + " " +
+         numbering.Codice.text() + " '" + numbering.StringaConnessione + "'";
 }
 
 /// A platform with a scripted connection, a fixed today and numbering objects that write down what
@@ -75,9 +75,9 @@ inline std::string line(const NumerazioneDocumenti& numbering) {
 class ScriptPlatform final : public Platform {
  public:
   std::shared_ptr<ScriptedConnection> connection = std::make_shared<ScriptedConnection>();
-  Lines requested{};             ///< connection strings asked for
-  Lines numbered{};              ///< runs of numbering objects
-  int numberingsAlive = 0;       ///< numbering objects not yet released
+  Lines requested{};        ///< connection strings asked for
+  Lines numbered{};         ///< runs of numbering objects
+  int numberingsAlive = 0;  ///< numbering objects not yet released
   int mostNumberingsAlive = 0;
   std::function<std::int32_t(const NumerazioneDocumenti&)> numberingStatus =
       [](const NumerazioneDocumenti&) { return 0; };
@@ -114,8 +114,7 @@ class ScriptPlatform final : public Platform {
     void ElaboraNumerazione() override {
       platform_.numbered.push_back(line(*this));
       EXPECT_EQ(Connessione.get(), platform_.connection.get());
-      platform_.connection->report(
-          {.name = "Numera", .sql = std::to_string(Ditta.toInt64())});
+      platform_.connection->report({.name = "Numera", .sql = std::to_string(Ditta.toInt64())});
       platform_.fails("ElaboraNumerazione");
     }
     [[nodiscard]] std::int32_t Stato() const override { return platform_.numberingStatus(*this); }

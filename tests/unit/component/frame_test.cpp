@@ -38,10 +38,10 @@ TEST_F(Frame, ItsOwnConnectionIsSetUpThenOpenedOnce) {
   in().StringaConnessione = "Provider=x;Data Source=y";
   service->DitteCollegate();
   service->DitteCollegate();
-  EXPECT_EQ(log({"ConnectionString", "CommandTimeout", "ConnectionCursorLocation",
-                 "ConnectionOpen"}),
-            (Lines{"ConnectionString: Provider=x;Data Source=y", "CommandTimeout 100",
-                   "ConnectionCursorLocation 3", "ConnectionOpen -1"}));
+  EXPECT_EQ(
+      log({"ConnectionString", "CommandTimeout", "ConnectionCursorLocation", "ConnectionOpen"}),
+      (Lines{"ConnectionString: Provider=x;Data Source=y", "CommandTimeout 100",
+             "ConnectionCursorLocation 3", "ConnectionOpen -1"}));
   EXPECT_EQ(platform->requested, (Lines{"Provider=x;Data Source=y"}));
   EXPECT_EQ(in().Connessione, connection);
   EXPECT_TRUE(ServiceProbe::connessioneAperta(*service));
@@ -106,8 +106,8 @@ TEST_F(Frame, MissingObjectsGiveACodeAndNoCrash) {
     other->CPInput->Pvar_Ditta = std::int32_t{5};
     (input ? void(other->CPInput.reset()) : void(other->CPOutput.reset()));
     for (const auto method :
-         {&CLSCO_AZIENDECOLL::ControllaDittaPrincipale,
-          &CLSCO_AZIENDECOLL::ControllaDittaCollegata, &CLSCO_AZIENDECOLL::DitteCollegate}) {
+         {&CLSCO_AZIENDECOLL::ControllaDittaPrincipale, &CLSCO_AZIENDECOLL::ControllaDittaCollegata,
+          &CLSCO_AZIENDECOLL::DitteCollegate}) {
       other->Stato = std::int16_t{0};
       connection->answerPrefix("SELECT", rowSet({"DITTA", "CG86_DITTA_CG18", "CG86_INDTIPOCONT"},
                                                 {kNull, kNull, kNull}));

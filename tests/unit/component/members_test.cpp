@@ -1,9 +1,8 @@
-#include <gtest/gtest.h>
+#include "component/members.h"
 
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
-
-#include "component/members.h"
 
 namespace azcoll {
 namespace {
@@ -51,20 +50,19 @@ TEST(MemberTables, TheInputHasTheseFieldsInOrder) {
 }
 
 TEST(MemberTables, TheOutputHasTheseFieldsInOrder) {
-  EXPECT_EQ(described(kOutputFields),
-            (Lines{"Gbol_DittaPrincipale Boolean", "DitteCollegate Variant",
-                   "Grst_DitteCollegate Recordset", "IndTipoCont Variant",
-                   "Gvar_DittaPrincipale Variant", "Grst_AttivitaCollegate Recordset",
-                   "GstrSQL_AttivitaCollegate String", "CodiceAttività Variant",
-                   "DescrAttività Variant", "IdAttività Variant"}));
+  EXPECT_EQ(
+      described(kOutputFields),
+      (Lines{"Gbol_DittaPrincipale Boolean", "DitteCollegate Variant",
+             "Grst_DitteCollegate Recordset", "IndTipoCont Variant", "Gvar_DittaPrincipale Variant",
+             "Grst_AttivitaCollegate Recordset", "GstrSQL_AttivitaCollegate String",
+             "CodiceAttività Variant", "DescrAttività Variant", "IdAttività Variant"}));
 }
 
 TEST(MemberTables, TheServiceHasTheseMethodsInOrder) {
   Lines methods;
   for (const MethodEntry& method : kMethods) {
     const std::string_view result = typeName(method.result);
-    methods.push_back(std::string{method.name} +
-                      (result.empty() ? "" : " " + std::string{result}));
+    methods.push_back(std::string{method.name} + (result.empty() ? "" : " " + std::string{result}));
   }
   EXPECT_EQ(methods, (Lines{"DuplicaCliFor",
                             "EliminaCliFor",

@@ -22,20 +22,20 @@ std::string branch(const std::string& ditta) {
 class Prerequisites : public ComponentTest {
  protected:
   void sourceIntermediary(const Variant& description, const Variant& media) const {
-    connection->answer(intermediary("5"),
-                       rowSet({"CG40_DITTA_CG18", "CG40_TIPOCF", "CG40_INTERMEDIO", "CG40_DESCR",
-                               "CG40_IDMEDIA_CG99"},
-                              {std::int32_t{5}, std::int16_t{0}, std::int32_t{7}, description,
-                               media}));
+    connection->answer(
+        intermediary("5"),
+        rowSet({"CG40_DITTA_CG18", "CG40_TIPOCF", "CG40_INTERMEDIO", "CG40_DESCR",
+                "CG40_IDMEDIA_CG99"},
+               {std::int32_t{5}, std::int16_t{0}, std::int32_t{7}, description, media}));
   }
   void sourceBranch(const std::vector<Variant>& address, const Variant& media) const {
     std::vector<Variant> values{std::int32_t{5}, std::int32_t{3}};
     values.insert(values.end(), address.begin(), address.end());
     values.push_back(media);
-    connection->answer(
-        branch("5"), rowSet({"CG31_DITTA_CG18", "CG31_CODICE", "CG31_INDIRIZZO", "CG31_CAP",
-                             "CG31_CITTA", "CG31_PROV", "CG31_IDMEDIA_CG99"},
-                            values));
+    connection->answer(branch("5"),
+                       rowSet({"CG31_DITTA_CG18", "CG31_CODICE", "CG31_INDIRIZZO", "CG31_CAP",
+                               "CG31_CITTA", "CG31_PROV", "CG31_IDMEDIA_CG99"},
+                              values));
   }
   void checkIntermediary() const {
     ServiceProbe::ControllaIntermedio(*service, "12", std::int32_t{0}, std::int32_t{7});
@@ -64,8 +64,9 @@ TEST_F(Prerequisites, WhatIsThereIsLeftAlone) {
 TEST_F(Prerequisites, AMissingIntermediaryIsCopiedFromTheCurrentCompany) {
   sourceIntermediary("Studio Rossi", std::int32_t{900});
   checkIntermediary();
-  EXPECT_EQ(log(), (Lines{"Execute 1: " + intermediary("12"), "Execute 1: " + intermediary("5"),
-                          "Execute 1: " + kIntermediaryInsert + "12, 0, 7, N'Studio Rossi', 900)"}));
+  EXPECT_EQ(log(),
+            (Lines{"Execute 1: " + intermediary("12"), "Execute 1: " + intermediary("5"),
+                   "Execute 1: " + kIntermediaryInsert + "12, 0, 7, N'Studio Rossi', 900)"}));
 }
 
 TEST_F(Prerequisites, ApostrophesAreDoubledInTheIntermediary) {
@@ -84,6 +85,7 @@ TEST_F(Prerequisites, EmptyValuesOfTheIntermediaryAreNull) {
 }
 
 TEST_F(Prerequisites, TheKindOfTheIntermediaryIsAsPassed) {
+  connection->answer(intermediary("12", "1"), rowSet({"X"}, {std::int16_t{1}}));
   ServiceProbe::ControllaIntermedio(*service, std::int32_t{12}, std::int32_t{1}, std::int32_t{7});
   EXPECT_EQ(log().front(), "Execute 1: " + intermediary("12", "1"));
 }
@@ -91,10 +93,9 @@ TEST_F(Prerequisites, TheKindOfTheIntermediaryIsAsPassed) {
 TEST_F(Prerequisites, AMissingBranchIsCopiedFromTheCurrentCompany) {
   sourceBranch({"Via dell'Arco 3", "06012", "Città", "PG"}, std::int32_t{31});
   checkBranch();
-  EXPECT_EQ(log(),
-            (Lines{"Execute 1: " + branch("12"), "Execute 1: " + branch("5"),
-                   "Execute 1: " + kBranchInsert +
-                       "12, 3, N'Via dell''Arco 3', N'06012', N'Città', N'PG', 31)"}));
+  EXPECT_EQ(log(), (Lines{"Execute 1: " + branch("12"), "Execute 1: " + branch("5"),
+                          "Execute 1: " + kBranchInsert +
+                              "12, 3, N'Via dell''Arco 3', N'06012', N'Città', N'PG', 31)"}));
 }
 
 TEST_F(Prerequisites, EmptyValuesOfTheBranchAreNullEachOnItsOwn) {
@@ -183,8 +184,8 @@ TEST_F(Prerequisites, ZerosAndGapsInTheListAreSkipped) {
 
 TEST_F(Prerequisites, AFailingStatusIsReportedAndTheNextCompanyFollows) {
   platform->numberingStatus = [](const NumerazioneDocumenti& numbering) {
-    return numbering.Ditta.toInt64() == 10 ? 0 : -static_cast<std::int32_t>(
-                                                     numbering.Ditta.toInt64());
+    return numbering.Ditta.toInt64() == 10 ? 0
+                                           : -static_cast<std::int32_t>(numbering.Ditta.toInt64());
   };
   ServiceProbe::NumeraCliFor(*service, "5", "10", "12, 15", std::int32_t{120});
   EXPECT_EQ(platform->numbered.size(), 3U);

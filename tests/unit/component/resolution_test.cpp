@@ -90,8 +90,8 @@ TEST_F(Resolution, ALinkGivesItsFirstRow) {
 }
 
 TEST_F(Resolution, AnAccountingTypeThatIsNullStaysNullInTheLinkCheck) {
-  connection->answer(kLinkText, rowSet({"CG86_DITTA_CG18", "CG86_INDTIPOCONT"},
-                                       {std::int32_t{10}, kNull}));
+  connection->answer(kLinkText,
+                     rowSet({"CG86_DITTA_CG18", "CG86_INDTIPOCONT"}, {std::int32_t{10}, kNull}));
   out().IndTipoCont = std::int16_t{3};
   service->ControllaDittaCollegata();
   EXPECT_EQ(shown(out().IndTipoCont), "Null");
@@ -109,10 +109,10 @@ TEST_F(Resolution, NoLinkSaysNoAndLeavesTheRest) {
 }
 
 TEST_F(Resolution, TheListNamesEveryRowInOrderThenTheCompanyItself) {
-  connection->answer(kListText, rowSet({"DITTA", "CG86_INDTIPOCONT"},
-                                       {std::int32_t{12}, std::int16_t{4},  //
-                                        std::int32_t{15}, std::int16_t{1},  //
-                                        std::int32_t{12}, std::int16_t{0}}));
+  connection->answer(kListText,
+                     rowSet({"DITTA", "CG86_INDTIPOCONT"}, {std::int32_t{12}, std::int16_t{4},  //
+                                                            std::int32_t{15}, std::int16_t{1},  //
+                                                            std::int32_t{12}, std::int16_t{0}}));
   service->DitteCollegate();
   expectSuccess();
   EXPECT_EQ(shown(out().DitteCollegate), "'12, 15, 12, 5'");
@@ -148,9 +148,15 @@ TEST_F(Resolution, TheCompanyReachesTheProcedureAsGiven) {
 }
 
 TEST_F(Resolution, TheDuplicationFlagOfTheCallIsAZeroOrAOne) {
-  const std::vector<std::pair<Variant, std::string>> cases{
-      {true, "1"},  {false, "0"},  {std::int16_t{-1}, "1"}, {std::int32_t{1}, "1"}, {"1", "1"},
-      {kNull, "0"}, {Variant{}, "0"}, {"", "0"},            {std::int64_t{0}, "0"}};
+  const std::vector<std::pair<Variant, std::string>> cases{{true, "1"},
+                                                           {false, "0"},
+                                                           {std::int16_t{-1}, "1"},
+                                                           {std::int32_t{1}, "1"},
+                                                           {"1", "1"},
+                                                           {kNull, "0"},
+                                                           {Variant{}, "0"},
+                                                           {"", "0"},
+                                                           {std::int64_t{0}, "0"}};
   for (const auto& [value, expected] : cases) {
     forget();
     in().AttivaGestioneDuplicazioneCliFor = value;
@@ -185,9 +191,8 @@ TEST_F(Resolution, WithoutAMainRowNothingIsSet) {
 
 TEST_F(Resolution, AMainRowWithoutACodeGivesNoCode) {
   connection->onProcedure = [](Parameters&) {
-    return ProcedureAnswer{
-        .rows = rowSet({"DITTA", "PRINCIPALE", "CG86_INDTIPOCONT"},
-                       {kNull, std::int16_t{1}, std::int16_t{2}})};
+    return ProcedureAnswer{.rows = rowSet({"DITTA", "PRINCIPALE", "CG86_INDTIPOCONT"},
+                                          {kNull, std::int16_t{1}, std::int16_t{2}})};
   };
   EXPECT_EQ(service->GetDittaPrincipale(), "");
   EXPECT_EQ(shown(out().IndTipoCont), "Int16 2");
@@ -196,8 +201,10 @@ TEST_F(Resolution, AMainRowWithoutACodeGivesNoCode) {
 TEST_F(Resolution, TheMainCompanyIsTheMainCompany) {
   group(10, {5, 12});
   const std::vector<std::pair<Variant, bool>> cases{
-      {std::int32_t{10}, true}, {std::int16_t{10}, true}, {std::int64_t{10}, true}, {"10", true},
-      {std::int32_t{5}, false}, {"5", false},             {std::int32_t{100}, false}};
+      {std::int32_t{10}, true},  {std::int16_t{10}, true},
+      {std::int64_t{10}, true},  {"10", true},
+      {std::int32_t{5}, false},  {"5", false},
+      {std::int32_t{100}, false}};
   for (const auto& [ditta, expected] : cases) {
     in().Pvar_Ditta = ditta;
     out().Gbol_DittaPrincipale = !expected;

@@ -30,10 +30,11 @@ TEST_P(Language, BehavesAsWritten) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Language, testing::ValuesIn(allSections()),
-                         [](const testing::TestParamInfo<Section>& info) {
-                           return camelCase(info.param.file) + "_" + camelCase(info.param.title);
-                         });
+std::string sectionName(const testing::TestParamInfo<Section>& section) {
+  return camelCase(section.param.file) + "_" + camelCase(section.param.title);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Language, testing::ValuesIn(allSections()), sectionName);
 
 /// Complaints of a section, written with `/` for line breaks.
 std::size_t complaintsOf(std::string text) {

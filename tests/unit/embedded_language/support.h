@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,20 +77,20 @@ using Lines = std::vector<std::string>;
 
 /// The error of an operation; fails the test when it succeeds.
 template <typename Work>
-std::optional<Error> failureOf(const Work& work) {
+Error failureOf(const Work& work) {
   try {
     work();
   } catch (const Error& error) {
     return error;
   }
   ADD_FAILURE() << "no error";
-  return std::nullopt;
+  return Error{"no error"};
 }
 
 /// Number of the error that a statement fails with; -1 (and a failed test) when it succeeds.
 inline int failureNumber(Connection& connection, std::string_view text) {
-  const std::optional<Error> error = failureOf([&] { run(connection, text); });
-  return error ? error->info().nativeNumber : -1;
+  const Error error = failureOf([&] { run(connection, text); });
+  return error.fromProvider() ? error.info().nativeNumber : -1;
 }
 
 }  // namespace azcoll::test
