@@ -7,6 +7,7 @@
 #include "embedded/date_values.h"
 #include "embedded/definer.h"
 #include "embedded/engine.h"
+#include "embedded/late_keys.h"
 #include "embedded/sql_error.h"
 
 namespace azcoll::embedded {
@@ -186,7 +187,8 @@ void BatchRunner::select(SelectNode& node) {
   bind(node.piece);
   const Execution execution(node.piece);
   sqlite3_stmt* const statement = node.piece.statement.get();
-  ResultSet set;
+  result_.results.emplace_back();
+  ResultSet& set = result_.results.back();
   set.columns.reserve(node.columns.size());
   for (const ResultColumn& column : node.columns) {
     set.columns.push_back(column.info);
@@ -201,7 +203,6 @@ void BatchRunner::select(SelectNode& node) {
   }
   engine_.rowCount_ = rows;
   noticeReprepare(node.piece);
-  result_.results.push_back(std::move(set));
 }
 
 void BatchRunner::assign(AssignNode& node) {
@@ -228,10 +229,30 @@ void BatchRunner::change(ChangeNode& node) {
     if (engine_.runtime_->failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
       throw;
     }
-    throw ConstraintReporter(engine_, node).explain(failure);
+    const std::optional<std::int64_t> changed = changeWithLateKeys(node, failure);
+    if (!changed) {
+      throw ConstraintReporter(engine_, node).explain(failure);
+    }
+    countChange(node, *changed);
+    return;
   }
   noticeReprepare(node.piece);
-  engine_.rowCount_ = sqlite3_changes64(engine_.database_.get());
+  countChange(node, sqlite3_changes64(engine_.database_.get()));
+}
+
+std::optional<std::int64_t> BatchRunner::changeWithLateKeys(const ChangeNode& node,
+                                                            const SqliteFailure& failure) {
+  const bool key = failure.code == SQLITE_CONSTRAINT_PRIMARYKEY ||
+                   failure.code == SQLITE_CONSTRAINT_UNIQUE ||
+                   failure.code == SQLITE_CONSTRAINT_ROWID;
+  if (!key || node.kind != ChangeKind::Update) {
+    return std::nullopt;
+  }
+  return updateWithLateKeys(engine_, node, [this](const Piece& piece) { bind(piece); });
+}
+
+void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {
+  engine_.rowCount_ = rows;
   if (node.kind == ChangeKind::Insert && node.table->identity && engine_.rowCount_ > 0) {
     engine_.lastIdentity_ = sqlite3_last_insert_rowid(engine_.database_.get());
   }

@@ -39,6 +39,9 @@ class BatchRunner {
   void select(SelectNode& node);
   void assign(AssignNode& node);
   void change(ChangeNode& node);
+  [[nodiscard]] std::optional<std::int64_t> changeWithLateKeys(const ChangeNode& node,
+                                                               const SqliteFailure& failure);
+  void countChange(const ChangeNode& node, std::int64_t rows);
   void execute(ExecuteNode& node);
   void passBack(const ExecuteNode& node, const BatchRunner& callee);
   [[nodiscard]] Value argumentValue(const tsql::Expression& expression, const Type& type) const;

@@ -117,6 +117,7 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
     }
     select.correlations.clear();
   }
+  addConstantFilters(outer, select);
   emission_.touchedLevels = touchedBefore | outside | select.correlationLevels;
 }
 
@@ -183,15 +184,58 @@ void Binder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect&
 
 void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
                        BoundSelect& select) {
-  if (use.in == nullptr) {
-    select.where = bindCondition(condition, scope, true);
-    return;
-  }
   std::vector<const tsql::Expression*> conjuncts;
   splitConjuncts(condition, conjuncts);
   for (const tsql::Expression* const conjunct : conjuncts) {
-    if (!bindCorrelation(*conjunct, scope, select)) {
-      select.where += (select.where.empty() ? "" : " AND ") + bindCondition(*conjunct, scope, true);
+    if (use.in == nullptr || !bindCorrelation(*conjunct, scope, select)) {
+      const std::string sql = bindCondition(*conjunct, scope, true);
+      noteConstantFilter(*conjunct, sql, scope);
+      select.where += (select.where.empty() ? "" : " AND ") + sql;
+    }
+  }
+}
+
+/// Keeps in mind what the condition demands of a column of the query by constants alone.
+void Binder::noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
+                                const Scope& scope) {
+  const auto isConstant = [](const tsql::Expression& expression) {
+    return std::holds_alternative<tsql::Literal>(expression.node) ||
+           std::holds_alternative<tsql::Variable>(expression.node);
+  };
+  const tsql::Expression* operand = nullptr;
+  if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
+    if (binary->op == tsql::BinaryOperator::Equal && isConstant(*binary->right)) {
+      operand = binary->left.get();
+    }
+  } else if (const auto* const list = std::get_if<tsql::InList>(&conjunct.node)) {
+    bool constant = !list->negated;
+    for (const tsql::ExpressionPtr& item : list->items) {
+      constant = constant && isConstant(*item);
+    }
+    operand = constant ? list->operand.get() : nullptr;
+  }
+  const auto* const reference =
+      operand == nullptr ? nullptr : std::get_if<tsql::ColumnReference>(&operand->node);
+  if (reference == nullptr) {
+    return;
+  }
+  const std::string column = resolve(*reference, scope).sql;
+  if (sql.starts_with("(" + column + " ")) {
+    scope.constantFilters.emplace(column,
+                                  sql.substr(1 + column.size(), sql.size() - column.size() - 2));
+  }
+}
+
+/// What the surroundings demand of a column holds for the column that must equal it as well: told
+/// to the subquery, it need not gather rows that nobody asks for.
+void Binder::addConstantFilters(const Scope* outer, BoundSelect& select) {
+  for (const Scope* scope = outer; scope != nullptr; scope = scope->parent) {
+    for (const Correlation& correlation : select.correlations) {
+      const auto [from, to] = scope->constantFilters.equal_range(correlation.outer);
+      for (auto filter = from; filter != to; ++filter) {
+        select.where +=
+            (select.where.empty() ? "(" : " AND (") + correlation.inner + filter->second + ")";
+      }
     }
   }
 }

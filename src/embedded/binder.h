@@ -189,6 +189,9 @@ class Binder {
   void expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select);
   void bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
                  BoundSelect& select);
+  void noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
+                          const Scope& scope);
+  static void addConstantFilters(const Scope* outer, BoundSelect& select);
   bool bindCorrelation(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
   void bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
                    BoundSelect& select);

@@ -16,6 +16,8 @@ namespace {
 // "AZCL": marks the file among all SQLite files.
 constexpr std::int64_t kApplicationId = 0x415A434C;
 constexpr std::int64_t kFormat = 1;
+// The format stands above the count of changes.
+constexpr std::int64_t kChanges = 1 << 24;
 
 void loadObject(Catalogue& catalogue, const std::string& kind, std::string definition) {
   if (kind == "PROCEDURE" || kind == "FUNCTION") {
@@ -38,7 +40,7 @@ void loadObject(Catalogue& catalogue, const std::string& kind, std::string defin
 
 CatalogueStore::FileKind CatalogueStore::inspect() const {
   const std::int64_t id = database_->queryInteger("PRAGMA application_id");
-  const std::int64_t format = database_->queryInteger("PRAGMA user_version");
+  const std::int64_t format = version() / kChanges;
   if (id == kApplicationId) {
     return format == kFormat ? FileKind::Ours : FileKind::Newer;
   }
@@ -52,7 +54,16 @@ void CatalogueStore::create() const {
                      " parent TEXT NOT NULL, definition TEXT NOT NULL) STRICT;"
                      "PRAGMA application_id = " +
                      std::to_string(kApplicationId) +
-                     ";PRAGMA user_version = " + std::to_string(kFormat));
+                     ";PRAGMA user_version = " + std::to_string(kFormat * kChanges));
+}
+
+std::int64_t CatalogueStore::version() const {
+  return database_->queryInteger("PRAGMA user_version");
+}
+
+void CatalogueStore::countChange() const {
+  const std::int64_t changes = (version() + 1) % kChanges;
+  database_->execute("PRAGMA user_version = " + std::to_string(kFormat * kChanges + changes));
 }
 
 void CatalogueStore::load(Catalogue& catalogue) const {

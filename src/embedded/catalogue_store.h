@@ -8,8 +8,8 @@
 namespace azcoll::embedded {
 
 /// The catalogue as a table of the database file: one row per object with its definition as T-SQL,
-/// in the order of creation. Two marks in the file's header tell that it is one of this system and
-/// of which format.
+/// in the order of creation. Two numbers in the file's header tell that it is one of this system,
+/// of which format, and how often the catalogue was changed.
 class CatalogueStore {
  public:
   /// What a file is.
@@ -21,6 +21,11 @@ class CatalogueStore {
   /// Makes the catalogue of an empty file.
   void create() const;
   void load(Catalogue& catalogue) const;
+  /// Counts the changes of the catalogue: another number means that it must be read again.
+  [[nodiscard]] std::int64_t version() const;
+
+  /// Part of every change of the catalogue.
+  void countChange() const;
 
   /// `kind`: "TABLE", "INDEX" (its table in `parent`), "PROCEDURE", "FUNCTION".
   void add(std::string_view kind, std::string_view name, std::string_view parent,

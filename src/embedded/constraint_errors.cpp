@@ -100,7 +100,7 @@ std::string ownName(const Table& table) {
 
 }  // namespace
 
-SqlError ConstraintReporter::explain(const SqliteFailure& failure) {
+SqlError ConstraintReporter::explain(const SqliteFailure& failure) const {
   const std::string_view detail = detailOf(failure.message);
   switch (failure.code) {
     case SQLITE_CONSTRAINT_NOTNULL:
@@ -171,7 +171,7 @@ std::string ConstraintReporter::firstBrokenKey(std::string_view detail) const {
 
 /// The key of the row that failed: a trigger watches the rows as they are written, and the last one
 /// seen is it.
-std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& columns) {
+std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& columns) const {
   const Table& table = *node_.table;
   Trace trace;
   const SqliteDatabase& database = engine_.database_;
@@ -185,7 +185,7 @@ std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& 
     const TrialRun trial(database);
     database.execute("CREATE TEMP TRIGGER ts_watch BEFORE " + std::string(verb()) + " ON " +
                      table.sqlName + " BEGIN SELECT ts_trace(" + arguments + "); END");
-    rerun();
+    static_cast<void>(rerun());
   }
   sqlite3_create_function_v2(database.get(), "ts_trace", -1, SQLITE_UTF8, nullptr, nullptr, nullptr,
                              nullptr, nullptr);
@@ -198,7 +198,7 @@ std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& 
   return values;
 }
 
-SqlError ConstraintReporter::explainDuplicate(std::string_view detail) {
+SqlError ConstraintReporter::explainDuplicate(std::string_view detail) const {
   const std::optional<BrokenKey> key = findKey(*node_.table, firstBrokenKey(detail));
   if (!key) {
     return {2627, "Violation of a key constraint. Cannot insert duplicate key in object '" +
@@ -285,10 +285,10 @@ SqlError ConstraintReporter::violated(const Table& child, const Constraint& cons
                         constraint.columns)};
 }
 
-SqlError ConstraintReporter::explainForeignKey() {
-  const TrialRun trial(engine_.database_);
-  engine_.database_.execute("PRAGMA defer_foreign_keys = ON");
-  rerun();
+std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
+  if (node_.table->isVariable) {
+    return std::nullopt;
+  }
   if (const Constraint* const constraint = findViolated(*node_.table)) {
     return violated(*node_.table, *constraint);
   }
@@ -304,8 +304,16 @@ SqlError ConstraintReporter::explainForeignKey() {
       }
     }
   }
-  return {547, "The " + std::string(verb()) +
-                   " statement conflicted with a FOREIGN KEY or REFERENCE constraint."};
+  return std::nullopt;
+}
+
+SqlError ConstraintReporter::explainForeignKey() const {
+  const TrialRun trial(engine_.database_);
+  engine_.database_.execute("PRAGMA defer_foreign_keys = ON");
+  static_cast<void>(rerun());
+  return brokenForeignKey().value_or(
+      SqlError{547, "The " + std::string(verb()) +
+                        " statement conflicted with a FOREIGN KEY or REFERENCE constraint."});
 }
 
 }  // namespace azcoll::embedded

@@ -18,16 +18,18 @@ class Engine;
 /// that is taken back, which costs something on failures only.
 class ConstraintReporter {
  public:
-  ConstraintReporter(Engine& engine, ChangeNode& node) : engine_(engine), node_(node) {}
+  ConstraintReporter(Engine& engine, const ChangeNode& node) : engine_(engine), node_(node) {}
 
-  [[nodiscard]] SqlError explain(const SqliteFailure& failure);
+  [[nodiscard]] SqlError explain(const SqliteFailure& failure) const;
+  /// The foreign key of the changed table, or to it, that has rows without a partner right now.
+  [[nodiscard]] std::optional<SqlError> brokenForeignKey() const;
 
  private:
   [[nodiscard]] SqlError explainNull(std::string_view detail) const;
-  [[nodiscard]] SqlError explainDuplicate(std::string_view detail);
+  [[nodiscard]] SqlError explainDuplicate(std::string_view detail) const;
   [[nodiscard]] SqlError explainCheck(std::string_view detail) const;
-  [[nodiscard]] SqlError explainForeignKey();
-  [[nodiscard]] std::string duplicateValues(const std::vector<std::size_t>& columns);
+  [[nodiscard]] SqlError explainForeignKey() const;
+  [[nodiscard]] std::string duplicateValues(const std::vector<std::size_t>& columns) const;
   [[nodiscard]] SqlError violated(const Table& child, const Constraint& constraint) const;
   [[nodiscard]] const Constraint* findViolated(const Table& child) const;
   [[nodiscard]] std::string conflict(std::string_view kind, const Constraint& constraint,
@@ -35,11 +37,11 @@ class ConstraintReporter {
                                      const std::vector<std::size_t>& columns) const;
   [[nodiscard]] std::string_view verb() const;
   /// Runs the change again; its failure, or nothing.
-  std::optional<SqliteFailure> rerun() const;
+  [[nodiscard]] std::optional<SqliteFailure> rerun() const;
   [[nodiscard]] std::string firstBrokenKey(std::string_view detail) const;
 
   Engine& engine_;
-  ChangeNode& node_;
+  const ChangeNode& node_;
 };
 
 }  // namespace azcoll::embedded

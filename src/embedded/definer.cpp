@@ -30,6 +30,7 @@ void Definer::atomically(Action action) {
   database.execute("SAVEPOINT definition");
   try {
     action();
+    CatalogueStore(database).countChange();
     database.execute("RELEASE definition");
   } catch (...) {
     database.execute("ROLLBACK TO definition; RELEASE definition");

@@ -97,7 +97,7 @@ void Engine::configure(const ConnectionSettings& settings) {
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, handle, kAllOptimizations);
   }
   sqlite3_progress_handler(handle, kStepsBetweenClockReadings, watchClock, this);
-  schemaVersion_ = database_.prepare("PRAGMA schema_version");
+  catalogueVersion_ = database_.prepare("PRAGMA user_version");
 }
 
 int Engine::watchClock(void* engine) {
@@ -117,8 +117,8 @@ int Engine::watchClock(void* engine) {
 void Engine::reloadCatalogue() {
   forgetPlans();
   CatalogueStore(database_).load(catalogue_);
-  knownSchemaVersion_ = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
-  schemaVersion_.reset();
+  knownVersion_ = catalogueVersion_.step() ? catalogueVersion_.integer(0) : 0;
+  catalogueVersion_.reset();
   uncertain_ = false;
 }
 
@@ -131,8 +131,8 @@ void Engine::refreshCatalogue() {
 
 void Engine::definitionsChanged() {
   forgetPlans();
-  knownSchemaVersion_ = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
-  schemaVersion_.reset();
+  knownVersion_ = catalogueVersion_.step() ? catalogueVersion_.integer(0) : 0;
+  catalogueVersion_.reset();
   definedInTransaction_ = definedInTransaction_ || inTransaction();
 }
 
@@ -184,9 +184,9 @@ std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
 
 /// Whether another connection has changed the schema since it was read.
 bool Engine::isStale() {
-  const std::int64_t version = schemaVersion_.step() ? schemaVersion_.integer(0) : 0;
-  schemaVersion_.reset();
-  return version != knownSchemaVersion_;
+  const std::int64_t version = catalogueVersion_.step() ? catalogueVersion_.integer(0) : 0;
+  catalogueVersion_.reset();
+  return version != knownVersion_;
 }
 
 /// Runs a text by its plan. A plan that another connection has taken the ground from is made anew:
@@ -271,8 +271,17 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<V
     if (!inTransaction()) {
       refreshCatalogue();
     }
+    // The procedure may have been dropped or made anew since its parameters were asked for.
+    const auto current = catalogue_.findRoutine(routine.name);
+    if (!current || current->isFunction) {
+      throw SqlError(2812, "Could not find stored procedure '" + routine.name + "'.");
+    }
+    if (current->source != routine.source) {
+      throw SqlError(
+          0, "La procedura '" + routine.name + "' è cambiata: i parametri vanno chiesti di nuovo.");
+    }
     ExecutionResult result;
-    const std::shared_ptr<Plan> plan = planOf(routine);
+    const std::shared_ptr<Plan> plan = planOf(*current);
     BatchRunner runner(*this, *plan, result);
     std::vector<std::optional<Value>> arguments(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {

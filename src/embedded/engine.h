@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,6 +61,8 @@ class Engine {
   friend class BatchRunner;
   friend class ConstraintReporter;
   friend class Definer;
+  friend std::optional<std::int64_t> updateWithLateKeys(
+      Engine& engine, const ChangeNode& update, const std::function<void(const Piece&)>& bind);
 
   void configure(const ConnectionSettings& settings);
   void openFile(const ConnectionSettings& settings);
@@ -94,8 +97,8 @@ class Engine {
   std::size_t tempTables_ = 0;
   PlanCache cache_;
   std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;
-  SqliteStatement schemaVersion_;
-  std::int64_t knownSchemaVersion_ = 0;
+  SqliteStatement catalogueVersion_;
+  std::int64_t knownVersion_ = 0;
   bool uncertain_ = false;             ///< the schema may have changed under the plans
   bool definedInTransaction_ = false;  ///< a rollback takes definitions or table variables back
   tsql::Shape shape_;

@@ -79,6 +79,8 @@ struct Scope {
   /// Changes while one and the same query is bound, clause by clause.
   mutable Grouping grouping;
   mutable bool aggregatesAllowed = false;
+  /// What WHERE demands of a column by constants alone: text of the column → rest of the condition.
+  mutable std::unordered_multimap<std::string, std::string> constantFilters;
 
   explicit Scope(const Scope* outer)
       : parent(outer), level(outer == nullptr ? 0 : outer->level + 1) {}

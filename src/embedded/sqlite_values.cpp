@@ -112,9 +112,9 @@ void BatchRunner::bindLiteral(sqlite3_stmt* statement, int position, const Slot&
     return;
   }
   // The two kinds that nearly all constants are of take no detour.
-  constexpr std::size_t kSafeDigits = 18;
+  const std::size_t safeDigits = target.kind == TypeKind::BigInt ? 18 : 9;
   if (token.kind == tsql::LiteralKind::Integer && target.isInteger() &&
-      target.kind != TypeKind::Bit && token.raw.size() <= kSafeDigits) {
+      target.kind != TypeKind::Bit && token.raw.size() <= safeDigits) {
     std::int64_t number = 0;
     std::from_chars(token.raw.data(), token.raw.data() + token.raw.size(), number);
     number = slot.negate ? -number : number;

@@ -20,21 +20,10 @@ std::string columnList(const Table& table, const std::vector<std::size_t>& colum
 }
 
 std::string columnDefinition(const Column& column) {
-  const Type& type = column.type;
-  std::string sql = quoteName(column.name);
   if (column.identity) {
-    return sql + " INTEGER PRIMARY KEY AUTOINCREMENT";
+    return quoteName(column.name) + " INTEGER PRIMARY KEY AUTOINCREMENT";
   }
-  if (type.isText()) {
-    sql += std::string(" TEXT COLLATE ") + kCollationName;
-  } else if (type.isDate()) {
-    sql += " TEXT";
-  } else if (type.isFloat()) {
-    sql += " REAL";
-  } else {
-    sql += type.isWide() ? " BLOB" : " INTEGER";
-  }
-  return sql + (column.nullable ? "" : " NOT NULL");
+  return storedColumn(column) + (column.nullable ? "" : " NOT NULL");
 }
 
 /// Rows with missing values in a unique key: SQL Server takes NULL for a value like any other.
@@ -130,6 +119,21 @@ std::string foreignKey(const Table& table, const Constraint& constraint,
 }
 
 }  // namespace
+
+std::string storedColumn(const Column& column) {
+  const Type& type = column.type;
+  const std::string name = quoteName(column.name);
+  if (type.isText()) {
+    return name + " TEXT COLLATE " + kCollationName;
+  }
+  if (type.isDate()) {
+    return name + " TEXT";
+  }
+  if (type.isFloat()) {
+    return name + " REAL";
+  }
+  return name + (type.isWide() ? " BLOB" : " INTEGER");
+}
 
 std::string indexStoreName(const Table& table, std::string_view index) {
   return table.storeName + "." + std::string(index);

@@ -18,6 +18,9 @@ namespace azcoll::embedded {
 /// The SQLite statements that make an index.
 [[nodiscard]] std::vector<std::string> indexDefinition(const Table& table, const Index& index);
 
+/// A column as SQLite stores it, without its constraints.
+[[nodiscard]] std::string storedColumn(const Column& column);
+
 /// SQLite's name of an index: unlike SQL Server's it is one among all tables.
 [[nodiscard]] std::string indexStoreName(const Table& table, std::string_view index);
 

@@ -62,18 +62,30 @@ namespace detail {
 // database that was filled from here carries this table; any other is refused, whatever it holds.
 inline constexpr std::string_view kMarkerTable = "AZCOLL_DATABASE_DI_PROVA";
 
-inline bool execute(Connection& connection, const std::string& text) {
+// Routines and tables that a broken run did not reach are not there to be dropped.
+inline void dropIfThere(Connection& connection, const std::string& text) {
   try {
     std::int64_t affected = 0;
     connection.execute(text, affected, CommandOption::Text);
-    return true;
   } catch (const Error&) {
-    return false;
+    return;
   }
 }
 
+// Only "invalid object name" means that the table is missing; not being allowed to look is an
+// error.
 inline bool hasTable(Connection& connection, std::string_view name) {
-  return execute(connection, "SELECT COUNT(1) FROM " + std::string{name});
+  constexpr int kInvalidObjectName = 208;
+  try {
+    std::int64_t affected = 0;
+    connection.execute("SELECT COUNT(1) FROM " + std::string{name}, affected, CommandOption::Text);
+    return true;
+  } catch (const Error& error) {
+    if (error.info().nativeNumber != kInvalidObjectName) {
+      throw;
+    }
+    return false;
+  }
 }
 
 inline std::vector<std::string> schemaTables() {
@@ -92,10 +104,10 @@ inline std::vector<std::string> schemaTables() {
 inline void emptyTestDatabase(Connection& connection) {
   std::vector<std::string> tables = schemaTables();
   if (hasTable(connection, kMarkerTable)) {
-    execute(connection, "DROP PROCEDURE PC_GetDitteCollegate");
-    execute(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
+    dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
+    dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
     for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
-      execute(connection, "DROP TABLE " + *table);
+      dropIfThere(connection, "DROP TABLE " + *table);
     }
     return;
   }

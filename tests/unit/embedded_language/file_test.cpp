@@ -182,6 +182,16 @@ TEST(Reopening, ForgetsWhatWasNotCommittedWhenClosed) {
   EXPECT_EQ(lines(*openConnection(file.source()), "SELECT COUNT(*) FROM T"), Lines{"0"});
 }
 
+TEST(Reopening, DoesNotKeepTemporaryTables) {
+  const DatabaseFile file;
+  try {
+    run(*openConnection(file.creating()), "CREATE TABLE #X (A INT)");
+  } catch (const Error& error) {
+    EXPECT_EQ(error.info().nativeNumber, 0) << error.description();  // outside the language
+  }
+  EXPECT_EQ(failureNumber(*openConnection(file.source()), "SELECT A FROM #X"), 208);
+}
+
 TEST(ReadOnly, ReadsAndRefusesToWrite) {
   const DatabaseFile file;
   run(*openConnection(file.creating()), "CREATE TABLE T (A INT) INSERT INTO T VALUES (1)");
