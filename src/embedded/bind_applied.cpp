@@ -1,5 +1,6 @@
 // Table-valued functions: their body is written out where they are called.
 
+#include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
 #include "embedded/sql_error.h"
@@ -39,6 +40,11 @@ const tsql::QuerySpecification* simpleBody(const tsql::Query& body) {
       select->having || select->from.size() != 1 || !body.orderBy.empty() ||
       !std::holds_alternative<tsql::NamedTable>(select->from.front()->node)) {
     return nullptr;
+  }
+  for (const tsql::SelectItem& item : select->items) {
+    if (containsAggregate(*item.expression)) {
+      return nullptr;
+    }
   }
   return select;
 }

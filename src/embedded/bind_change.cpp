@@ -21,7 +21,7 @@ void refuseReadingHints(const tsql::NamedTable& target) {
   }
 }
 
-std::vector<std::string> Binder::keyColumns(const Table& table) const {
+std::vector<std::string> Binder::keyColumns(const Table& table) {
   if (table.key.empty()) {
     return {quoteName(table.rowColumn)};
   }
@@ -121,18 +121,29 @@ std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
   const Table& table = *target;
   const auto assigned = bindAssigned(statement, table, scope);
   const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
-  std::string sql = "UPDATE " + table.sqlName + " AS ";
-  std::string set;
-  if (change.from.empty()) {
+  const std::string filter = where.empty() ? "" : " WHERE " + where;
+  if (change.from.empty() && emission_.queries == 0) {
+    std::string set;
     for (const auto& [column, value] : assigned) {
       set += (set.empty() ? "" : ",") + quoteName(table.columns[column].name) + "=" + value;
     }
-    return sql + change.targetSource + " SET " + set + (where.empty() ? "" : " WHERE " + where);
+    return "UPDATE " + table.sqlName + " AS " + change.targetSource + " SET " + set + filter;
   }
-  // min() over a constant makes the first of several source rows give the values.
-  std::string rows = "SELECT min(0)";
+  return updateByKey(change, assigned, filter);
+}
+
+/// Keys and new values are gathered first, then written. A subquery would otherwise see rows that
+/// the statement has changed already, and a source with several rows for one of the target would
+/// write it several times: min() over a constant makes the first of them give the values.
+std::string Binder::updateByKey(const Change& change,
+                                const std::vector<std::pair<std::size_t, std::string>>& assigned,
+                                const std::string& filter) const {
+  const Table& table = *change.table;
+  const bool joins = !change.from.empty();
+  std::string rows = joins ? "SELECT min(0)" : "SELECT 0";
   std::string groups;
   std::string match;
+  std::string set;
   const std::vector<std::string> keys = keyColumns(table);
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const std::string key = change.targetSource + "." + keys[i];
@@ -146,8 +157,9 @@ std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
     rows += "," + assigned[i].second + " AS " + name;
     set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
   }
-  return sql + "u SET " + set + " FROM (" + rows + " FROM " + change.from +
-         (where.empty() ? "" : " WHERE " + where) + " GROUP BY " + groups + ") AS s WHERE " + match;
+  const std::string from = joins ? change.from : table.sqlName + " AS " + change.targetSource;
+  return "UPDATE " + table.sqlName + " AS u SET " + set + " FROM (" + rows + " FROM " + from +
+         filter + (joins ? " GROUP BY " + groups : "") + ") AS s WHERE " + match;
 }
 
 std::string Binder::bindDelete(const tsql::DeleteStatement& statement,

@@ -44,6 +44,7 @@ bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query
 }  // namespace
 
 BoundQuery Binder::bindQuery(const tsql::Query& query, const Scope* outer, const QueryUse& use) {
+  ++emission_.queries;
   const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
   if (!query.orderBy.empty() && use.orderNeedsTop &&
       (specification == nullptr || !specification->top)) {

@@ -25,6 +25,7 @@ struct Emission {
   std::size_t nextAlias = 1;
   std::uint64_t touchedLevels = 0;  ///< scopes that a column was found in, a bit each
   std::size_t functionDepth = 0;
+  std::size_t queries = 0;  ///< SELECTs bound so far
 };
 
 /// Everything a binder looks things up in.
@@ -228,7 +229,10 @@ class Binder {
                                   const std::vector<tsql::TableSourcePtr>& from, Scope& scope);
   [[nodiscard]] std::size_t findTarget(const tsql::NamedTable& target, Scope& scope,
                                        std::string& from);
-  [[nodiscard]] std::vector<std::string> keyColumns(const Table& table) const;
+  [[nodiscard]] static std::vector<std::string> keyColumns(const Table& table);
+  [[nodiscard]] std::string updateByKey(
+      const Change& change, const std::vector<std::pair<std::size_t, std::string>>& assigned,
+      const std::string& filter) const;
   [[nodiscard]] std::vector<std::pair<std::size_t, std::string>> bindAssigned(
       const tsql::UpdateStatement& statement, const Table& table, const Scope& scope);
 

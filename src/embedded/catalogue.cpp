@@ -48,6 +48,9 @@ class TableDescriber {
 
   std::shared_ptr<Table> describe() {
     table_->name = objectName(definition_.name, text_);
+    if (table_->name.starts_with('#')) {
+      refuse(text_, definition_.name.position, "temporary tables (use a table variable)");
+    }
     table_->storeName = storeNameOf(table_->name);
     table_->sqlName = quoteName(table_->storeName);
     table_->isVariable = table_->name.starts_with('@');

@@ -13,6 +13,7 @@
 #include "embedded/date_values.h"
 #include "embedded/number_values.h"
 #include "embedded/sql_error.h"
+#include "tsql/utf8.h"
 
 namespace azcoll::embedded {
 
@@ -336,6 +337,9 @@ Value valueFromVariant(const Variant& variant, const Type& type, Conversion conv
                      conversion);
     }
     case Variant::Kind::Text:
+      if (tsql::findMalformedUtf8(*variant.get<std::string>()) != std::string_view::npos) {
+        throw SqlError(0, "Il testo di un parametro non è in UTF-8.");
+      }
       return convert(Value::ofText(*variant.get<std::string>()), kNVarChar, type, conversion);
     case Variant::Kind::Object:
       break;

@@ -1,4 +1,6 @@
+#include <array>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -117,9 +119,18 @@ void multiplyWide(const FunctionCallFrame& frame) {
 
 // ---------------------------------------------------------------- aggregates
 
+/// What SQLite keeps of a sum between two rows. Its memory is aligned for 64 bits only, so that the
+/// 128 bits of the total are held as bytes.
 struct Sum {
-  Int128 total;
+  std::array<unsigned char, sizeof(Int128)> bytes;
   std::int64_t count;
+
+  [[nodiscard]] Int128 total() const {
+    Int128 number = 0;
+    std::memcpy(&number, bytes.data(), bytes.size());
+    return number;
+  }
+  void setTotal(Int128 number) { std::memcpy(bytes.data(), &number, bytes.size()); }
 };
 
 Sum* sumOf(sqlite3_context* context, bool create) {
@@ -135,9 +146,11 @@ void addToSum(const FunctionCallFrame& frame) {
   if (sum == nullptr) {
     throw std::bad_alloc();
   }
-  if (__builtin_add_overflow(sum->total, frame.digits(0), &sum->total)) {
+  Int128 total = 0;
+  if (__builtin_add_overflow(sum->total(), frame.digits(0), &total)) {
     failDecimalOverflow();
   }
+  sum->setTotal(total);
   ++sum->count;
 }
 
@@ -154,7 +167,7 @@ void finishDecimalSum(const FunctionCallFrame& frame) {
   if (sum == nullptr || sum->count == 0) {
     frame.giveNull();
   } else {
-    frame.giveWide(sum->total);
+    frame.giveWide(sum->total());
   }
 }
 
@@ -163,7 +176,7 @@ void finishSum(const FunctionCallFrame& frame) {
   if (sum == nullptr || sum->count == 0) {
     frame.giveNull();
   } else {
-    frame.give(within64Bits(sum->total));
+    frame.give(within64Bits(sum->total()));
   }
 }
 
@@ -172,7 +185,7 @@ void finishAverage(const FunctionCallFrame& frame) {
   if (sum == nullptr || sum->count == 0) {
     frame.giveNull();
   } else {
-    frame.give(within64Bits(sum->total / sum->count));
+    frame.give(within64Bits(sum->total() / sum->count));
   }
 }
 
