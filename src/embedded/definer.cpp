@@ -73,7 +73,11 @@ void Definer::requireFreeName(const std::string& name) const {
 
 void Definer::createTable(const tsql::ObjectName& name, const std::string& definition,
                           std::string_view text) {
-  requireFreeName(objectName(name, text));
+  const std::string ownName = objectName(name, text);
+  if (ownName.starts_with('#')) {
+    refuse(text, name.position, "a temporary table");
+  }
+  requireFreeName(ownName);
   // Read from the text that the catalogue keeps: the table is the same when the file is opened
   // again.
   const tsql::Batch batch = tsql::parse(definition);
