@@ -70,7 +70,7 @@ BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
   BoundExpression operand = bind(argument, scope);
   std::string sql = natural(operand);
   if (operand.type.isText() && !operand.isColumn) {
-    sql += std::string(" COLLATE ") + kCollationName;
+    sql += std::string(kCollateClause);
   }
   const std::string list = (call.distinct ? "(DISTINCT " : "(") + sql + ")";
   const Type& type = operand.type;

@@ -146,7 +146,8 @@ std::string Binder::updateByKey(const Change& change,
   std::string set;
   const std::vector<std::string> keys = keyColumns(table);
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    const std::string key = change.targetSource + "." + keys[i];
+    std::string key = change.targetSource;
+    key.append(".").append(keys[i]);
     const std::string name = "k" + std::to_string(i + 1);
     rows += "," + key + " AS " + name;
     groups += (i == 0 ? "" : ",") + key;

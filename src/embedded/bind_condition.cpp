@@ -1,3 +1,5 @@
+#include <compare>
+
 #include "embedded/binder.h"
 #include "embedded/collation.h"
 #include "embedded/sql_error.h"
@@ -26,21 +28,19 @@ std::string_view symbolOf(tsql::BinaryOperator op) {
 bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
   switch (op) {
     case tsql::BinaryOperator::Equal:
-      return order == 0;
+      return std::is_eq(order);
     case tsql::BinaryOperator::NotEqual:
-      return order != 0;
+      return std::is_neq(order);
     case tsql::BinaryOperator::Less:
-      return order < 0;
+      return std::is_lt(order);
     case tsql::BinaryOperator::Greater:
-      return order > 0;
+      return std::is_gt(order);
     case tsql::BinaryOperator::LessEqual:
-      return order <= 0;
+      return std::is_lteq(order);
     default:
-      return order >= 0;
+      return std::is_gteq(order);
   }
 }
-
-const std::string kCollate = std::string(" COLLATE ") + kCollationName;
 
 }  // namespace
 
@@ -121,7 +121,7 @@ std::string Binder::compare(std::string_view op, BoundExpression& left, BoundExp
   const std::string b = coerceToCompare(right, common);
   std::string sql = "(" + a;
   if (common.isText() && !plain) {
-    sql += kCollate;
+    sql += kCollateClause;
   }
   return sql + std::string(op) + b + ")";
 }
@@ -137,7 +137,7 @@ std::string Binder::bindBetween(const tsql::Between& node, const tsql::Position&
   const Type common = unify({&operand, &low, &high}, position);
   std::string sql = "(" + coerceToCompare(operand, common);
   if (common.isText() && !operand.isColumn) {
-    sql += kCollate;
+    sql += kCollateClause;
   }
   const std::string from = coerceToCompare(low, common);
   const std::string to = coerceToCompare(high, common);
@@ -172,7 +172,7 @@ std::string Binder::bindInList(const tsql::InList& node, const tsql::Position& p
   const Type common = unify(all, position);
   std::string sql = "(" + coerceToCompare(operand, common);
   if (common.isText() && !operand.isColumn) {
-    sql += kCollate;
+    sql += kCollateClause;
   }
   sql += node.negated ? " NOT IN (" : " IN (";
   for (std::size_t i = 0; i < items.size(); ++i) {
@@ -206,7 +206,7 @@ std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position&
   const bool plain = operand.isColumn;
   std::string left = coerceToCompare(operand, common);
   if (common.isText() && !plain) {
-    left += kCollate;
+    left += kCollateClause;
   }
   const bool same = sameForm(column.type, common);
   std::string negation = node.negated ? " NOT IN (" : " IN (";

@@ -266,7 +266,7 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
     const Type common = unify(all, position);
     sql += " " + coerceToCompare(operand, common);
     if (common.isText() && !operand.isColumn) {
-      sql += std::string(" COLLATE ") + kCollationName;
+      sql += std::string(kCollateClause);
     }
     for (BoundExpression& value : values) {
       tests.push_back(coerceToCompare(value, common));

@@ -75,8 +75,8 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
     }
     const bool collate = common.isText() && !value.isColumn;
     const std::string first = value.pending ? natural(value) : value.sql;
-    return computed("nullif(" + first + (collate ? std::string(" COLLATE ") + kCollationName : "") +
-                        "," + coerceToCompare(other, common) + ")",
+    return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
+                        coerceToCompare(other, common) + ")",
                     type);
   }
   if (name == "ABS") {

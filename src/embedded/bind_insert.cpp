@@ -147,6 +147,7 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
     failQueryCount(count > columns.size());
   }
   std::vector<Type> targets;
+  targets.reserve(columns.size());
   for (const std::size_t column : columns) {
     targets.push_back(table.columns[column].type);
   }

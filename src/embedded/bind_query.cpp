@@ -291,7 +291,7 @@ void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& s
     } else {
       scope.grouping.printed.insert(foldText(tsql::print(*key)));
       if (bound.type.isText()) {
-        sql += std::string(" COLLATE ") + kCollationName;
+        sql += std::string(kCollateClause);
       }
     }
     select.groupBy += (select.groupBy.empty() ? "" : ",") + sql;
@@ -378,7 +378,7 @@ std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scop
   }
   std::string sql = natural(bound);
   if (bound.type.isText() && !bound.isColumn) {
-    sql += std::string(" COLLATE ") + kCollationName;
+    sql += std::string(kCollateClause);
   }
   // A bare number would be taken for a position.
   return bound.isColumn ? sql : "(" + sql + ")";

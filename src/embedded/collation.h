@@ -10,6 +10,8 @@ namespace azcoll::embedded {
 /// Name of the collation of every text column: letter case does not count, accents do, blanks at
 /// the end do not. Order: punctuation, digits, letters; an accented letter behind its plain one.
 inline constexpr const char* kCollationName = "TSQL";
+/// Gives an expression of SQLite that collation.
+inline constexpr std::string_view kCollateClause = " COLLATE TSQL";
 
 /// Compares as the collation does: negative, 0, positive.
 [[nodiscard]] int compareText(std::string_view left, std::string_view right);

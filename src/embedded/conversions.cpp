@@ -102,10 +102,15 @@ Value toInteger(const Value& value, const Type& from, const Type& to) {
   }
   if (from.isFloat()) {
     const double whole = std::trunc(value.real);
-    if (!(whole >= -9.2e18 && whole <= 9.2e18)) {
-      failOverflow("expression", to);
+    const IntegerRange range = rangeOf(to);
+    // Doubles of the size of 64 bits lie 1024 apart: the limit itself is none of them.
+    const double low = static_cast<double>(range.low);
+    const double high = static_cast<double>(range.high);
+    if (!(whole >= low && whole <= high && whole < 9.2233720368547758e18)) {
+      throw SqlError(232, "Arithmetic overflow error for type " + named(to) +
+                              ", value = " + fixedText(value.real) + ".");
     }
-    return Value::ofInteger(checkedInteger(static_cast<std::int64_t>(whole), to));
+    return Value::ofInteger(static_cast<std::int64_t>(whole));
   }
   const Int128 whole = value.digits() / powerOfTen(from.scale);
   if (whole < std::numeric_limits<std::int64_t>::min() ||
@@ -190,7 +195,11 @@ Value toDate(const Value& value, const Type& from, const Type& to) {
   std::optional<Date> date;
   if (from.isText()) {
     const ParsedDate parsed = parseDateText(value.text);
-    if (parsed.outcome == DateOutcome::Malformed ||
+    if (parsed.outcome == DateOutcome::TooFine &&
+        (to.kind == TypeKind::DateTime2 || to.kind == TypeKind::Date)) {
+      throw SqlError(0, "Outside the supported T-SQL: parts of a second beyond milliseconds.");
+    }
+    if (parsed.outcome == DateOutcome::Malformed || parsed.outcome == DateOutcome::TooFine ||
         (parsed.outcome == DateOutcome::OutOfRange && to.kind != TypeKind::DateTime &&
          to.kind != TypeKind::SmallDateTime)) {
       throw SqlError(241,

@@ -142,6 +142,10 @@ void text(const FunctionCallFrame& frame) {
   }
   const auto styled =
       styledDate(dateFromStored(frame.text(0)), frame.type(1), static_cast<int>(frame.integer(2)));
+  if (!styled && isDateStyle(static_cast<int>(frame.integer(2)))) {
+    throw SqlError(0, "Outside the supported T-SQL: CONVERT with the style " +
+                          std::to_string(frame.integer(2)) + ".");
+  }
   if (!styled) {
     throw SqlError(281, std::to_string(frame.integer(2)) +
                             " is not a valid style number when converting from " +

@@ -52,6 +52,7 @@ struct Clock {
   int minute = 0;
   int second = 0;
   int millisecond = 0;
+  bool tooFine = false;
 };
 
 /// `hh:mm[:ss[.f…]]`; false when it is no time.
@@ -71,11 +72,14 @@ bool readClock(Cursor& cursor, Clock& clock) {
     clock.second = cursor.take(cursor.digits());
     if (cursor.accept('.')) {
       const std::size_t digits = cursor.digits();
-      if (digits < 1 || digits > 3) {
+      constexpr std::size_t kMilliseconds = 3;
+      constexpr std::size_t kFinest = 7;
+      if (digits < 1 || digits > kFinest) {
         return false;
       }
+      clock.tooFine = digits > kMilliseconds;
       clock.millisecond = cursor.take(digits);
-      for (std::size_t i = digits; i < 3; ++i) {
+      for (std::size_t i = digits; i < kMilliseconds; ++i) {
         clock.millisecond *= 10;
       }
     }
@@ -169,6 +173,9 @@ ParsedDate parseDateText(std::string_view text) {
     }
   } else if (clockAlone && !readClock(cursor, clock)) {
     return {DateOutcome::Malformed, {}};
+  }
+  if (clock.tooFine) {
+    return {DateOutcome::TooFine, {}};
   }
   const auto date = Date::of(day.year, day.month, day.day, clock.hour, clock.minute, clock.second,
                              clock.millisecond);
@@ -272,52 +279,82 @@ Date dateFromStored(std::string_view text) {
       .value_or(Date{});
 }
 
-std::optional<std::string> styledDate(const Date& date, const Type& type, int style) {
-  const bool clock = type.kind != TypeKind::Date;
-  const int y = date.year;
+bool isDateStyle(int style) {
+  return (style >= 0 && style <= 14) || (style >= 20 && style <= 25) ||
+         (style >= 100 && style <= 114) || style == 120 || style == 121 || style == 126 ||
+         style == 127 || style == 130 || style == 131;
+}
+
+namespace {
+
+/// The styles that show the day alone, by number; with `century`, the year has four digits.
+std::optional<std::string> dayStyle(const Date& date, int style, bool century) {
   const int m = date.month;
   const int d = date.day;
+  const std::string year =
+      century ? format("%04d", date.year, 0, 0) : format("%02d", date.year % 100, 0, 0);
+  switch (style) {
+    case 1:
+      return format("%02d/%02d/", m, d, 0) + year;
+    case 2:
+      return year + format(".%02d.%02d", m, d, 0);
+    case 3:
+      return format("%02d/%02d/", d, m, 0) + year;
+    case 4:
+      return format("%02d.%02d.", d, m, 0) + year;
+    case 5:
+      return format("%02d-%02d-", d, m, 0) + year;
+    case 6:
+      return format("%02d ", d, 0, 0) + longStyle(date, false).substr(0, 3) + " " + year;
+    case 7:
+      return longStyle(date, false).substr(0, 3) + format(" %02d, ", d, 0, 0) + year;
+    case 10:
+      return format("%02d-%02d-", m, d, 0) + year;
+    case 11:
+      return year + format("/%02d/%02d", m, d, 0);
+    case 12:
+      return year + format("%02d%02d", m, d, 0);
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> styledDate(const Date& date, const Type& type, int style) {
+  const bool clock = type.kind != TypeKind::Date;
+  const std::string day = format("%04d-%02d-%02d", date.year, date.month, date.day);
+  const std::string fine = clockText(date) + ":" + milliseconds(date);
   switch (style) {
     case 0:
     case 100:
       return longStyle(date, clock);
-    case 101:
-      return format("%02d/%02d/%04d", m, d, y);
-    case 102:
-      return format("%04d.%02d.%02d", y, m, d);
-    case 3:
-      return format("%02d/%02d/%02d", d, m, y % 100);
-    case 103:
-      return format("%02d/%02d/%04d", d, m, y);
-    case 104:
-      return format("%02d.%02d.%04d", d, m, y);
-    case 105:
-      return format("%02d-%02d-%04d", d, m, y);
     case 8:
+    case 24:
     case 108:
       return clockText(date);
-    case 110:
-      return format("%02d-%02d-%04d", m, d, y);
-    case 111:
-      return format("%04d/%02d/%02d", y, m, d);
-    case 12:
-      return format("%02d%02d%02d", y % 100, m, d);
-    case 112:
-      return format("%04d%02d%02d", y, m, d);
+    case 13:
+    case 113:
+      return dayStyle(date, 6, true).value_or("") + (clock ? " " + fine : "");
+    case 14:
+    case 114:
+      return fine;
     case 23:
-      return format("%04d-%02d-%02d", y, m, d);
+      return day;
+    case 20:
     case 120:
-      return format("%04d-%02d-%02d", y, m, d) + (clock ? " " + clockText(date) : "");
+      return day + (clock ? " " + clockText(date) : "");
+    case 21:
+    case 25:
     case 121:
-      return format("%04d-%02d-%02d", y, m, d) +
-             (clock ? " " + clockText(date) + "." + milliseconds(date) : "");
+      return day + (clock ? " " + clockText(date) + "." + milliseconds(date) : "");
     case 126:
-      return format("%04d-%02d-%02d", y, m, d) +
-             (!clock ? ""
-                     : "T" + clockText(date) +
-                           (date.millisecond == 0 ? "" : "." + milliseconds(date)));
+      return day + (!clock ? ""
+                           : "T" + clockText(date) +
+                                 (date.millisecond == 0 ? "" : "." + milliseconds(date)));
     default:
-      return std::nullopt;
+      constexpr int kWithCentury = 100;
+      return dayStyle(date, style % kWithCentury, style > kWithCentury);
   }
 }
 

@@ -13,8 +13,9 @@ namespace azcoll::embedded {
 /// What reading a date from a text came to.
 enum class DateOutcome : std::uint8_t {
   Good,
-  Malformed,  ///< not a date at all
-  OutOfRange  ///< built as a date, but there is no such day or moment
+  Malformed,   ///< not a date at all
+  OutOfRange,  ///< built as a date, but there is no such day or moment
+  TooFine  ///< more than three digits of a second: right for DATETIME2 alone, outside the engine
 };
 
 struct ParsedDate {
@@ -48,7 +49,10 @@ struct ParsedDate {
 /// `date` with another time of day, below 24 hours.
 [[nodiscard]] Date withTime(Date date, std::int64_t milliseconds);
 
-/// The text of CONVERT with a style; nothing for a style that is not known.
+/// Whether SQL Server has this style of a date, inside the engine or not.
+[[nodiscard]] bool isDateStyle(int style);
+
+/// The text of CONVERT with a style; nothing for a style that is not known here.
 [[nodiscard]] std::optional<std::string> styledDate(const Date& date, const Type& type, int style);
 
 /// The clock's present moment.

@@ -111,6 +111,13 @@ std::optional<Int128> digitsOfDouble(double number, int scale) {
   return rescaledDigits(decimal->unscaled(), decimal->scale(), scale);
 }
 
+std::string fixedText(double number) {
+  std::array<char, 400> buffer{};  // the largest double has 309 digits
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                     std::chars_format::fixed, 6);
+  return {buffer.data(), written.ptr};
+}
+
 void storeWide(Int128 digits, unsigned char* bytes) {
   Unsigned128 ordered = static_cast<Unsigned128>(digits) ^ kSignBit;
   for (int i = kWideBytes - 1; i >= 0; --i) {

@@ -12,7 +12,7 @@ std::string Binder::columnText(OutputColumn& column, const Type* type, Conversio
   column.type = type == nullptr ? expression.type : *type;
   // DISTINCT, UNION and whoever reads the column compare by its collation.
   if (column.type.isText() && !expression.isColumn) {
-    sql += std::string(" COLLATE ") + kCollationName;
+    sql += std::string(kCollateClause);
   }
   return sql;
 }

@@ -36,7 +36,7 @@ std::vector<std::string> nullIndex(const Table& table, const std::vector<std::si
     const std::string quoted = quoteName(column.name);
     parts += (parts.empty() ? "" : ",") + quoted + " IS NULL,ifnull(" + quoted + ",0)";
     if (column.type.isText()) {
-      parts += std::string(" COLLATE ") + kCollationName;
+      parts += std::string(kCollateClause);
     }
     if (column.nullable) {
       condition += (condition.empty() ? "" : " OR ") + quoted + " IS NULL";
