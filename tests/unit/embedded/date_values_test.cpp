@@ -12,9 +12,12 @@ std::string parsed(std::string_view text) {
       return "malformed";
     case DateOutcome::OutOfRange:
       return "out of range";
-    default:
-      return result.date.isoText();
+    case DateOutcome::TooFine:
+      return "too fine";
+    case DateOutcome::Good:
+      break;
   }
+  return result.date.isoText();
 }
 
 TEST(DateText, ReadsTheFormsThatNoLanguageChanges) {
@@ -34,14 +37,16 @@ TEST(DateText, ReadsTheFormsThatNoLanguageChanges) {
 TEST(DateText, TellsWhatIsNoDateFromWhatDoesNotExist) {
   for (const char* text :
        {"abc", "01/02/2024", "2024-", "2024-01", "20240101T10:00", "2024-01-01x", "20240101 25",
-        "202401012", "20240101 1:2:3:4", "1:", "12:3x", "20240101 10:00:00.1234", "20240101 111:00",
-        "20240101 10:111", "20240101 10:10:100", "2024-111-01", "2024-01-111", "123"}) {
+        "202401012", "20240101 1:2:3:4", "1:", "12:3x", "20240101 111:00", "20240101 10:111",
+        "20240101 10:10:100", "2024-111-01", "2024-01-111", "123"}) {
     EXPECT_EQ(parsed(text), "malformed") << text;
   }
   for (const char* text :
        {"20240230", "20241301", "2024-02-30", "20240101 24:00", "20240101 10:60"}) {
     EXPECT_EQ(parsed(text), "out of range") << text;
   }
+  EXPECT_EQ(parsed("20240101 10:00:00.1234"), "too fine");
+  EXPECT_EQ(parsed("20240101 10:00:00.12345678"), "malformed");
 }
 
 TEST(DateText, RoundsDatetimeToThreeHundredthsOfASecond) {
