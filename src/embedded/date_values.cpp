@@ -15,7 +15,7 @@ constexpr std::int64_t kDayMilliseconds = 86'400'000;
 constexpr std::int64_t kMinuteMilliseconds = 60'000;
 
 /// Days from 1 March of the year 0 (Gregorian rules throughout), so that the leap day ends a year.
-std::int64_t daysFromCivil(int year, int month, int day) {
+constexpr std::int64_t daysFromCivil(int year, int month, int day) {
   const std::int64_t y = month <= 2 ? year - 1 : year;
   const std::int64_t era = y / 400;
   const std::int64_t yearOfEra = y - era * 400;
@@ -23,7 +23,7 @@ std::int64_t daysFromCivil(int year, int month, int day) {
   return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
 }
 
-const std::int64_t kEpoch = daysFromCivil(1900, 1, 1);
+constexpr std::int64_t kEpoch = daysFromCivil(1900, 1, 1);
 
 struct Cursor {
   std::string_view rest;
@@ -289,8 +289,8 @@ namespace {
 
 /// The styles that show the day alone, by number; with `century`, the year has four digits.
 std::optional<std::string> dayStyle(const Date& date, int style, bool century) {
-  const int m = date.month;
-  const int d = date.day;
+  const auto m = static_cast<int>(date.month);
+  const auto d = static_cast<int>(date.day);
   const std::string year =
       century ? format("%04d", date.year, 0, 0) : format("%02d", date.year % 100, 0, 0);
   switch (style) {

@@ -43,6 +43,11 @@ inline std::string schemaPath(std::string_view fileName) {
   return std::string{AZCOLL_SOURCE_DIR} + "/schema/" + std::string{fileName};
 }
 
+/// A table of the suite that refers to customers and suppliers, with rows for the example data.
+inline std::string documentsPath() {
+  return std::string{AZCOLL_SOURCE_DIR} + "/tests/support/documenti.sql";
+}
+
 /// Runs every batch of a script; a failure names the line on which its batch starts.
 inline void runScript(Connection& connection, const std::string& path) {
   for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(path))) {
@@ -88,13 +93,16 @@ inline bool hasTable(Connection& connection, std::string_view name) {
   }
 }
 
-inline std::vector<std::string> schemaTables() {
+// In the order in which they are made.
+inline std::vector<std::string> testTables() {
   std::vector<std::string> names;
-  for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(schemaPath("tabelle.sql")))) {
-    const tsql::Batch parsed = tsql::parse(batch.text);
-    for (const tsql::StatementPtr& statement : parsed.statements) {
-      if (const auto* table = std::get_if<tsql::CreateTableStatement>(&statement->node)) {
-        names.push_back(table->name.parts.back());
+  for (const std::string& path : {schemaPath("tabelle.sql"), documentsPath()}) {
+    for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(path))) {
+      const tsql::Batch parsed = tsql::parse(batch.text);
+      for (const tsql::StatementPtr& statement : parsed.statements) {
+        if (const auto* table = std::get_if<tsql::CreateTableStatement>(&statement->node)) {
+          names.push_back(table->name.parts.back());
+        }
       }
     }
   }
@@ -102,7 +110,7 @@ inline std::vector<std::string> schemaTables() {
 }
 
 inline void emptyTestDatabase(Connection& connection) {
-  std::vector<std::string> tables = schemaTables();
+  const std::vector<std::string> tables = testTables();
   if (hasTable(connection, kMarkerTable)) {
     dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
     dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
@@ -153,10 +161,11 @@ inline std::shared_ptr<Connection> openSchema() {
   return connection;
 }
 
-/// Like `openSchema`, with the example data.
+/// Like `openSchema`, with the example data and the documents that refer to its customers.
 inline std::shared_ptr<Connection> openExample() {
   std::shared_ptr<Connection> connection = openSchema();
   runScript(*connection, schemaPath("esempio.sql"));
+  runScript(*connection, documentsPath());
   return connection;
 }
 
