@@ -149,13 +149,13 @@ std::string Binder::updateByKey(const Change& change,
     std::string key = change.targetSource;
     key.append(".").append(keys[i]);
     const std::string name = "k" + std::to_string(i + 1);
-    rows += "," + key + " AS " + name;
+    rows.append(",").append(key).append(" AS ").append(name);
     groups += (i == 0 ? "" : ",") + key;
-    match += (i == 0 ? "u." : " AND u.") + keys[i] + "=s." + name;
+    match.append(i == 0 ? "u." : " AND u.").append(keys[i]).append("=s.").append(name);
   }
   for (std::size_t i = 0; i < assigned.size(); ++i) {
     const std::string name = "v" + std::to_string(i + 1);
-    rows += "," + assigned[i].second + " AS " + name;
+    rows.append(",").append(assigned[i].second).append(" AS ").append(name);
     set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
   }
   const std::string from = joins ? change.from : table.sqlName + " AS " + change.targetSource;

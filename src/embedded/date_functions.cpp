@@ -69,7 +69,7 @@ std::optional<Date> addMonths(const Date& date, std::int64_t months) {
   }
   const auto year = static_cast<int>(all / 12);
   const auto month = static_cast<int>(all % 12) + 1;
-  auto day = static_cast<int>(date.day);
+  int day = date.day;
   while (!Date::of(year, month, day)) {
     --day;  // the last day of a shorter month
   }

@@ -289,8 +289,8 @@ namespace {
 
 /// The styles that show the day alone, by number; with `century`, the year has four digits.
 std::optional<std::string> dayStyle(const Date& date, int style, bool century) {
-  const auto m = static_cast<int>(date.month);
-  const auto d = static_cast<int>(date.day);
+  const int m = date.month;
+  const int d = date.day;
   const std::string year =
       century ? format("%04d", date.year, 0, 0) : format("%02d", date.year % 100, 0, 0);
   switch (style) {

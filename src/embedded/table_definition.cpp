@@ -34,7 +34,8 @@ std::vector<std::string> nullIndex(const Table& table, const std::vector<std::si
   for (const std::size_t index : columns) {
     const Column& column = table.columns[index];
     const std::string quoted = quoteName(column.name);
-    parts += (parts.empty() ? "" : ",") + quoted + " IS NULL,ifnull(" + quoted + ",0)";
+    parts += parts.empty() ? "" : ",";
+    parts.append(quoted).append(" IS NULL,ifnull(").append(quoted).append(",0)");
     if (column.type.isText()) {
       parts += std::string(kCollateClause);
     }
