@@ -13,32 +13,39 @@
 
 namespace azcoll::detail {
 
-using SharedSink = std::shared_ptr<const TraceSink>;
+using SharedHooks = std::shared_ptr<const TraceHooks>;
 
 /// An operation being traced: takes the time from its construction on.
 class TracedOperation {
  public:
-  TracedOperation(const TraceSink& sink, TraceEntry entry)
-      : sink_{sink}, entry_{std::move(entry)} {}
+  TracedOperation(const TraceHooks& hooks, TraceEntry entry)
+      : hooks_{hooks}, entry_{std::move(entry)} {}
 
-  [[nodiscard]] TraceEntry& entry() { return entry_; }
-
-  /// Tells the sink that the operation ended well.
-  void succeeded() {
-    stopClock();
-    if (sink_) {
-      sink_(entry_);
+  /// Asks whether the operation may start.
+  void starting() {
+    if (hooks_.before) {
+      hooks_.before(entry_);
     }
   }
 
-  /// Tells the sink that the operation failed. What the sink itself may throw is dropped, so that
-  /// the operation's own failure goes on.
+  [[nodiscard]] TraceEntry& entry() { return entry_; }
+
+  /// Tells the listener that the operation ended well.
+  void succeeded() {
+    stopClock();
+    if (hooks_.after) {
+      hooks_.after(entry_);
+    }
+  }
+
+  /// Tells the listener that the operation failed. What the listener itself may throw is dropped,
+  /// so that the operation's own failure goes on.
   void failed(ErrorInfo error) noexcept {
     stopClock();
     entry_.error = std::move(error);
     try {
-      if (sink_) {
-        sink_(entry_);
+      if (hooks_.after) {
+        hooks_.after(entry_);
       }
     } catch (...) {  // NOLINT(bugprone-empty-catch): the operation's own failure matters more
     }
@@ -51,7 +58,7 @@ class TracedOperation {
             .count();
   }
 
-  const TraceSink& sink_;
+  const TraceHooks& hooks_;
   TraceEntry entry_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
@@ -59,9 +66,10 @@ class TracedOperation {
 /// Runs `work`, which may complete the entry it is given, and reports the operation whatever its
 /// end. A failure passes on unchanged.
 template <typename Work>
-void traced(const SharedSink& sink, TraceEntry entry, const Work& work) {
-  TracedOperation operation{*sink, std::move(entry)};
+void traced(const SharedHooks& hooks, TraceEntry entry, const Work& work) {
+  TracedOperation operation{*hooks, std::move(entry)};
   try {
+    operation.starting();
     work(operation.entry());
   } catch (const Error& error) {
     operation.failed(error.info());
@@ -82,8 +90,8 @@ void traced(const SharedSink& sink, TraceEntry entry, const Work& work) {
 
 /// The same recordset or command, traced; null stays null.
 [[nodiscard]] std::shared_ptr<Recordset> tracedRecordset(std::shared_ptr<Recordset> inner,
-                                                         SharedSink sink);
+                                                         SharedHooks hooks);
 [[nodiscard]] std::shared_ptr<Command> tracedCommand(std::shared_ptr<Command> inner,
-                                                     SharedSink sink);
+                                                     SharedHooks hooks);
 
 }  // namespace azcoll::detail

@@ -8,8 +8,8 @@ namespace {
 /// Passes everything on to another command and reports its executions.
 class TracedCommand final : public Command {
  public:
-  TracedCommand(std::shared_ptr<Command> inner, SharedSink sink)
-      : inner_{std::move(inner)}, sink_{std::move(sink)} {}
+  TracedCommand(std::shared_ptr<Command> inner, SharedHooks hooks)
+      : inner_{std::move(inner)}, hooks_{std::move(hooks)} {}
 
   void setActiveConnection(std::shared_ptr<Connection> connection) override {
     inner_->setActiveConnection(innermost(connection));
@@ -32,12 +32,12 @@ class TracedCommand final : public Command {
     TraceEntry entry{
         .operation = "CommandExecute", .sql = text_, .options = {static_cast<int>(options)}};
     std::shared_ptr<Recordset> result;
-    traced(sink_, std::move(entry), [&](TraceEntry& running) {
+    traced(hooks_, std::move(entry), [&](TraceEntry& running) {
       listParameters(running);
       result = inner_->execute(recordsAffected, options);
       running.rows = rowsOf(result.get(), recordsAffected);
     });
-    return tracedRecordset(std::move(result), sink_);
+    return tracedRecordset(std::move(result), hooks_);
   }
 
  private:
@@ -57,18 +57,18 @@ class TracedCommand final : public Command {
   }
 
   std::shared_ptr<Command> inner_;
-  SharedSink sink_;
+  SharedHooks hooks_;
   std::string text_;
   bool parametersKnown_ = false;
 };
 
 }  // namespace
 
-std::shared_ptr<Command> tracedCommand(std::shared_ptr<Command> inner, SharedSink sink) {
+std::shared_ptr<Command> tracedCommand(std::shared_ptr<Command> inner, SharedHooks hooks) {
   if (!inner) {
     return nullptr;
   }
-  return std::make_shared<TracedCommand>(std::move(inner), std::move(sink));
+  return std::make_shared<TracedCommand>(std::move(inner), std::move(hooks));
 }
 
 }  // namespace azcoll::detail

@@ -25,7 +25,10 @@ std::shared_ptr<Connection> innermost(const std::shared_ptr<Connection>& connect
 }  // namespace detail
 
 ConnessioneTracciata::ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceSink sink)
-    : inner_{std::move(inner)}, sink_{std::make_shared<const TraceSink>(std::move(sink))} {
+    : ConnessioneTracciata{std::move(inner), TraceHooks{.after = std::move(sink)}} {}
+
+ConnessioneTracciata::ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceHooks hooks)
+    : inner_{std::move(inner)}, hooks_{std::make_shared<const TraceHooks>(std::move(hooks))} {
   if (!inner_) {
     throw Error(std::string{messages::kNoConnection});
   }
@@ -45,12 +48,12 @@ void ConnessioneTracciata::setCursorLocation(CursorLocation location) {
 
 void ConnessioneTracciata::open(std::string_view user, std::string_view password,
                                 CommandOption options) {
-  traced(sink_, {.operation = "Open", .options = {static_cast<int>(options)}},
+  traced(hooks_, {.operation = "Open", .options = {static_cast<int>(options)}},
          [&](TraceEntry&) { inner_->open(user, password, options); });
 }
 
 void ConnessioneTracciata::close() {
-  traced(sink_, {.operation = "Close"}, [&](TraceEntry&) { inner_->close(); });
+  traced(hooks_, {.operation = "Close"}, [&](TraceEntry&) { inner_->close(); });
 }
 
 bool ConnessioneTracciata::isOpen() const { return inner_->isOpen(); }
@@ -59,7 +62,7 @@ std::shared_ptr<Recordset> ConnessioneTracciata::execute(std::string_view comman
                                                          std::int64_t& recordsAffected,
                                                          CommandOption options) {
   std::shared_ptr<Recordset> result;
-  traced(sink_,
+  traced(hooks_,
          {.operation = "Execute",
           .sql = std::string{commandText},
           .options = {static_cast<int>(options)}},
@@ -67,29 +70,29 @@ std::shared_ptr<Recordset> ConnessioneTracciata::execute(std::string_view comman
            result = inner_->execute(commandText, recordsAffected, options);
            entry.rows = detail::rowsOf(result.get(), recordsAffected);
          });
-  return detail::tracedRecordset(std::move(result), sink_);
+  return detail::tracedRecordset(std::move(result), hooks_);
 }
 
 void ConnessioneTracciata::beginTrans() {
-  traced(sink_, {.operation = "BeginTrans"}, [&](TraceEntry&) { inner_->beginTrans(); });
+  traced(hooks_, {.operation = "BeginTrans"}, [&](TraceEntry&) { inner_->beginTrans(); });
 }
 
 void ConnessioneTracciata::commitTrans() {
-  traced(sink_, {.operation = "CommitTrans"}, [&](TraceEntry&) { inner_->commitTrans(); });
+  traced(hooks_, {.operation = "CommitTrans"}, [&](TraceEntry&) { inner_->commitTrans(); });
 }
 
 void ConnessioneTracciata::rollbackTrans() {
-  traced(sink_, {.operation = "RollbackTrans"}, [&](TraceEntry&) { inner_->rollbackTrans(); });
+  traced(hooks_, {.operation = "RollbackTrans"}, [&](TraceEntry&) { inner_->rollbackTrans(); });
 }
 
 Errors& ConnessioneTracciata::errors() { return inner_->errors(); }
 
 std::shared_ptr<Recordset> ConnessioneTracciata::newRecordset() {
-  return detail::tracedRecordset(inner_->newRecordset(), sink_);
+  return detail::tracedRecordset(inner_->newRecordset(), hooks_);
 }
 
 std::shared_ptr<Command> ConnessioneTracciata::newCommand() {
-  return detail::tracedCommand(inner_->newCommand(), sink_);
+  return detail::tracedCommand(inner_->newCommand(), hooks_);
 }
 
 }  // namespace azcoll

@@ -15,8 +15,8 @@ int optionOf(std::int64_t value) {
 /// Passes everything on to another recordset and reports what may touch the database.
 class TracedRecordset final : public Recordset {
  public:
-  TracedRecordset(std::shared_ptr<Recordset> inner, SharedSink sink)
-      : inner_{std::move(inner)}, sink_{std::move(sink)} {}
+  TracedRecordset(std::shared_ptr<Recordset> inner, SharedHooks hooks)
+      : inner_{std::move(inner)}, hooks_{std::move(hooks)} {}
 
   void setActiveConnection(std::shared_ptr<Connection> connection) override {
     inner_->setActiveConnection(innermost(connection));
@@ -30,14 +30,14 @@ class TracedRecordset final : public Recordset {
   void setLockType(LockType type) override { inner_->setLockType(type); }
 
   void open(CursorType type, LockType lock, CommandOption options) override {
-    traced(sink_, openEntry(source_, type, lock, options), [&](TraceEntry& entry) {
+    traced(hooks_, openEntry(source_, type, lock, options), [&](TraceEntry& entry) {
       inner_->open(type, lock, options);
       entry.rows = rowsOf(inner_.get(), -1);
     });
   }
   void open(std::string source, std::shared_ptr<Connection> connection, CursorType type,
             LockType lock, CommandOption options) override {
-    traced(sink_, openEntry(source, type, lock, options), [&](TraceEntry& entry) {
+    traced(hooks_, openEntry(source, type, lock, options), [&](TraceEntry& entry) {
       inner_->open(source, innermost(connection), type, lock, options);
       source_ = std::move(source);
       entry.rows = rowsOf(inner_.get(), -1);
@@ -56,12 +56,12 @@ class TracedRecordset final : public Recordset {
   [[nodiscard]] Fields& fields() override { return inner_->fields(); }
 
   void setFilter(std::string_view criteria) override {
-    traced(sink_, {.operation = "Filter", .sql = std::string{criteria}},
+    traced(hooks_, {.operation = "Filter", .sql = std::string{criteria}},
            [&](TraceEntry&) { inner_->setFilter(criteria); });
   }
   void find(std::string_view criteria, std::int64_t skip, SearchDirection direction,
             Bookmark start) override {
-    traced(sink_,
+    traced(hooks_,
            {.operation = "Find",
             .sql = std::string{criteria},
             .options = {optionOf(skip), static_cast<int>(direction), static_cast<int>(start)}},
@@ -78,17 +78,17 @@ class TracedRecordset final : public Recordset {
     tracedPlain("CancelUpdate", [&] { inner_->cancelUpdate(); });
   }
   void updateBatch(Affect affect) override {
-    traced(sink_, {.operation = "UpdateBatch", .options = {static_cast<int>(affect)}},
+    traced(hooks_, {.operation = "UpdateBatch", .options = {static_cast<int>(affect)}},
            [&](TraceEntry&) { inner_->updateBatch(affect); });
   }
 
   [[nodiscard]] std::shared_ptr<Recordset> nextRecordset() override {
     std::shared_ptr<Recordset> next;
-    traced(sink_, {.operation = "NextRecordset"}, [&](TraceEntry& entry) {
+    traced(hooks_, {.operation = "NextRecordset"}, [&](TraceEntry& entry) {
       next = inner_->nextRecordset();
       entry.rows = rowsOf(next.get(), -1);
     });
-    return tracedRecordset(std::move(next), sink_);
+    return tracedRecordset(std::move(next), hooks_);
   }
 
  private:
@@ -101,21 +101,21 @@ class TracedRecordset final : public Recordset {
 
   template <typename Work>
   void tracedPlain(const char* operation, const Work& work) {
-    traced(sink_, {.operation = operation}, [&](TraceEntry&) { work(); });
+    traced(hooks_, {.operation = operation}, [&](TraceEntry&) { work(); });
   }
 
   std::shared_ptr<Recordset> inner_;
-  SharedSink sink_;
+  SharedHooks hooks_;
   std::string source_;
 };
 
 }  // namespace
 
-std::shared_ptr<Recordset> tracedRecordset(std::shared_ptr<Recordset> inner, SharedSink sink) {
+std::shared_ptr<Recordset> tracedRecordset(std::shared_ptr<Recordset> inner, SharedHooks hooks) {
   if (!inner) {
     return nullptr;
   }
-  return std::make_shared<TracedRecordset>(std::move(inner), std::move(sink));
+  return std::make_shared<TracedRecordset>(std::move(inner), std::move(hooks));
 }
 
 }  // namespace azcoll::detail

@@ -24,8 +24,15 @@ struct TraceEntry {
   std::optional<ErrorInfo> error{};  ///< set when the operation failed
 };
 
-/// Receives every operation after it ended, in order.
+/// Receives every operation, in order: after it ended, or before it starts.
 using TraceSink = std::function<void(const TraceEntry&)>;
+
+/// Who is told of the operations; either may be empty.
+struct TraceHooks {
+  TraceSink after{};
+  /// What this one throws is the failure of the operation, which then does not run.
+  TraceSink before{};
+};
 
 /// A connection that passes everything on to another one and reports every operation.
 ///
@@ -45,6 +52,7 @@ class ConnessioneTracciata final : public Connection {
  public:
   /// `inner` must be set (throws `Error` otherwise); an empty `sink` reports to nobody.
   ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceSink sink);
+  ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceHooks hooks);
 
   void setConnectionString(std::string text) override;
   [[nodiscard]] std::string connectionString() const override;
@@ -67,7 +75,7 @@ class ConnessioneTracciata final : public Connection {
 
  private:
   std::shared_ptr<Connection> inner_;
-  std::shared_ptr<const TraceSink> sink_;
+  std::shared_ptr<const TraceHooks> hooks_;
 };
 
 }  // namespace azcoll

@@ -93,7 +93,9 @@ inline bool hasTable(Connection& connection, std::string_view name) {
   }
 }
 
-// In the order in which they are made.
+}  // namespace detail
+
+/// The tables of an example database for tests, in the order in which they are made.
 inline std::vector<std::string> testTables() {
   std::vector<std::string> names;
   for (const std::string& path : {schemaPath("tabelle.sql"), documentsPath()}) {
@@ -108,6 +110,8 @@ inline std::vector<std::string> testTables() {
   }
   return names;
 }
+
+namespace detail {
 
 inline void emptyTestDatabase(Connection& connection) {
   const std::vector<std::string> tables = testTables();
@@ -151,21 +155,32 @@ inline std::shared_ptr<Connection> openConnection() {
 
 }  // namespace detail
 
+/// Fills an empty database: tables, procedure and function.
+inline void fillSchema(Connection& connection) {
+  runScript(connection, schemaPath("tabelle.sql"));
+  runScript(connection, schemaPath("procedure.sql"));
+}
+
+/// Like `fillSchema`, with the example data and the documents that refer to its customers.
+inline void fillExample(Connection& connection) {
+  fillSchema(connection);
+  runScript(connection, schemaPath("esempio.sql"));
+  runScript(connection, documentsPath());
+}
+
 /// An open connection to a fresh database with the tables, the procedure and the function, but
 /// without rows. On a server the database is emptied first; one that was not made by these tests is
 /// refused with `std::runtime_error`.
 inline std::shared_ptr<Connection> openSchema() {
   std::shared_ptr<Connection> connection = detail::openConnection();
-  runScript(*connection, schemaPath("tabelle.sql"));
-  runScript(*connection, schemaPath("procedure.sql"));
+  fillSchema(*connection);
   return connection;
 }
 
-/// Like `openSchema`, with the example data and the documents that refer to its customers.
+/// The same with the example data and the documents.
 inline std::shared_ptr<Connection> openExample() {
-  std::shared_ptr<Connection> connection = openSchema();
-  runScript(*connection, schemaPath("esempio.sql"));
-  runScript(*connection, documentsPath());
+  std::shared_ptr<Connection> connection = detail::openConnection();
+  fillExample(*connection);
   return connection;
 }
 
