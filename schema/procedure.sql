@@ -35,7 +35,8 @@ BEGIN
     DECLARE @Gruppo TABLE (
         DITTA INT NOT NULL,
         PRINCIPALE SMALLINT NOT NULL,
-        CG86_INDTIPOCONT SMALLINT NULL
+        CG86_INDTIPOCONT SMALLINT NULL,
+        PRIMARY KEY (PRINCIPALE, DITTA)
     )
     SET @Anno = YEAR(@DataInizioElaborazione)
     SET @DitteCollegate = ''
@@ -102,18 +103,19 @@ BEGIN
                           FROM CG31_ANADITTASEDI
                           WHERE CG31_DITTA_CG18 = DITTA AND CG31_CODICE = @CodSede)
 
-    -- The list in the order of the rows: the main company, when still there, then the others.
+    -- The list in the order of the rows: the main company, when still there, then the others. The
+    -- separator that the last element leaves behind is cut off at the end.
     SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 1
     IF @Ditta IS NOT NULL
-        SET @DitteCollegate = CAST(@Ditta AS VARCHAR(11))
+        SET @DitteCollegate = CAST(@Ditta AS VARCHAR(11)) + ', '
     SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 0
     WHILE @Ditta IS NOT NULL
     BEGIN
-        IF @DitteCollegate <> ''
-            SET @DitteCollegate = @DitteCollegate + ', '
-        SET @DitteCollegate = @DitteCollegate + CAST(@Ditta AS VARCHAR(11))
+        SET @DitteCollegate = @DitteCollegate + CAST(@Ditta AS VARCHAR(11)) + ', '
         SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 0 AND DITTA > @Ditta
     END
+    IF @DitteCollegate <> ''
+        SET @DitteCollegate = SUBSTRING(@DitteCollegate, 1, LEN(@DitteCollegate) - 1)
 
     SELECT DITTA, PRINCIPALE, CG86_INDTIPOCONT
     FROM @Gruppo

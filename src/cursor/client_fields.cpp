@@ -39,10 +39,13 @@ Field& ClientFields::item(std::string_view name) {
 
 Field& ClientFields::item(std::size_t index) {
   existing(recordset_, index);
-  while (fields_.size() <= index) {
-    fields_.emplace_back(recordset_, fields_.size());
+  if (fields_.size() <= index) {
+    fields_.resize(recordset_.columns().size());
   }
-  return fields_[index];
+  if (!fields_[index]) {
+    fields_[index] = std::make_unique<ClientField>(recordset_, index);
+  }
+  return *fields_[index];
 }
 
 }  // namespace azcoll::cursor

@@ -45,7 +45,7 @@ class ClientFields final : public Fields {
 
  private:
   ClientRecordset& recordset_;
-  std::deque<ClientField> fields_;  // only ever grows, so that fields handed out stay valid
+  std::vector<std::unique_ptr<ClientField>> fields_;  // made when asked for; stay where they are
 };
 
 /// The Recordset of the native providers: all rows in memory, changes sent in batches.

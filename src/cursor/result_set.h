@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/variant.h"
@@ -22,10 +25,41 @@ struct ColumnInfo {
   bool isIdentity = false;   ///< numbered by the database: left out of inserts
 };
 
+/// The columns of a result. Copies share them: a provider hands the columns of a plan to every
+/// result of it without copying a name.
+class ColumnList {
+ public:
+  ColumnList() = default;
+  ColumnList(std::initializer_list<ColumnInfo> columns)
+      : shared_{std::make_shared<const std::vector<ColumnInfo>>(columns)} {}
+  // NOLINTNEXTLINE(google-explicit-constructor): the same thing, handed over
+  ColumnList(std::vector<ColumnInfo> columns)
+      : shared_{std::make_shared<const std::vector<ColumnInfo>>(std::move(columns))} {}
+
+  [[nodiscard]] const std::vector<ColumnInfo>& all() const {
+    static const std::vector<ColumnInfo> none;
+    return shared_ ? *shared_ : none;
+  }
+  [[nodiscard]] std::size_t size() const { return shared_ ? shared_->size() : 0; }
+  [[nodiscard]] bool empty() const { return size() == 0; }
+  [[nodiscard]] const ColumnInfo& operator[](std::size_t index) const { return all()[index]; }
+  [[nodiscard]] auto begin() const { return all().begin(); }
+  [[nodiscard]] auto end() const { return all().end(); }
+  /// Adds a column to this list alone. Costs a copy of the list: to be used for short ones.
+  void push_back(ColumnInfo column) {
+    std::vector<ColumnInfo> columns = all();
+    columns.push_back(std::move(column));
+    *this = std::move(columns);
+  }
+
+ private:
+  std::shared_ptr<const std::vector<ColumnInfo>> shared_;
+};
+
 /// One result of an execution, all rows in memory. `rows` is row after row, `columns.size()` values
 /// each.
 struct ResultSet {
-  std::vector<ColumnInfo> columns;
+  ColumnList columns;
   std::vector<Variant> values;
 
   [[nodiscard]] std::size_t rowCount() const {

@@ -33,7 +33,7 @@ class RowStore {
   RowStore() = default;
   explicit RowStore(ResultSet set);
 
-  [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_; }
+  [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_.all(); }
   /// Rows without the one being added.
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }
   /// Values of a row; the row being added has the number `rowCount()`.
@@ -63,7 +63,7 @@ class RowStore {
   void settleAdded();
   void settleChanged();
 
-  std::vector<ColumnInfo> columns_;
+  ColumnList columns_;
   std::vector<Variant> values_;
   std::size_t rowCount_ = 0;
   std::map<std::size_t, Pending> pending_;

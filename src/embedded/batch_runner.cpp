@@ -189,10 +189,15 @@ void BatchRunner::select(SelectNode& node) {
   sqlite3_stmt* const statement = node.piece.statement.get();
   result_.results.emplace_back();
   ResultSet& set = result_.results.back();
-  set.columns.reserve(node.columns.size());
-  for (const ResultColumn& column : node.columns) {
-    set.columns.push_back(column.info);
+  if (node.shown.size() != node.columns.size()) {
+    std::vector<ColumnInfo> infos;
+    infos.reserve(node.columns.size());
+    for (const ResultColumn& column : node.columns) {
+      infos.push_back(column.info);
+    }
+    node.shown = std::move(infos);
   }
+  set.columns = node.shown;
   std::int64_t rows = 0;
   while (node.piece.statement.step()) {
     int index = 0;

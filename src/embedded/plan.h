@@ -72,6 +72,7 @@ using NodePtr = std::unique_ptr<Node>;
 struct SelectNode {
   Piece piece;
   std::vector<ResultColumn> columns;
+  ColumnList shown{};  ///< the same for the results; filled at the first run
 };
 /// Gives values to variables, row by row: SELECT @v = …, SET, DECLARE with a first value.
 struct AssignNode {
