@@ -108,6 +108,18 @@ void fill(Connection& connection, int activities) {
                          " CG40_INTERMEDIO, CG40_DESCR) VALUES (20, 0, ",
                          kRows + code, ", N'x')"));
   }
+  // Company 10 gets the activities of a larger business in the year that is asked for.
+  constexpr int kOwn = 8;
+  for (int i = 0; i < kOwn; ++i) {
+    run(connection, join("INSERT INTO CG96_ANAGATTIVITA (CG96_DITTA_CG18, CG96_CODATTIVITA,"
+                         " CG96_DESCRATTIVITA) VALUES (10, ",
+                         900 + i, ", N'Attività')"));
+    run(connection,
+        join("INSERT INTO CG86_AZIENDECOLL (CG86_INDTIPO, CG86_ANNOIVA, CG86_INDTIPOCONT,"
+             " CG86_DITTA_CG18, CG86_DITTACOLL_CG18, CG86_CODATTIVITA, CG86_CODICE_CG28) VALUES"
+             " (0, 2024, 2, 10, 10, ",
+             900 + i, ", N'22')"));
+  }
   constexpr int kYears = 20;
   for (int i = 0; i < activities; ++i) {
     run(connection,

@@ -114,9 +114,9 @@ TEST_F(Kill, AtEveryStepLeavesAllOrNothing) {
 
 /// Saves one customer after another in company 5, as a front end does, and spreads each over the
 /// group. Every third code is taken in company 15.
-int saveCustomersForEver(const std::string& path) {
+int saveCustomers(const std::string& path, int count) {
   const std::shared_ptr<Connection> connection = openFile(path);
-  for (int number = 0;; ++number) {
+  for (int number = 0; number < count; ++number) {
     const int code = 1000 + 10 * number;
     connection->beginTrans();
     runSql(*connection,
@@ -139,6 +139,7 @@ int saveCustomersForEver(const std::string& path) {
       return 1;
     }
   }
+  return 0;
 }
 
 /// Every saved customer is in company 5 alone, with its sales data, or under one code in the whole
@@ -187,12 +188,18 @@ TEST_F(Kill, AtAnyMomentLeavesEveryCustomerWholeOrUntouched) {
   const unsigned seed = std::random_device{}();
   RecordProperty("seed", static_cast<int>(seed % 1000000));
   std::mt19937 random(seed);
-  std::uniform_int_distribution<int> moment(1000, 40000);
+  // The processes live as long as it takes to save a few customers, on however slow a machine.
+  const std::string measured = copy();
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(saveCustomers(measured, 6), 0);
+  const auto lifetime = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
+  std::uniform_int_distribution<std::int64_t> moment(0, lifetime.count());
   int whole = 0;
   int killed = 0;
   for (int round = 0; round < kKillsAtRandom && !HasFailure(); ++round) {
     const std::string path = copy();
-    ChildProcess process{[&] { return saveCustomersForEver(path); }};
+    ChildProcess process{[&] { return saveCustomers(path, std::numeric_limits<int>::max()); }};
     std::this_thread::sleep_for(std::chrono::microseconds{moment(random)});
     process.kill();
     ASSERT_EQ(process.wait(), -SIGKILL) << "round " << round << ", seed " << seed;
