@@ -97,10 +97,12 @@ VALUES
     (20, '20240731', '20240730', NULL, NULL, '20240820', 2024, NULL, NULL, NULL, NULL),
     (40, '20241231', '20241230', NULL, NULL, '20250116', 2024, NULL, NULL, NULL, NULL)
 
--- Company 20 closes in June, company 40 has one long year around 2024, company 31 has none.
+-- Company 20 closes in June, company 40 has one long year around 2024, company 31 has none. Company 10
+-- has opened 2026 already: its activities of that year can be seeded from 2025.
 INSERT INTO CG19_ANADITTAESER (CG19_DITTA_CG18, CG19_ANNO, CG19_DATAAPE, CG19_DATACHIU) VALUES
     (5, 2024, '20240101', '20241231'), (5, 2025, '20250101', '20251231'),
     (10, 2024, '20240101', '20241231'), (10, 2025, '20250101', '20251231'),
+    (10, 2026, '20260101', '20261231'),
     (12, 2024, '20240101', '20241231'), (12, 2025, '20250101', '20251231'),
     (15, 2024, '20240101', '20241231'),
     (20, 2024, '20240701', '20250630'),

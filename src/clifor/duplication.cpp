@@ -24,8 +24,7 @@ void CLSCO_AZIENDECOLL::duplica() {
   }
 
   Variant codice = in.Pvar_CliFor;
-  connessione().beginTrans();
-  Mbol_TransazioneAperta = true;
+  iniziaTransazione();
   if (!CodiceCliForLibero(ditta, principale, elenco, codice, true)) {
     AggiornaCodiceCliFor(codice);
     in.Pvar_CliFor = codice;
@@ -57,6 +56,12 @@ void CLSCO_AZIENDECOLL::duplica() {
   connessione().commitTrans();
   Mbol_TransazioneAperta = false;
   Mbol_GestioneDuplicazioneCliFor = false;
+}
+
+/// Begins a transaction and notes that it is this object's to end.
+void CLSCO_AZIENDECOLL::iniziaTransazione() {
+  connessione().beginTrans();
+  Mbol_TransazioneAperta = true;
 }
 
 /// What the trap of a method with a transaction of its own does first. Callers rely on it: only a

@@ -40,14 +40,35 @@ void CLSCO_AZIENDECOLL::metodo(std::string_view suffix, const Work& work,
   }
 }
 
+/// The frame of a method that only composes text: no connection is opened, and `Stato` keeps what
+/// the call before left in it.
+void CLSCO_AZIENDECOLL::metodoTesto(std::string_view suffix, const Work& work) noexcept {
+  metodoSenzaPreambolo(suffix, [&] {
+    if (InizializzaMetodo(Connect::No)) {
+      work();
+    }
+  });
+}
+
+/// The frame of a method that checks its input itself.
+void CLSCO_AZIENDECOLL::metodoSenzaPreambolo(std::string_view suffix, const Work& work) noexcept {
+  try {
+    work();
+  } catch (...) {
+    intrappola(suffix, [] {});
+  }
+}
+
+/// Whether the methods called so far ended well.
+bool CLSCO_AZIENDECOLL::riuscito() const noexcept { return isNumber(Stato, 0); }
+
 /// The error trap: called inside a catch block, turns the failure into `Stato` 99 and its message.
 void CLSCO_AZIENDECOLL::intrappola(std::string_view suffix, const Work& onFailure) noexcept {
-  ignoreErrors([&] {
-    const std::string description = currentDescription();
-    ignoreErrors(onFailure);
-    Stato = kTrapped;
-    Errore = join(description, suffix);
-  });
+  std::string description;
+  ignoreErrors([&] { description = currentDescription(); });
+  ignoreErrors(onFailure);
+  Stato = kTrapped;  // not even a lack of memory may look like a success
+  ignoreErrors([&] { Errore = join(description, suffix); });
 }
 
 CLSCO_INPUTAZCOLL& CLSCO_AZIENDECOLL::input() const {

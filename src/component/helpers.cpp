@@ -173,14 +173,22 @@ void CLSCO_AZIENDECOLL::esegui(std::string_view sql) {
 /// Opens a recordset over `sql` that stays navigable for the caller: client-side, keyset,
 /// batch-optimistic.
 std::shared_ptr<Recordset> CLSCO_AZIENDECOLL::apriRecordset(std::string sql) {
-  std::shared_ptr<Recordset> rows = connessione().newRecordset();
+  std::shared_ptr<Recordset> rows;
+  apriRecordset(std::move(sql), rows);
+  return rows;
+}
+
+/// The same in a field of the output object. Callers rely on it: the field holds the new recordset
+/// before it is opened, so that after a failure it is not the one of an earlier call.
+void CLSCO_AZIENDECOLL::apriRecordset(std::string sql, std::shared_ptr<Recordset>& destinazione) {
+  const std::shared_ptr<Recordset> rows = connessione().newRecordset();
+  destinazione = rows;
   rows->setActiveConnection(input().Connessione);
   rows->setSource(std::move(sql));
   rows->setCursorLocation(CursorLocation::Client);
   rows->setCursorType(CursorType::Keyset);
   rows->setLockType(LockType::BatchOptimistic);
   rows->open(CursorType::Unspecified, LockType::Unspecified, CommandOption::Text);
-  return rows;
 }
 
 }  // namespace azcoll

@@ -14,6 +14,10 @@
 
 namespace azcoll {
 
+namespace linked {
+struct CompanyOfYear;
+}  // namespace linked
+
 /// The linked companies of a VAT year and what is kept common to them.
 ///
 /// A caller fills `CPInput`, calls one method, reads `Stato` and `Errore`, then `CPOutput`. No
@@ -47,6 +51,13 @@ class CLSCO_AZIENDECOLL {
   /// the document numbering. One transaction. Failures: " in DuplicaClifor".
   void DuplicaCliFor() noexcept;
 
+  /// Deletes the customer/supplier from every other company of the group, with all its rows, in one
+  /// transaction; the current company's own deletion is the caller's. Without a transaction of the
+  /// caller (`Pbol_InTransaction`) the deletion is first tried in the current company and undone.
+  /// `Stato` 1: the current company refuses, the message ends with " in EliminaCliFor"; 2: another
+  /// company refuses, the message names it; other failures: " in EliminaCliFor".
+  void EliminaCliFor() noexcept;
+
   /// Sets `Gbol_DittaPrincipale`: whether the company is the main company of its group.
   void ControllaDittaPrincipale() noexcept;
 
@@ -58,9 +69,143 @@ class CLSCO_AZIENDECOLL {
   /// parted by ", "; "" when there are none. Sets `IndTipoCont` from the first link.
   void DitteCollegate() noexcept;
 
+  /// Sets `Grst_DitteCollegate`: the companies linked to this main company, in no order; an open
+  /// recordset without rows when there are none. Like every method that sets the recordset, it sets
+  /// `IndTipoCont` from the first row. Failures: " in RecordsetDitteCollegate".
+  void RecordsetDitteCollegate() noexcept;
+
+  /// Sets `Grst_DitteCollegate`: the group without the current company, the main company first;
+  /// null when there is nobody else. Failures: " in RecordsetDitteCollegateOPrincipale".
+  void RecordsetDitteCollegateOPrincipale() noexcept;
+
+  /// Sets `DitteCollegate`: the other companies of the group, whether the company is the main one
+  /// or linked, then the company itself, parted by ", "; "" when it takes part in no link. Sets
+  /// `IndTipoCont` from the first row. Failures: " in DitteCollegatePiuPrincipale".
+  void DitteCollegatePiuPrincipale() noexcept;
+
+  /// `RecordsetDitteCollegateOPrincipale` for the companies that have the branch `CodiceSede`; does
+  /// nothing without one. Failures: " in RecordsetDitteCollegateOPrincipalePerSedi".
+  void RecordsetDitteCollegateOPrincipalePerSedi() noexcept;
+
+  /// `RecordsetDitteCollegateOPrincipale` for the companies that have the intermediary
+  /// `CodiceIntermedio` of the kind `Pint_TipoCF`; does nothing without one. Failures:
+  /// " in RecordsetDitteCollegateOPrincipalePerIntermedi".
+  void RecordsetDitteCollegateOPrincipalePerIntermedi() noexcept;
+
+  /// `RecordsetDitteCollegate` with the main company first, then the others by code. Failures:
+  /// " in RecordsetDitteCollegatePiuPrincipale".
+  void RecordsetDitteCollegatePiuPrincipale() noexcept;
+
+  /// Sets `Grst_DitteCollegate`: the whole group, from its main company or from a linked one, in no
+  /// order. Failures: " in RecordsetDitteCollegatePiuPrincipaleNoPrinc".
+  void RecordsetDitteCollegatePiuPrincipaleNoPrinc() noexcept;
+
+  /// `RecordsetDitteCollegatePiuPrincipale` with the companies' data for the VAT return, without
+  /// the companies that have none. Failures: " in RecordsetDitteCollegatePiuPrincipale".
+  void RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva() noexcept;
+
+  /// `RecordsetDitteCollegatePiuPrincipale` with the main company last. Failures:
+  /// " in RecordsetDitteCollegatePiuPrincipale".
+  void RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio() noexcept;
+
+  /// Carries the intermediary that the customer/supplier has in the current company to the other
+  /// companies of the group, in one transaction. `Stato` 99 when one of them lacks the
+  /// customer/supplier or the intermediary, or refuses the change: the message names it, and no
+  /// company keeps a change. Failures: " in ModificaCliFor".
+  void ModificaCliFor() noexcept;
+
   /// Code of the main company of the group, as text; "" when there is none or it cannot be found
   /// out. Sets `IndTipoCont` when there is one. A database failure is swallowed.
   std::string GetDittaPrincipale() noexcept;
+
+  /// Whether nothing is missing: a company that runs several activities over several companies is
+  /// linked in the reference year. Asks, while it is not, whether to configure the links, and shows
+  /// the screen on a yes; false on a no, and at once when `AnnoSolareDaDuplicare` names a year
+  /// without a link of the company. Failures: " in ControllaDittaNonCollegata".
+  bool ControllaDittaNonCollegata() noexcept;
+
+  /// The same for a company that runs several activities within itself: whether the activity
+  /// `CodiceAttività`, or any one, is there in the reference year. Failures:
+  /// " in ControllaAttivitaNonCollegata".
+  bool ControllaAttivitaNonCollegata() noexcept;
+
+  /// Whether a financial year of the company opens or closes in the reference year, or spans it.
+  /// Failures: " in VerificaAnnoIvaEsercizioContabile".
+  bool VerificaAnnoIvaEsercizioContabile() noexcept;
+
+  /// Sets `Grst_AttivitaCollegate`: the activities of the reference year (and of
+  /// `AnnoSolareDaDuplicare`), after seeding a year without rows from the one before. Sets
+  /// `IndTipoCont`, `CodiceAttività`, `DescrAttività` and `IdAttività` from the first row. With
+  /// `Pbol_ValorizzaRecordsetSezionali` the sectional registers are the next result. Failures:
+  /// " in RecordsetAttivitaCollegate"; a failure of the seeding keeps its own name.
+  void RecordsetAttivitaCollegate() noexcept;
+
+  /// Sets `GstrSQL_AttivitaCollegate`: the statement that reads the activities. Opens no
+  /// connection. Failures: " in StringaSQLAttivitaCollegate".
+  void StringaSQLAttivitaCollegate() noexcept;
+
+  /// Copies the company's activities of `AnnoSolareDaDuplicare` onto the reference year, replacing
+  /// what that year held; refused when the year holds the other kind of configuration than
+  /// `IndProvenienzaMultiAziende` says. One transaction. Failures: " in DuplicaAttività".
+  void DuplicaAttività() noexcept;
+
+  /// Makes sure that the company has an activity in the reference year: the default one from the
+  /// company's data, or a copy of its latest one. Sets `CodiceAttività` when it found or copied
+  /// one. With `PopolaRecordsetInserimentoAttivitàMultiAzienda` the row is not inserted but handed
+  /// out in `Grst_AttivitaCollegate`. Failures: " in InserisciAttività".
+  void InserisciAttività() noexcept;
+
+  /// Copies the company's VAT data onto its activities and their registry entries (regime 2
+  /// excepted); a company without activities gets them. Failures: " in AggiornaAttività".
+  void AggiornaAttività() noexcept;
+
+  /// Copies the VAT settings of the selected activities onto the company's data. In regime 2 only
+  /// the main activity of the latest year writes. Failures: " in
+  /// AggiornaDatiGestionaliPerAttività".
+  void AggiornaDatiGestionaliPerAttività() noexcept;
+
+  /// Sets `GstrSQL_AttivitaCollegate`: the DELETE of the selected activity rows. Opens no
+  /// connection. Failures: " in EliminaAttività".
+  void StringaSQLEliminazioneAttività() noexcept;
+
+  /// Deletes the company's own activity rows of a year in which the company is linked under another
+  /// one as well. Failures: " in EliminaAttivitàSingolaCollegamentoMultiAzienda".
+  void EliminaAttivitàSingolaCollegamentoMultiAzienda() noexcept;
+
+  /// Sets `CodiceAttività`, `DescrAttività` and `IdAttività`: the activity of the register
+  /// `Sezionale` of the company in `AnnoSolare`; Null when it has none. `Stato` 1 when one of these
+  /// inputs or the connection is missing. Failures: " in GetCodiceAttivitàDaSezionale".
+  void GetCodiceAttivitàDaSezionale() noexcept;
+
+  /// Copies the registry entry of `CodiceAttività` and its register dates onto the company, when it
+  /// is the company's main activity of the latest year that has one. Failures: " in
+  /// AggiornaDatiGestionaliPerAnagraficaAttività".
+  void AggiornaDatiGestionaliPerAnagraficaAttività() noexcept;
+
+  /// Seeds the activities of the whole group in the reference year from the latest year before it,
+  /// when the input field of the same name asks for it or the company is in regime 0, and a
+  /// financial year touches the reference year. Failures: " in InserisciAttività"; a row that fails
+  /// does not keep the others from their turn, and its values stay in the input fields
+  /// `Pvar_Ditta`, `AnnoSolareDaDuplicare` and `CodiceAttività`.
+  void InserisciAttivitàDaPeriodoPrecedente() noexcept;
+
+  /// Sets `CodiceAttività`, `DescrAttività` and `IdAttività`: the company's activity that the input
+  /// selects; Null when there is none. Failures: " in GetCodiceAttività".
+  void GetCodiceAttività() noexcept;
+
+  /// Whether the activity `CodiceAttività` exists; when it does not, the company's regime decides
+  /// whether it is seeded or its configuration asked for. True without an activity code. Failures:
+  /// " in VerificaEsistenzaAttivita".
+  bool VerificaEsistenzaAttivita() noexcept;
+
+  /// Copies the company's register dates onto its registry entries (regime 2 excepted); a company
+  /// without entry gets one. Failures: " in AggiornaDateRegistriAnagraficaAttività".
+  void AggiornaDateRegistriAnagraficaAttività() noexcept;
+
+  /// Sets `GstrSQL_AttivitaCollegate`: the WHERE clause of
+  /// `EliminaAttivitàSingolaCollegamentoMultiAzienda`, for a statement of the caller. Opens no
+  /// connection. Failures: " in EliminaAttività".
+  void StringaSQLAttivitàSingolaCollegamentoMultiAzienda() noexcept;
 
  private:
   friend class ServiceProbe;  // the tests of the private helpers
@@ -70,8 +215,11 @@ class CLSCO_AZIENDECOLL {
   using Work = std::function<void()>;
   void metodo(std::string_view suffix, const Work& work) noexcept;
   void metodo(std::string_view suffix, const Work& work, const Work& onFailure) noexcept;
+  void metodoTesto(std::string_view suffix, const Work& work) noexcept;
+  void metodoSenzaPreambolo(std::string_view suffix, const Work& work) noexcept;
   void conMessaggio(std::string_view suffix, const Work& work);
   void intrappola(std::string_view suffix, const Work& onFailure) noexcept;
+  [[nodiscard]] bool riuscito() const noexcept;
   [[nodiscard]] CLSCO_INPUTAZCOLL& input() const;
   [[nodiscard]] CLSCO_OUTPUTAZCOLL& output() const;
   [[nodiscard]] Connection& connessione() const;
@@ -90,6 +238,7 @@ class CLSCO_AZIENDECOLL {
   std::shared_ptr<Recordset> leggi(std::string_view sql);
   void esegui(std::string_view sql);
   std::shared_ptr<Recordset> apriRecordset(std::string sql);
+  void apriRecordset(std::string sql, std::shared_ptr<Recordset>& destinazione);
 
   // The group of linked companies (linked/).
   struct FiltriGruppo {
@@ -101,6 +250,22 @@ class CLSCO_AZIENDECOLL {
   };
   std::shared_ptr<Command> comandoDitteCollegate(const FiltriGruppo& filtri);
   std::string LeggiDitteCollegate(std::shared_ptr<Recordset>& ditte) noexcept;
+  std::shared_ptr<Recordset> leggiGruppo(const FiltriGruppo& filtri);
+  bool consegnaGruppo(const FiltriGruppo& filtri);
+  void consegnaGruppoFiltrato(const FiltriGruppo& filtri);
+  using IstruzioneDitte = std::string (*)(const linked::CompanyOfYear&);
+  std::string istruzioneDitte(IstruzioneDitte componi);
+  Recordset& apriDitteCollegate(IstruzioneDitte componi);
+  bool riportaTipoCont(Recordset& ditte);
+  void elencaDitte(Recordset& ditte);
+
+  // What is missing in the configuration of a year (linked/).
+  bool collegataNellAnno(const Variant& anno);
+  bool richiediConfigurazione(const std::string& conteggio, const std::string& domanda,
+                              const Work& configura);
+  Variant annoDaCopiare() noexcept;
+  void configuraCollegamenti();
+  void configuraAttività();
 
   // Customers and suppliers (clifor/).
   void duplica();
@@ -116,6 +281,7 @@ class CLSCO_AZIENDECOLL {
   std::string testoSql(const Variant& valore);
   std::string testoRaddoppiatoSql(const Variant& valore);
   std::string dataSql(const Variant& valore);
+  void iniziaTransazione();
   void annullaDopoErrore();
   void ControllaIntermedio(const Variant& ditta, const Variant& tipoCF, const Variant& intermedio);
   void ControllaSedi(const Variant& ditta, const Variant& sede);
@@ -126,6 +292,42 @@ class CLSCO_AZIENDECOLL {
   void NumeraCliFor(const std::string& ditta, const std::string& dittaPrincipale,
                     const Variant& elenco, const Variant& codice);
   Variant AgenteCollegato(const Variant& idAgente, const Variant& dittaDestinazione);
+  void modifica();
+  std::string portaIntermedio(const Variant& ditta, const Variant& intermedio);
+  Variant IntermedioCliFor() noexcept;
+  bool contaAlmenoUno(const std::string& conteggio) noexcept;
+  bool EsisteCliFor(const Variant& ditta) noexcept;
+  bool EsisteIntermedio(const Variant& ditta, const Variant& intermedio) noexcept;
+  bool AggiornaIntermedioCliFor(const Variant& ditta, const Variant& intermedio) noexcept;
+  void elimina(std::shared_ptr<Recordset>& ditte);
+  void EliminaRigheCliFor(const Variant& ditta);
+  void intrappolaEliminazione(const std::shared_ptr<Recordset>& ditte) noexcept;
+
+  // Activities (activities/).
+  Variant annoAttività();
+  std::string ComponiWhereAttività(std::string_view prefisso, bool filtraAzienda);
+  [[nodiscard]] std::string colonneAttività() const;
+  std::string selezioneAttività();
+  std::string istruzioneAttività();
+  std::string testoDopoRiporto();
+  static std::string ComponiExistsMultiAzienda(std::string_view prefisso);
+  void azzeraAttività();
+  void riportaAttività(Recordset& righe);
+  std::int16_t LeggiFlagIvaQuater() noexcept;
+  void inserisciOConsegna(std::string_view riga, std::string_view inserimento);
+  void inserisciAttivitàPredefinita();
+  void copiaUltimaAttività(Recordset& righe);
+  void riprendiPeriodo(Recordset& righe);
+  struct DuplicazioneAnno {
+    Variant ditta;
+    Variant origine;
+    Variant destinazione;
+  };
+  void duplicaAttività(bool& iniziata);
+  bool rifiutaDuplicazione(const DuplicazioneAnno& anni);
+  void eliminaAttivitàCollegate(Recordset& vecchie, const DuplicazioneAnno& anni);
+  std::string copiaAnno(const DuplicazioneAnno& anni);
+  void ripristinaAttivitàPrincipale(Recordset& ricordate, const DuplicazioneAnno& anni);
 
   std::shared_ptr<Platform> platform_;
   std::weak_ptr<Connection> opened_;  ///< the connection that `ApriConnessione` opened

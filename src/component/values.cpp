@@ -1,6 +1,7 @@
 #include "component/values.h"
 
 #include <exception>
+#include <optional>
 
 #include "data/error.h"
 
@@ -25,5 +26,15 @@ bool isNumber(const Variant& value, std::int64_t number) noexcept {
   }
   return same;
 }
+
+Date dayOf(const Variant& year, int month, int day) {
+  const std::optional<Date> date = Date::of(static_cast<int>(year.toInt16()), month, day);
+  if (!date) {
+    throw Error("Anno di riferimento non valido");
+  }
+  return *date;
+}
+
+bool isPositive(const Variant& value) { return value.toDecimal() > Decimal::fromInteger(0); }
 
 }  // namespace azcoll

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
+#include "data/date.h"
 #include "data/variant.h"
 
 namespace azcoll {
@@ -27,5 +29,29 @@ void ignoreErrors(const Step& step) noexcept {
 /// Whether `value` stands for `number`: a number of any kind, or a text that holds it. Null, Empty
 /// and everything else stand for no number.
 [[nodiscard]] bool isNumber(const Variant& value, std::int64_t number) noexcept;
+
+/// Whether `value` is a number above 0. Throws `Error` for Null and for what is no number.
+[[nodiscard]] bool isPositive(const Variant& value);
+
+/// A day of `year`, a value that stands for a year. Throws `Error` when there is no such day.
+[[nodiscard]] Date dayOf(const Variant& year, int month, int day);
+
+/// Puts a value into a field of the input object for as long as it lives, then puts the old one
+/// back, failures included.
+class Borrowed {
+ public:
+  Borrowed(Variant& field, Variant value) : field_{field}, kept_{std::move(value)} {
+    std::swap(field_, kept_);
+  }
+  Borrowed(const Borrowed&) = delete;
+  Borrowed(Borrowed&&) = delete;
+  Borrowed& operator=(const Borrowed&) = delete;
+  Borrowed& operator=(Borrowed&&) = delete;
+  ~Borrowed() { std::swap(field_, kept_); }
+
+ private:
+  Variant& field_;
+  Variant kept_;
+};
 
 }  // namespace azcoll

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -226,18 +227,11 @@ inline constexpr std::array<std::string_view, 69> kOtherColumns{"CG86_IDATTIVITA
   return table.substr(0, 4);
 }
 
+/// A list of names of this page, or a part of one.
+using Names = std::span<const std::string_view>;
+
 /// `names` joined with ", ".
-template <std::size_t N>
-[[nodiscard]] std::string joined(const std::array<std::string_view, N>& names) {
-  std::string result;
-  for (const std::string_view name : names) {
-    if (!result.empty()) {
-      result += ", ";
-    }
-    result += name;
-  }
-  return result;
-}
+[[nodiscard]] std::string joined(Names names);
 
 /// Whether `name` is a table or a column of this page (letter case counts).
 [[nodiscard]] bool isKnownName(std::string_view name);

@@ -1,6 +1,5 @@
 #include "component/service.h"
 #include "component/values.h"
-#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll {
@@ -12,11 +11,7 @@ constexpr std::int16_t flag(bool value) { return value ? 1 : 0; }
 
 /// The command for the stored procedure that knows the group, with its parameters set.
 std::shared_ptr<Command> CLSCO_AZIENDECOLL::comandoDitteCollegate(const FiltriGruppo& filtri) {
-  const std::optional<Date> start =
-      Date::of(static_cast<int>(AnnoRiferimento(true).toInt16()), 1, 1);
-  if (!start) {
-    throw Error("Anno di riferimento non valido");
-  }
+  const Date start = dayOf(AnnoRiferimento(true), 1, 1);
   std::shared_ptr<Command> command = connessione().newCommand();
   command->setActiveConnection(input().Connessione);
   command->setCommandText("PC_GetDitteCollegate");
@@ -25,7 +20,7 @@ std::shared_ptr<Command> CLSCO_AZIENDECOLL::comandoDitteCollegate(const FiltriGr
   command->setPrepared(true);
   Parameters& parameters = command->parameters();
   parameters.item("@CodiceDitta").setValue(input().Pvar_Ditta);
-  parameters.item("@DataInizioElaborazione").setValue(*start);
+  parameters.item("@DataInizioElaborazione").setValue(start);
   parameters.item("@GestioneDuplicazioneCliFor").setValue(ValoreGestioneDuplicazioneCliFor());
   parameters.item("@EscludiDittaPrincipale").setValue(flag(filtri.escludiPrincipale));
   parameters.item("@EscludiDittaCorrente").setValue(flag(filtri.escludiCorrente));
@@ -42,14 +37,7 @@ std::string CLSCO_AZIENDECOLL::GetDittaPrincipale() noexcept {
     if (!InizializzaMetodo(Connect::Yes)) {
       return;
     }
-    const std::shared_ptr<Command> command = comandoDitteCollegate({});
-    std::int64_t affected = 0;
-    const std::shared_ptr<Recordset> rows =
-        command->execute(affected, CommandOption::StoredProcedure);
-    command->setActiveConnection(nullptr);
-    if (!rows) {
-      return;
-    }
+    const std::shared_ptr<Recordset> rows = leggiGruppo({});
     rows->setActiveConnection(nullptr);
     rows->find("PRINCIPALE = 1", 0, SearchDirection::Forward, Bookmark::First);
     if (!rows->atEnd()) {
@@ -103,28 +91,6 @@ void CLSCO_AZIENDECOLL::ControllaDittaCollegata() noexcept {
       output().IndTipoCont = links->fields().item("CG86_INDTIPOCONT").value();
       output().Gvar_DittaPrincipale = links->fields().item("CG86_DITTA_CG18").value();
     }
-  });
-}
-
-void CLSCO_AZIENDECOLL::DitteCollegate() noexcept {
-  metodo(" in DitteCollegate", [this] {
-    const std::shared_ptr<Recordset> links =
-        apriRecordset(join("SELECT CG86_DITTACOLL_CG18 AS DITTA, CG86_INDTIPOCONT",  //
-                           " FROM CG86_AZIENDECOLL",                                 //
-                           " WHERE CG86_INDTIPO = 0",                                //
-                           " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",            //
-                           " AND CG86_ANNOIVA = ", AnnoRiferimento(false),           //
-                           " AND CG86_DITTA_CG18 = ", input().Pvar_Ditta));
-    if (links->recordCount() == 0) {
-      return;
-    }
-    links->moveFirst();
-    output().IndTipoCont = links->fields().item("CG86_INDTIPOCONT").value();
-    for (; !links->atEnd(); links->moveNext()) {
-      output().DitteCollegate =
-          join(output().DitteCollegate, links->fields().item("DITTA").value(), ", ");
-    }
-    output().DitteCollegate = join(output().DitteCollegate, input().Pvar_Ditta);
   });
 }
 

@@ -217,7 +217,7 @@ class ScriptedConnection final : public Connection,
   }
   /// Columns that `SELECT *` gives for a table when no rows are scripted.
   void columns(const std::string& table, const std::vector<std::string>& names) {
-    columns_[table] = rowSet(names, {}, table).columns;
+    columns_[table] = rowSet(names, {}, table).columns.all();
   }
   /// Answers every call of a procedure; reads the call's parameters, may throw by `raise`.
   std::function<ProcedureAnswer(Parameters&)> onProcedure = [](Parameters&) {

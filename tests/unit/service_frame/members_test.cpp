@@ -230,6 +230,12 @@ const MethodEntry& methodNamed(std::string_view name) {
   throw std::invalid_argument{std::string{name}};
 }
 
+TEST(Members, EveryMethodIsPresent) {
+  for (const MethodEntry& method : kMethods) {
+    EXPECT_TRUE(method.present()) << method.name;
+  }
+}
+
 TEST(Members, TheResolutionMethodsAndTheDuplicationArePresent) {
   using Service = CLSCO_AZIENDECOLL;
   EXPECT_TRUE(methodNamed("DuplicaCliFor").member == MethodMember{&Service::DuplicaCliFor});

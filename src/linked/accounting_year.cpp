@@ -1,0 +1,40 @@
+// Financial years of a company against a calendar year.
+
+#include "component/service.h"
+#include "component/values.h"
+#include "data/text.h"
+
+namespace azcoll {
+namespace {
+
+constexpr int kDecember = 12;
+constexpr int kLastOfDecember = 31;
+
+/// Counts the financial years that open or close between the two days, or span them. Callers rely
+/// on it: the lines of this text are parted by carriage returns alone.
+std::string touchingYears(const Variant& company, std::string_view first, std::string_view last) {
+  constexpr std::string_view cr = "\r";
+  return join(" SELECT COUNT(1)", cr,                                                            //
+              " FROM   CG19_ANADITTAESER WITH (NOLOCK)", cr,                                     //
+              " WHERE  CG19_DITTA_CG18 = ", company, cr,                                         //
+              "   AND (CG19_DATAAPE BETWEEN  '", first, "' AND '", last, "'", cr,                //
+              "        OR CG19_DATACHIU BETWEEN  '", first, "' AND '", last, "'", cr,            //
+              "        OR (CG19_DATAAPE < '", first, "' AND CG19_DATACHIU > '", last, "')", cr,  //
+              "       ) ");
+}
+
+}  // namespace
+
+bool CLSCO_AZIENDECOLL::VerificaAnnoIvaEsercizioContabile() noexcept {
+  bool touched = false;
+  metodo(" in VerificaAnnoIvaEsercizioContabile", [&] {
+    const Variant year = AnnoRiferimento(false);
+    const std::string first = join(DataDB(dayOf(year, 1, 1)));
+    const std::string last = join(DataDB(dayOf(year, kDecember, kLastOfDecember)));
+    const std::shared_ptr<Recordset> count = leggi(touchingYears(input().Pvar_Ditta, first, last));
+    touched = count->fields().item(std::size_t{0}).value().toInt64() != 0;
+  });
+  return touched;
+}
+
+}  // namespace azcoll
