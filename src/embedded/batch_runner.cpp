@@ -340,6 +340,9 @@ void BatchRunner::passBack(const ExecuteNode& node, const BatchRunner& callee) {
 // ---------------------------------------------------------------- parameters
 
 void BatchRunner::bind(const Piece& piece) {
+  if (piece.failure) {
+    throw *piece.failure;
+  }
   int position = 0;
   for (const Slot& slot : piece.slots) {
     bindSlot(piece.statement.get(), ++position, slot);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
@@ -43,6 +45,28 @@ class InsideAggregate {
 
 }  // namespace
 
+/// The argument. Over columns of an outer query alone, the aggregate would be one of that query.
+BoundExpression Binder::bindAggregated(const tsql::Expression& argument,
+                                       const tsql::Position& position, const Scope& scope) {
+  const std::uint64_t before = emission_.touchedLevels;
+  emission_.touchedLevels = 0;
+  BoundExpression operand = bind(argument, scope);
+  constexpr std::size_t kLastBit = 63;
+  const std::uint64_t own = std::uint64_t{1} << std::min(scope.level, kLastBit);
+  const bool outer = (emission_.touchedLevels & ~own) != 0;
+  if (outer && (emission_.touchedLevels & own) != 0) {
+    throw SqlError(8124,
+                   "Multiple columns are specified in an aggregated expression containing an outer "
+                   "reference. If an expression being aggregated contains an outer reference, then "
+                   "that outer reference must be the only column referenced in the expression.");
+  }
+  if (outer) {
+    refuse(context_.text, position, "an aggregate of an outer query inside a subquery");
+  }
+  emission_.touchedLevels |= before;
+  return operand;
+}
+
 BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
                                       const tsql::Position& position, const Scope& scope) {
   requireArguments(call, 1, 1);
@@ -67,7 +91,7 @@ BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
   if (counts && !call.distinct && (constant || std::holds_alternative<tsql::Star>(argument.node))) {
     return computed("count(*)", countType);
   }
-  BoundExpression operand = bind(argument, scope);
+  BoundExpression operand = bindAggregated(argument, position, scope);
   std::string sql = natural(operand);
   if (operand.type.isText() && !operand.isColumn) {
     sql += std::string(kCollateClause);

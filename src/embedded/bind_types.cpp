@@ -75,7 +75,15 @@ std::string Binder::emitConstant(const BoundExpression& expression, const Type& 
   if (expression.pending->negate) {
     value = negated(std::move(value));
   }
-  return sqliteConstant(convert(std::move(value), type, target, conversion));
+  try {
+    return sqliteConstant(convert(std::move(value), type, target, conversion));
+  } catch (const SqlError& error) {
+    // The statement fails when it is reached, after the statements in front of it have run.
+    if (!emission_.failure) {
+      emission_.failure = error;
+    }
+    return "NULL";
+  }
 }
 
 std::string Binder::emitSlot(const BoundExpression& expression, const Type& target,

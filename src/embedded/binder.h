@@ -13,6 +13,7 @@
 #include "embedded/catalogue.h"
 #include "embedded/plan.h"
 #include "embedded/scope.h"
+#include "embedded/sql_error.h"
 #include "tsql/ast.h"
 
 namespace azcoll::embedded {
@@ -26,6 +27,8 @@ struct Emission {
   std::uint64_t touchedLevels = 0;  ///< scopes that a column was found in, a bit each
   std::size_t functionDepth = 0;
   std::size_t queries = 0;  ///< SELECTs bound so far
+  /// A constant that does not convert: told when the statement runs, not when it is compiled.
+  std::optional<SqlError> failure{};
 };
 
 /// Everything a binder looks things up in.
@@ -120,6 +123,8 @@ class Binder {
                                          const tsql::Position& position, const Scope& scope);
   [[nodiscard]] BoundExpression bindAggregate(const tsql::FunctionCall& call,
                                               const tsql::Position& position, const Scope& scope);
+  [[nodiscard]] BoundExpression bindAggregated(const tsql::Expression& argument,
+                                               const tsql::Position& position, const Scope& scope);
   [[nodiscard]] BoundExpression bindTextCall(std::string_view name, const tsql::FunctionCall& call,
                                              const tsql::Position& position, const Scope& scope);
   [[nodiscard]] std::optional<BoundExpression> bindDateCall(std::string_view name,

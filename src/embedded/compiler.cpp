@@ -146,6 +146,7 @@ Piece Compiler::piece(Work& work, Bind bind) const {
   piece.sql = bind(binder);
   piece.statement = database_.prepare(piece.sql);
   piece.slots = std::move(emission.slots);
+  piece.failure = std::move(emission.failure);
   return piece;
 }
 

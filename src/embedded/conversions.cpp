@@ -172,8 +172,8 @@ Value toFloat(const Value& value, const Type& from, const Type& to) {
     if (!trimmed.empty()) {
       const auto [stop, error] =
           std::from_chars(trimmed.data() + start, trimmed.data() + trimmed.size(), number);
-      if (error != std::errc() || stop != trimmed.data() + trimmed.size() ||
-          !std::isfinite(number)) {
+      if (error != std::errc() || trimmed.starts_with("+-") ||
+          stop != trimmed.data() + trimmed.size() || !std::isfinite(number)) {
         failType(from, to);
       }
     }

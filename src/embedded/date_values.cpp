@@ -187,11 +187,11 @@ std::int64_t dayNumber(const Date& date) {
 }
 
 std::optional<Date> dateOfDay(std::int64_t days) {
-  const std::int64_t z = days + kEpoch;
-  const std::int64_t first = daysFromCivil(1, 1, 1);
-  if (z < first || z > daysFromCivil(9999, 12, 31)) {
+  // Compared before it is added to: the number comes from a caller and may be any.
+  if (days < daysFromCivil(1, 1, 1) - kEpoch || days > daysFromCivil(9999, 12, 31) - kEpoch) {
     return std::nullopt;
   }
+  const std::int64_t z = days + kEpoch;
   const std::int64_t era = z / 146097;
   const std::int64_t dayOfEra = z - era * 146097;
   const std::int64_t yearOfEra =

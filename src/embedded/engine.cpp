@@ -163,6 +163,7 @@ std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
       !options_.planCache || !shape_.cacheable || shape_.literals.size() > kMostBoundLiterals;
   if (!inside) {
     if (auto plan = cache_.find(shape_)) {
+      checkConstants(shape_);
       return plan;
     }
   }
@@ -170,6 +171,8 @@ std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
   auto plan = compiler().compileBatch(std::string(text), inside);
   if (!inside && plan->tree->literalCount != shape_.literals.size()) {
     plan = compiler().compileBatch(std::string(text), true);
+  } else {
+    checkConstants(shape_);
   }
   definedInTransaction_ = definedInTransaction_ || (plan->makesTempTables && inTransaction());
   if (!plan->constantsInside) {

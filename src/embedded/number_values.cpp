@@ -204,6 +204,22 @@ Value literalValue(tsql::LiteralKind kind, std::string_view text, const Type& ty
   }
 }
 
+namespace {
+
+template <typename Bytes>
+std::string blobConstant(const Bytes& bytes) {
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  std::string text = "x'";
+  for (const auto byte : bytes) {
+    const auto code = static_cast<unsigned char>(byte);
+    text += kHex[code >> 4U];
+    text += kHex[code & 0xFU];
+  }
+  return text + "'";
+}
+
+}  // namespace
+
 std::string sqliteConstant(const Value& value) {
   switch (value.tag) {
     case Value::Tag::Null:
@@ -220,20 +236,17 @@ std::string sqliteConstant(const Value& value) {
       return {buffer.data(), written.ptr};
     }
     case Value::Tag::Wide: {
-      constexpr std::string_view kHex = "0123456789ABCDEF";
       std::array<unsigned char, kWideBytes> bytes{};
       storeWide(value.wide, bytes.data());
-      std::string text = "x'";
-      for (const unsigned char byte : bytes) {
-        text += kHex[byte >> 4U];
-        text += kHex[byte & 0xFU];
-      }
-      return text + "'";
+      return blobConstant(bytes);
     }
     case Value::Tag::Text:
       break;
   }
-  return quoteText(value.text);
+  // SQLite reads a statement up to its first zero byte.
+  return value.text.find('\0') == std::string::npos
+             ? quoteText(value.text)
+             : "CAST(" + blobConstant(value.text) + " AS TEXT)";
 }
 
 }  // namespace azcoll::embedded

@@ -38,6 +38,17 @@ bool guardsHold(const std::vector<Guard>& guards, const tsql::Shape& shape) {
   });
 }
 
+void checkConstants(const tsql::Shape& shape) {
+  for (const tsql::LiteralToken& token : shape.literals) {
+    const bool exact =
+        token.kind == tsql::LiteralKind::Integer || token.kind == tsql::LiteralKind::Decimal;
+    if (token.kind == tsql::LiteralKind::Binary || token.kind == tsql::LiteralKind::Float ||
+        (exact && token.raw.size() > Decimal::kMaxDigits)) {
+      static_cast<void>(literalValue(token.kind, token.raw, literalType(token.kind, token.raw)));
+    }
+  }
+}
+
 std::string literalText(const tsql::LiteralToken& token) {
   std::string text(token.raw);
   if (token.hasDoubledQuotes) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <variant>
@@ -11,6 +12,7 @@
 #include "cursor/result_set.h"
 #include "embedded/catalogue.h"
 #include "embedded/conversions.h"
+#include "embedded/sql_error.h"
 #include "embedded/sqlite_handle.h"
 #include "embedded/types.h"
 #include "tsql/ast.h"
@@ -63,6 +65,7 @@ struct Piece {
   std::string sql;
   SqliteStatement statement;
   std::vector<Slot> slots;
+  std::optional<SqlError> failure{};  ///< what to refuse with instead of running it
 };
 
 struct Node;
@@ -164,6 +167,11 @@ struct Plan {
 
 /// Whether the constants of a text fit what the plan took for granted.
 [[nodiscard]] bool guardsHold(const std::vector<Guard>& guards, const tsql::Shape& shape);
+
+/// Refuses constants that have no value here: numbers of more than 38 digits (1007), floating-point
+/// numbers out of range (168), binary constants. A plan is shared by texts with and without them,
+/// and nothing of a text may run that holds one.
+void checkConstants(const tsql::Shape& shape);
 
 /// The text of a constant with apostrophes written twice undone.
 [[nodiscard]] std::string literalText(const tsql::LiteralToken& token);

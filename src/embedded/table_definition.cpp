@@ -195,6 +195,9 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
         Binder binder(context, emission);
         sql += name + "CHECK (" + binder.bindCheck(*table.definition->constraints[i].check, table) +
                ")";
+        if (emission.failure) {
+          throw *emission.failure;
+        }
         break;
       }
     }

@@ -1,5 +1,7 @@
 #include "tsql/lexer.h"
 
+#include <algorithm>
+
 #include "tsql/position.h"
 #include "tsql/utf8.h"
 
@@ -134,7 +136,9 @@ Token Lexer::takeNumber() {
 Token Lexer::takeWord() {
   const std::size_t end = lettersEnd(wordEnd(text_, at_));
   if (end == at_) {  // a character beyond ASCII that is no letter
-    return take(TokenKind::Unexpected, at_ + decodeUtf8(text_, at_).length);
+    // A byte that is no UTF-8 has no length: the lexer moves on all the same.
+    return take(TokenKind::Unexpected,
+                at_ + std::max<std::size_t>(decodeUtf8(text_, at_).length, 1));
   }
   const Keyword keyword = findKeyword(text_.substr(at_, end - at_));
   if (keyword == Keyword::None) {

@@ -173,6 +173,9 @@ std::string Parser::takeAnyName(const Token& token) {
            "as \"\" or [] are not allowed. Change the alias to a valid name.",
            token);
   }
+  if (name.find('\0') != std::string::npos) {
+    failAt(0, "Outside the supported T-SQL: a name with a zero character.", token);
+  }
   if (name.size() > kMaxShown && firstCharacters(name, kMaxShown).size() < name.size()) {
     failAt(103,
            "The identifier that starts with '" + std::string(firstCharacters(name, kMaxShown)) +

@@ -1,5 +1,8 @@
 #include "embedded/date_values.h"
 
+#include <cstdint>
+#include <limits>
+
 #include "gtest/gtest.h"
 
 namespace azcoll::embedded {
@@ -84,6 +87,8 @@ TEST(DateText, CountsDays) {
   }
   EXPECT_FALSE(dateOfDay(-693596));
   EXPECT_FALSE(dateOfDay(2958464));
+  EXPECT_FALSE(dateOfDay(std::numeric_limits<std::int64_t>::max()));
+  EXPECT_FALSE(dateOfDay(std::numeric_limits<std::int64_t>::min()));
 }
 
 TEST(DateText, WritesTheStyles) {

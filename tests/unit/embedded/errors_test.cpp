@@ -125,6 +125,20 @@ TEST_F(ErrorTexts, Inserts) {
   EXPECT_EQ(failureNumber(*db_, "UPDATE C SET I = 5"), 8102);
 }
 
+TEST_F(ErrorTexts, AggregatesOverColumnsOfAnOuterQuery) {
+  EXPECT_EQ(failureNumber(*db_, "SELECT (SELECT MAX(C.A + P.A) FROM P) FROM C"), 8124);
+  for (const char* text : {"SELECT (SELECT MAX(C.A) FROM P) FROM C",
+                           "SELECT 1 FROM C WHERE (SELECT MAX(C.A) FROM P) = 1",
+                           "UPDATE C SET A = 1 WHERE (SELECT SUM(C.A) FROM P) = 1"}) {
+    EXPECT_NE(refusal(text).find("an aggregate of an outer query inside a subquery"),
+              std::string::npos)
+        << text << refusal(text);
+  }
+  EXPECT_EQ(refusal("SELECT (SELECT MAX(P.A) FROM P WHERE P.A = C.A) FROM C"), "no error");
+  EXPECT_EQ(refusal("SELECT C.A FROM C GROUP BY C.A HAVING MAX(C.I) > (SELECT COUNT(*) FROM P)"),
+            "no error");
+}
+
 TEST_F(ErrorTexts, ConstructsOutsideTellTheirPlace) {
   const std::string text = refusal("SELECT\n  SOUNDEX('a')");
   EXPECT_NE(text.find("SOUNDEX"), std::string::npos) << text;

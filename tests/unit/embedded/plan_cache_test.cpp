@@ -161,6 +161,57 @@ TEST(PlanCache, NeverChangesAResult) {
   EXPECT_LT(cached->engine().cache().size(), variedTexts().size());
 }
 
+TEST(PlanCache, ChangesNothingWhenAConstantDoesNotConvert) {
+  // The statement fails when it is reached: what stands in front of it has run, and what is not
+  // reached does not fail. A remark keeps a text out of the cache.
+  for (const char* remark : {"", " -- remark"}) {
+    for (const bool planCache : {true, false}) {
+      const auto connection = openVaried({.planCache = planCache});
+      EXPECT_EQ(failureNumber(*connection,
+                              std::string("INSERT INTO V (I) VALUES (50) SELECT I FROM V WHERE I = "
+                                          "'x'") +
+                                  remark),
+                245);
+      EXPECT_EQ(rows(*connection, "SELECT I FROM V WHERE I = 50"), "50");
+      EXPECT_EQ(
+          rows(*connection, std::string("IF 1 = 2 SELECT CAST('x' AS INT) ELSE SELECT 7") + remark),
+          "7");
+      EXPECT_EQ(failureNumber(*connection, std::string("SELECT CAST('x' AS INT), CAST(1 AS "
+                                                       "DECIMAL(99))") +
+                                               remark),
+                2750);
+    }
+  }
+}
+
+TEST(PlanCache, RunsNothingOfATextThatHoldsAConstantWithoutAValue) {
+  for (const bool planCache : {true, false}) {
+    const auto connection = openVaried({.planCache = planCache});
+    const auto insertTwice = [](const std::string& key, const std::string& value) {
+      return "INSERT INTO V (I, T) VALUES (" + key + ", 'a') INSERT INTO V (I, F) VALUES (" + key +
+             "1, " + value + ")";
+    };
+    EXPECT_EQ(failure(*connection, insertTwice("5", "1.5")), "no error");
+    for (const auto& [value, number] :
+         {std::pair("0x1F", 0), std::pair("999999999999999999999999999999999999999", 1007),
+          std::pair("1E400", 168)}) {
+      EXPECT_EQ(failureNumber(*connection, insertTwice("6", value)), number);
+      EXPECT_EQ(rows(*connection, "SELECT COUNT(*) FROM V WHERE I = 6"), "0") << value;
+    }
+  }
+}
+
+TEST(PlanCache, LetsAProcedureHoldAConstantThatDoesNotConvert) {
+  const auto connection = openMemory();
+  connection->run(
+      "CREATE PROCEDURE P @A INT AS IF @A = 1 SELECT CAST('x' AS INT) ELSE SELECT CAST('2' AS "
+      "INT)");
+  EXPECT_EQ(rows(*connection, "EXEC P 2"), "2");
+  EXPECT_EQ(failureNumber(*connection, "EXEC P 1"), 245);
+  // A CHECK becomes part of the database at once, so it is refused at once.
+  EXPECT_EQ(failureNumber(*connection, "CREATE TABLE C (A INT NULL CHECK (A > 'x'))"), 245);
+}
+
 TEST(PlanCache, SurvivesARollbackThatTakesTableVariablesBack) {
   const auto connection = openMemory();
   const char* const text = "DECLARE @T TABLE (A INT) INSERT INTO @T VALUES (1) SELECT * FROM @T";

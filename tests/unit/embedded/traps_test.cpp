@@ -40,6 +40,21 @@ TEST_F(Traps, TextComparison) {
   EXPECT_EQ(ask("SELECT COUNT(*) FROM (SELECT 'a' AS X UNION SELECT 'A ') AS Y"), "1");
 }
 
+TEST_F(Traps, AZeroCharacterEndsNoText) {
+  using namespace std::string_literals;
+  const std::string text = "'a\0b'"s;
+  for (const char* remark : {"", " /* kept out of the cache */"}) {
+    EXPECT_EQ(ask("SELECT " + text + remark), "a\0b"s);
+    EXPECT_EQ(ask("SELECT LEN(" + text + ")" + remark), "3");
+    EXPECT_EQ(ask("UPDATE T SET N = " + text + " WHERE ID = 3 SELECT ID FROM T WHERE N = " + text +
+                  remark),
+              "3");
+  }
+  for (const std::string& sql : {"SELECT 1 AS [a\0b]"s, "CREATE TABLE \"a\0b\" (A INT NULL)"s}) {
+    EXPECT_NE(failure(*db_, sql).find("a name with a zero character"), std::string::npos);
+  }
+}
+
 TEST_F(Traps, NumbersAndTexts) {
   db_->run("INSERT INTO T (ID, N) VALUES (4, '04')");
   EXPECT_EQ(ask("SELECT ID FROM T WHERE ID > 3 AND N = 4"), "4");

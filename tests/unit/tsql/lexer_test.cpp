@@ -109,6 +109,15 @@ TEST(Lexer, NumbersConstantsAndMarkers) {
   EXPECT_EQ(lexer.markerCount(), 2U);
 }
 
+TEST(Lexer, MovesOnBehindAByteThatIsNoUtf8) {
+  Lexer lexer("a \xFF\x80 b");
+  EXPECT_EQ(lexer.next().raw, "a");
+  EXPECT_EQ(lexer.next().kind, TokenKind::Unexpected);
+  EXPECT_EQ(lexer.next().kind, TokenKind::Unexpected);
+  EXPECT_EQ(lexer.next().raw, "b");
+  EXPECT_EQ(lexer.next().kind, TokenKind::End);
+}
+
 TEST(Utf8, DecodesEveryLengthAndRefusesWhatIsNone) {
   EXPECT_EQ(decodeUtf8("a", 0).value, 0x61U);
   EXPECT_EQ(decodeUtf8("è", 0).value, 0xE8U);

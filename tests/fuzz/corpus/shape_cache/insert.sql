@@ -1,0 +1,4 @@
+INSERT INTO V (I, S, D, T, C, A, N) VALUES (5, NULL, 1.255, 'abcde', 'x', '20240229', N'è'), (6, 7.9, '1.5', NULL, 5, '', '')
+SELECT * FROM V WHERE I > 4
+GO
+INSERT INTO R (I, T) SELECT I, T FROM V WHERE I < 3 AND T <> 'no' SELECT @@ROWCOUNT, @@IDENTITY

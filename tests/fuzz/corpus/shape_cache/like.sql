@@ -1,0 +1,1 @@
+SELECT I FROM V WHERE T LIKE 'It%' OR N LIKE N'[a-zè]_' OR C NOT LIKE '%b!%d' ESCAPE '!'

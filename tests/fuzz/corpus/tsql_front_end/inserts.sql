@@ -1,0 +1,2 @@
+INSERT INTO T (A, B, C) VALUES (1, N'Caffè dell''angolo', Null), (-2, '', 0x1F), (NULL, 1E5, .5)
+INSERT T DEFAULT VALUES; INSERT INTO T SELECT * FROM U

@@ -1,0 +1,1 @@
+SELECT * FROM a LEFT OUTER JOIN (b CROSS JOIN c) ON 0 = 1 FULL JOIN d ON d.x = a.x, (SELECT 1 AS q) AS e
