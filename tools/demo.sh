@@ -104,3 +104,25 @@ else
   echo "Il database è cambiato." >&2
   exit 1
 fi
+
+# delete CODE: the customer of company 5 is deleted in the rest of its group.
+delete() {
+  echo "\$ azcoll esegui EliminaCliFor --db azienda.db --imposta Pvar_Ditta=5" \
+    "--imposta Pvar_CliFor=$1 --imposta AnnoSolare=2025"
+  "$azcoll" esegui EliminaCliFor --db "$db" --imposta Pvar_Ditta=5 --imposta Pvar_CliFor="$1" \
+    --imposta AnnoSolare=2025 || true
+  echo
+  query "SELECT CG44_DITTA_CG18 AS Ditta, CG44_CLIFOR AS Codice FROM CG44_CLIFOR
+         WHERE CG44_TIPOCF = 0 AND CG44_CLIFOR = $1 ORDER BY CG44_DITTA_CG18"
+}
+
+title "Un'eliminazione rifiutata: l'azienda 12 ha un documento del cliente 122"
+"$azcoll" sql --db "$db" <tests/support/documenti.sql >/dev/null
+query "INSERT INTO MG60_DOCUMENTI (MG60_DITTA_CG18, MG60_ANNO, MG60_NUMERO, MG60_DATA,
+         MG60_TIPOCF_CG44, MG60_CLIFOR_CG44, MG60_IMPTOTALE)
+       VALUES (12, 2025, 1, '20250115', 0, 122, 250.0000)" >/dev/null
+delete 122
+
+title "Senza quel documento l'eliminazione arriva in tutto il gruppo; nell'azienda 5 la fa chi chiama"
+query "DELETE FROM MG60_DOCUMENTI WHERE MG60_DITTA_CG18 = 12 AND MG60_ANNO = 2025" >/dev/null
+delete 122

@@ -25,9 +25,14 @@ class Bench {
 
   [[nodiscard]] const Lines& before() const { return before_; }
 
-  Run withoutFault() {
+  Run withoutFault(std::vector<Lines>& states) {
     faulty_->failNowhere();
-    return call();
+    if (scenario_.eachStatementCommits) {
+      faulty_->listen([&] { states.push_back(picture()); });
+    }
+    Run run = call();
+    faulty_->listen({});
+    return run;
   }
   Run withFault(std::size_t number, Way way) {
     faulty_->failAt(number, way);
@@ -95,6 +100,11 @@ Outcome ruled(const FaultScenario& scenario, const Fault& fault, const Reference
   if (fault.is("CommitTrans") && fault.way == Way::LostAfter) {
     outcome.database = reference.outcome.database;
   }
+  if (scenario.eachStatementCommits) {
+    const std::size_t done = fault.number + (fault.way == Way::LostAfter ? 1 : 0);
+    outcome.database =
+        done < reference.states.size() ? reference.states[done] : reference.outcome.database;
+  }
   const bool refusedAnyway = fault.operation.error.has_value() && fault.way == Way::LostAfter;
   if (fault.is("RollbackTrans") || refusedAnyway) {
     // The failure that led here is the one to be told.
@@ -148,8 +158,8 @@ std::string testName(const std::string& scenario) {
 
 void expectDocumentedOutcomes(const FaultScenario& scenario) {
   Bench bench{scenario};
-  Reference reference{.before = bench.before(), .outcome = {}, .operations = {}};
-  Run whole = bench.withoutFault();
+  Reference reference{.before = bench.before(), .outcome = {}, .operations = {}, .states = {}};
+  Run whole = bench.withoutFault(reference.states);
   reference.outcome = std::move(whole.outcome);
   reference.operations = std::move(whole.operations);
   ASSERT_FALSE(reference.operations.empty());

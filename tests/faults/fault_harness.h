@@ -31,6 +31,8 @@ struct Reference {
   Lines before;
   Outcome outcome;
   std::vector<TraceEntry> operations;
+  std::vector<Lines>
+      states;  ///< the database before each operation; only of `eachStatementCommits`
 };
 
 /// One failing operation.
@@ -59,6 +61,8 @@ struct FaultScenario {
   std::string prepare;  ///< T-SQL run on the example database before the call; may be empty
   std::function<void(CLSCO_AZIENDECOLL&)> call;  ///< fills the input and calls
   Documented documented = [](const Fault&, const Reference&) { return std::nullopt; };
+  /// The call has no transaction of its own: what was done before the failure stays.
+  bool eachStatementCommits = false;
 };
 
 inline void PrintTo(const FaultScenario& scenario, std::ostream* out) { *out << scenario.name; }

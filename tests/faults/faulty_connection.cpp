@@ -43,6 +43,9 @@ void FaultyConnection::failNowhere() {
 
 void FaultyConnection::before(const TraceEntry& entry) {
   operations_.push_back(entry);
+  if (listener_) {
+    listener_();
+  }
   if (lost_) {
     fail();
   }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/connection.h"
@@ -32,6 +34,8 @@ class FaultyConnection {
   void failAt(std::size_t number, Way way);
   /// Lets nothing fail, and counts anew.
   void failNowhere();
+  /// Calls `listener` before every operation.
+  void listen(std::function<void()> listener) { listener_ = std::move(listener); }
 
   /// The connection to be handed to the service.
   [[nodiscard]] const std::shared_ptr<Connection>& connection() const { return outer_; }
@@ -54,6 +58,7 @@ class FaultyConnection {
   std::shared_ptr<Connection> inner_;
   std::shared_ptr<Connection> outer_;
   std::vector<TraceEntry> operations_;
+  std::function<void()> listener_;
   std::size_t number_ = kNowhere;
   Way way_ = Way::Provider;
   bool failed_ = false;

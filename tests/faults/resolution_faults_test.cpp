@@ -14,7 +14,20 @@ std::function<void(CLSCO_AZIENDECOLL&)> ask(int company, const Method& method) {
   return [company, method](CLSCO_AZIENDECOLL& service) {
     service.CPInput->Pvar_Ditta = company;
     service.CPInput->AnnoSolare = 2025;
+    service.CPInput->CodiceSede = 1;
+    service.CPInput->CodiceIntermedio = 1;
     (service.*method)();
+  };
+}
+
+/// A question that is answered by yes or no.
+std::function<void(CLSCO_AZIENDECOLL&)> check(int company,
+                                              bool (CLSCO_AZIENDECOLL::*method)() noexcept) {
+  return [company, method](CLSCO_AZIENDECOLL& service) {
+    service.CPInput->Pvar_Ditta = company;
+    service.CPInput->AnnoSolare = 2024;
+    const bool answer = (service.*method)();
+    EXPECT_TRUE(answer || service.Stato != Variant{std::int16_t{0}});
   };
 }
 
@@ -50,7 +63,40 @@ INSTANTIATE_TEST_SUITE_P(
                       ask(5, &CLSCO_AZIENDECOLL::ControllaDittaCollegata)},
         FaultScenario{"DitteCollegate", " in DitteCollegate", "",
                       ask(10, &CLSCO_AZIENDECOLL::DitteCollegate)},
-        FaultScenario{"GetDittaPrincipale", "", "", getDittaPrincipale, answersNothing}),
+        FaultScenario{"GetDittaPrincipale", "", "", getDittaPrincipale, answersNothing},
+        FaultScenario{"RecordsetDitteCollegate", " in RecordsetDitteCollegate", "",
+                      ask(10, &CLSCO_AZIENDECOLL::RecordsetDitteCollegate)},
+        FaultScenario{"RecordsetDitteCollegateOPrincipale",
+                      " in RecordsetDitteCollegateOPrincipale", "",
+                      ask(5, &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipale)},
+        FaultScenario{"DitteCollegatePiuPrincipale", " in DitteCollegatePiuPrincipale", "",
+                      ask(5, &CLSCO_AZIENDECOLL::DitteCollegatePiuPrincipale)},
+        FaultScenario{"RecordsetDitteCollegateOPrincipalePerSedi",
+                      " in RecordsetDitteCollegateOPrincipalePerSedi", "",
+                      ask(5, &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerSedi)},
+        FaultScenario{"RecordsetDitteCollegateOPrincipalePerIntermedi",
+                      " in RecordsetDitteCollegateOPrincipalePerIntermedi", "",
+                      ask(5, &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerIntermedi)},
+        FaultScenario{"RecordsetDitteCollegatePiuPrincipale",
+                      " in RecordsetDitteCollegatePiuPrincipale", "",
+                      ask(10, &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipale)},
+        FaultScenario{"RecordsetDitteCollegatePiuPrincipaleNoPrinc",
+                      " in RecordsetDitteCollegatePiuPrincipaleNoPrinc", "",
+                      ask(5, &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipaleNoPrinc)},
+        FaultScenario{
+            "RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva",
+            " in RecordsetDitteCollegatePiuPrincipale", "",
+            ask(10, &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva)},
+        FaultScenario{
+            "RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio",
+            " in RecordsetDitteCollegatePiuPrincipale", "",
+            ask(10, &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio)},
+        FaultScenario{"ControllaDittaNonCollegata", " in ControllaDittaNonCollegata", "",
+                      check(5, &CLSCO_AZIENDECOLL::ControllaDittaNonCollegata)},
+        FaultScenario{"ControllaAttivitaNonCollegata", " in ControllaAttivitaNonCollegata", "",
+                      check(40, &CLSCO_AZIENDECOLL::ControllaAttivitaNonCollegata)},
+        FaultScenario{"VerificaAnnoIvaEsercizioContabile", " in VerificaAnnoIvaEsercizioContabile",
+                      "", check(5, &CLSCO_AZIENDECOLL::VerificaAnnoIvaEsercizioContabile)}),
     [](const auto& tested) { return testName(tested.param.name); });
 
 }  // namespace

@@ -108,10 +108,12 @@ class YearDuplicationTest : public ActivityTest {
                             "CG86_INDTIPOCONT", "CG86_DITTA_CG18", "CG86_DITTACOLL_CG18",
                             "CG86_CODATTIVITA", "CG86_INDCOMLETTINT", "CG96_DESCRATTIVITA"},
                            {}, "CG86_AZIENDECOLL");
-    set.columns.front() = ColumnInfo{.name = "ATTIVITAPRINCIPALE"};
-    set.columns[1].isKey = true;
-    set.columns[1].isIdentity = true;
-    set.columns.back().baseTable = "CG96_ANAGATTIVITA";
+    std::vector<ColumnInfo> columns = set.columns.all();
+    columns.front() = ColumnInfo{.name = "ATTIVITAPRINCIPALE"};
+    columns[1].isKey = true;
+    columns[1].isIdentity = true;
+    columns.back().baseTable = "CG96_ANAGATTIVITA";
+    set.columns = std::move(columns);
     for (const Configured& row : rows) {
       for (const Variant& value :
            {Variant{row.attivitaPrincipale}, Variant{row.id}, Variant{std::int16_t{0}},
