@@ -1,7 +1,10 @@
 // What is bound as a whole: queries with their result columns, values and tests of the procedural
 // statements, conditions of a definition.
 
+#include <algorithm>
+#include <map>
 #include <set>
+#include <string>
 
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
@@ -12,19 +15,63 @@ namespace azcoll::embedded {
 
 namespace {
 
-ResultColumn describe(const OutputColumn& column, bool fromOneTable) {
-  ResultColumn result;
-  result.info.name = column.name;
-  result.type = column.type;
-  const auto& origin = column.expression.origin;
-  if (fromOneTable && origin && !origin->table->isVariable) {
-    const Column& base = origin->table->columns[origin->column];
-    result.info.baseTable = origin->table->name;
-    result.info.baseColumn = base.name;
-    result.info.isKey = base.inKey;
-    result.info.isIdentity = base.identity;
+using TableCounts = std::map<std::string, int>;
+
+void countTables(const tsql::Query& query, TableCounts& counts);
+
+/// Counts how often each table stands in FROM, queries inside FROM included.
+void countTables(const tsql::TableSource& source, TableCounts& counts) {
+  if (const auto* const named = std::get_if<tsql::NamedTable>(&source.node)) {
+    ++counts[foldText(named->name.parts.back())];
+  } else if (const auto* const derived = std::get_if<tsql::DerivedTable>(&source.node)) {
+    countTables(*derived->query, counts);
+  } else if (const auto* const join = std::get_if<tsql::Join>(&source.node)) {
+    countTables(*join->left, counts);
+    countTables(*join->right, counts);
   }
-  return result;
+}
+
+void countTables(const tsql::Query& query, TableCounts& counts) {
+  if (const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body)) {
+    for (const tsql::TableSourcePtr& source : specification->from) {
+      countTables(*source, counts);
+    }
+  }
+}
+
+/// The table and column that a change of the value would go to; nothing when that is not certain.
+void describeBase(const OutputColumn& column, const TableCounts& counts, ColumnInfo& info) {
+  const auto& origin = column.expression.origin;
+  if (!origin || origin->table->isVariable) {
+    return;
+  }
+  const auto found = counts.find(foldText(origin->table->name));
+  if (found == counts.end() || found->second != 1) {
+    return;  // of a table that stands there twice it is not known which row is meant
+  }
+  const Column& base = origin->table->columns[origin->column];
+  info.baseTable = origin->table->name;
+  info.baseColumn = base.name;
+  info.isKey = base.inKey;
+  info.isIdentity = base.identity;
+}
+
+/// A key that is only partly in the result does not tell rows apart.
+void dropPartialKeys(const std::vector<OutputColumn>& outputs, std::vector<ResultColumn>& columns) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    if (columns[i].info.baseTable.empty()) {
+      continue;
+    }
+    const auto& key = outputs[i].expression.origin->table->key;
+    columns[i].info.isKey =
+        columns[i].info.isKey && std::all_of(key.begin(), key.end(), [&](std::size_t part) {
+          return std::any_of(outputs.begin(), outputs.end(), [&](const OutputColumn& other) {
+            const auto& origin = other.expression.origin;
+            return origin && origin->table == outputs[i].expression.origin->table &&
+                   origin->column == part;
+          });
+        });
+  }
 }
 
 }  // namespace
@@ -34,10 +81,17 @@ std::string Binder::bindSelect(const tsql::Query& query, std::vector<ResultColum
   use.orderNeedsTop = false;
   BoundQuery bound = bindQuery(query, nullptr, use);
   settle(bound);
-  const bool updatable = bound.select && !bound.select->grouped && !bound.select->distinct;
-  for (const OutputColumn& column : bound.columns()) {
-    columns.push_back(describe(column, updatable));
+  TableCounts counts;
+  if (bound.select && !bound.select->grouped && !bound.select->distinct) {
+    countTables(query, counts);
   }
+  for (const OutputColumn& column : bound.columns()) {
+    ResultColumn& result = columns.emplace_back();
+    result.info.name = column.name;
+    result.type = column.type;
+    describeBase(column, counts, result.info);
+  }
+  dropPartialKeys(bound.columns(), columns);
   return render(bound);
 }
 
