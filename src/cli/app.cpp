@@ -12,9 +12,11 @@
 #include <tuple>
 #include <unistd.h>
 
+#include "cli/command_attivita.h"
 #include "cli/command_campi.h"
 #include "cli/command_crea.h"
 #include "cli/command_esegui.h"
+#include "cli/command_gruppo.h"
 #include "cli/command_metodi.h"
 #include "cli/command_sql.h"
 #include "cli/console.h"
@@ -24,7 +26,8 @@
 namespace azcoll::cli {
 namespace {
 
-using Commands = std::tuple<CommandCrea, CommandEsegui, CommandMetodi, CommandCampi, CommandSql>;
+using Commands = std::tuple<CommandCrea, CommandEsegui, CommandGruppo, CommandAttivita,
+                            CommandMetodi, CommandCampi, CommandSql>;
 
 /// The command line: the subcommands and the words of its help, in Italian.
 class CommandLine {

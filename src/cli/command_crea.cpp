@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <ostream>
-#include <random>
 #include <system_error>
 
 #include "cli/database.h"
 #include "cli/scripts.h"
+#include "cli/unfinished_file.h"
 #include "cli/utf8.h"
 #include "data/text.h"
 #include "tsql/parser.h"
@@ -20,54 +20,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isTaken(const fs::path& path) {
-  // A link that leads nowhere counts too: creating through it would write somewhere else.
-  std::error_code ignored;
-  return fs::exists(fs::symlink_status(path, ignored));
+/// Gives the finished database its name.
+void publish(const UnfinishedFile& file, const fs::path& target) {
+  const std::error_code failure = file.publishNew();
+  if (failure == std::errc::file_exists) {
+    throw UsageError(fmt::format("Il file {} esiste già.", target.string()));
+  }
+  if (failure) {
+    throw OpenError(fmt::format("Impossibile creare {}: {}", target.string(), failure.message()));
+  }
 }
-
-/// The database under a name of its own while it is being made; whatever is left under that name
-/// disappears at the end.
-class UnfinishedFile {
- public:
-  explicit UnfinishedFile(const fs::path& target)
-      : target_{target},
-        path_{fmt::format("{}.{:08x}.tmp", target.string(), std::random_device{}())} {}
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile(UnfinishedFile&&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(UnfinishedFile&&) = delete;
-  ~UnfinishedFile() {
-    for (const char* ending : {"", "-wal", "-shm", "-journal"}) {
-      std::error_code ignored;
-      fs::remove(path_.string() + ending, ignored);
-    }
-  }
-
-  [[nodiscard]] std::string path() const { return path_.string(); }
-
-  /// Gives the finished database its name, unless another file has taken it meanwhile.
-  void publish() const {
-    std::error_code failure;
-    // A second name for the file, unlike a renaming, never replaces what is there.
-    fs::create_hard_link(path_, target_, failure);
-    if (!failure) {
-      return;
-    }
-    if (isTaken(target_)) {
-      throw UsageError(fmt::format("Il file {} esiste già.", target_.string()));
-    }
-    fs::rename(path_, target_, failure);
-    if (failure) {
-      throw OpenError(
-          fmt::format("Impossibile creare {}: {}", target_.string(), failure.message()));
-    }
-  }
-
- private:
-  fs::path target_;
-  fs::path path_;
-};
 
 void fill(const std::string& path, bool example) {
   const std::shared_ptr<Connection> connection =
@@ -136,7 +98,7 @@ ExitCode CommandCrea::run(Console& console) const {
   try {
     const UnfinishedFile unfinished{target};
     fill(unfinished.path(), esempio);
-    unfinished.publish();
+    publish(unfinished, target);
   } catch (const OpenError& error) {
     throw OpenError(fmt::format("Impossibile creare il database {}: {}", file, error.what()));
   }

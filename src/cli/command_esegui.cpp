@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fmt/format.h>
 #include <optional>
@@ -60,6 +61,23 @@ std::optional<Answer> answerNamed(const std::string& text) {
     return folded == "si" ? Answer::Yes : Answer::No;
   }
   throw UsageError(fmt::format("--rispondi vuole si oppure no, non «{}».", text));
+}
+
+/// How often the answer Yes is given before No.
+std::int32_t answerTimes(const std::string& text, std::optional<Answer> answer) {
+  constexpr std::int32_t most = 1000;
+  if (text.empty()) {
+    return 1;
+  }
+  if (answer != Answer::Yes) {
+    throw UsageError("--rispondi-volte vale solo insieme a --rispondi si.");
+  }
+  const std::optional<std::int32_t> times = wholeNumberIn(text, 1, most);
+  if (!times) {
+    throw UsageError(
+        fmt::format("--rispondi-volte vuole un numero da 1 a {}, non «{}».", most, text));
+  }
+  return *times;
 }
 
 std::optional<TraceWriter> openTrace(const CommandEsegui& command, std::ostream& err) {
@@ -120,8 +138,15 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
              "true o false, membro di enumerazione, testo; ripetibile",
              "CAMPO=VALORE");
   repeatable("--nullo", nullo, "mette Null in un campo Variant; ripetibile", "CAMPO");
-  command->add_option("--rispondi", rispondi, "risposta alle richieste del servizio")
+  command
+      ->add_option("--rispondi", rispondi,
+                   "risposta alle richieste del servizio; senza, si chiede\n"
+                   "sul terminale, e senza terminale la risposta è No")
       ->type_name("si|no");
+  command
+      ->add_option("--rispondi-volte", rispondiVolte,
+                   "quante volte dare il Sì di --rispondi, poi No\n(predefinito: 1)")
+      ->type_name("N");
   command
       ->add_option("--traccia", traccia,
                    "scrive ogni operazione sul database come riga JSON;\n- è lo standard error")
@@ -135,7 +160,9 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
 
 ExitCode CommandEsegui::run(Console& console) const {
   const MethodEntry& method = methodNamed(metodo);
-  CLSCO_AZIENDECOLL service{std::make_shared<ConsolePlatform>(console, answerNamed(rispondi))};
+  const std::optional<Answer> answer = answerNamed(rispondi);
+  CLSCO_AZIENDECOLL service{
+      std::make_shared<ConsolePlatform>(console, answer, answerTimes(rispondiVolte, answer))};
   fillInput(*service.CPInput, *this);
   const CLSCO_INPUTAZCOLL before = *service.CPInput;
 

@@ -19,6 +19,7 @@ struct CommandEsegui {
   std::vector<std::string> imposta;
   std::vector<std::string> nullo;
   std::string rispondi;
+  std::string rispondiVolte;
   std::string traccia;
   bool json = false;
 

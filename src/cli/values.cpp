@@ -129,6 +129,15 @@ Variant typedValue(std::string_view text, FieldUse use) {
   return text;
 }
 
+std::optional<std::int32_t> wholeNumberIn(std::string_view text, std::int32_t least,
+                                          std::int32_t most) {
+  std::int32_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const bool digits = !text.empty() && text.front() != '-' && error == std::errc{} && stop == end;
+  return digits && number >= least && number <= most ? std::optional{number} : std::nullopt;
+}
+
 const InputField& inputFieldNamed(std::string_view name) {
   std::array<std::string_view, kInputFields.size()> names;
   std::transform(kInputFields.begin(), kInputFields.end(), names.begin(),

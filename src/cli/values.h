@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -14,6 +16,10 @@ namespace azcoll::cli {
 /// number (32 bits, 64 bits or decimal, the first that holds it), `true` or `false`; anything else
 /// is the text itself. A number with leading zeros stays a text, so that no digit is lost.
 [[nodiscard]] Variant typedValue(std::string_view text, FieldUse use);
+
+/// The number that a text of digits alone stands for, when it lies between the two bounds.
+[[nodiscard]] std::optional<std::int32_t> wholeNumberIn(std::string_view text, std::int32_t least,
+                                                        std::int32_t most);
 
 /// Sets an input field from `CAMPO=VALORE`. The field's name may lack accents or the right letter
 /// case. Throws `UsageError` when there is no such field, when it is an object, or when the value

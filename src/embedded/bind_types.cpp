@@ -218,6 +218,9 @@ std::string Binder::coerceToCompare(BoundExpression& expression, const Type& com
   if (common.isText()) {
     return emitSlot(expression, common.isUnicode() ? kNVarChar : kVarChar, Conversion::Compare);
   }
+  if (common.kind == TypeKind::Bit && isMarker(expression)) {
+    return emitSlot(expression, common, Conversion::Compare);  // True is 1 here, not -1
+  }
   if (common.isInteger() && number) {
     return emitSlot(expression, kBigInt, Conversion::Compare);
   }

@@ -13,7 +13,8 @@ using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr const char* kCommands[] = {"crea", "esegui", "metodi", "campi", "sql"};
+constexpr const char* kCommands[] = {"crea",   "esegui", "gruppo", "attivita",
+                                     "metodi", "campi",  "sql"};
 
 TEST(App, PrintsItsVersion) {
   const Outcome outcome = azcoll("--version");
@@ -73,7 +74,8 @@ TEST(App, ListsTheCommandsForAWordThatResemblesNone) {
   const Outcome outcome = azcoll("qwerty");
   EXPECT_EQ(outcome.code, ExitCode::Usage);
   EXPECT_THAT(outcome.err, Not(HasSubstr("Forse")));
-  EXPECT_THAT(outcome.err, HasSubstr("Comandi: crea, esegui, metodi, campi, sql."));
+  EXPECT_THAT(outcome.err,
+              HasSubstr("Comandi: crea, esegui, gruppo, attivita, metodi, campi, sql."));
 }
 
 TEST(App, NamesTheNearestOptionForAnUnknownOne) {
@@ -149,6 +151,11 @@ TEST(App, SurvivesOddArguments) {
       {"esegui", "DuplicaCliFor", "--imposta", "=="},
       {"esegui", "DuplicaCliFor", "--nullo", ""},
       {"esegui", "DuplicaCliFor", "--rispondi", "\xFF"},
+      {"esegui", "DuplicaCliFor", "--rispondi-volte", "\xFF"},
+      {"gruppo", "--ditta", "\xFF"},
+      {"gruppo", "--ditta", "1", "--anni", "-"},
+      {"gruppo", "--ditta", "1", "--svg", zero},
+      {"attivita", "--ditta", zero},
       {"sql", "--db", ""},
       {"sql", "--db", "a;b"},
       {"sql", "--db", "a\"b"},

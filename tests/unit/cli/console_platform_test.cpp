@@ -10,7 +10,10 @@
 namespace azcoll::cli {
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 
 class Prompt : public testing::Test {
  protected:
@@ -51,14 +54,78 @@ TEST_F(Prompt, AsksThePersonAtTheTerminal) {
   }
 }
 
-TEST_F(Prompt, DoesNotSayYesTwiceToTheSameQuestion) {
+TEST_F(Prompt, SaysWhatItUnderstood) {
+  ask(true, std::nullopt, "forse\n");
+  EXPECT_THAT(err_.str(), EndsWith("Sì o No? [s/N] Risposta: No\n"));
+  ask(true, std::nullopt, "");
+  EXPECT_THAT(err_.str(), EndsWith("Sì o No? [s/N] \nRisposta: No\n"));
+}
+
+TEST_F(Prompt, SaysYesAsOftenAsItMay) {
+  std::istringstream in;
+  Console console{in, out_, err_};
+  ConsolePlatform platform{console, Answer::Yes, 3};
+  for (const char* text : {"A?", "A?", "B?"}) {
+    EXPECT_EQ(platform.messageBox(text, 36, "Richiesta"), Answer::Yes) << text;
+  }
+  EXPECT_THAT(err_.str(), Not(HasSubstr("--rispondi-volte")));
+  EXPECT_EQ(platform.messageBox("C?", 36, "Richiesta"), Answer::No);
+  EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::No);
+  EXPECT_THAT(err_.str(), HasSubstr("Risposta: No (i Sì da dare sono finiti"));
+}
+
+TEST_F(Prompt, SaysYesOnceUnlessToldOtherwise) {
   std::istringstream in;
   Console console{in, out_, err_};
   ConsolePlatform platform{console, Answer::Yes};
   EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::Yes);
-  EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::No);
-  EXPECT_EQ(platform.messageBox("B?", 36, "Richiesta"), Answer::Yes);
-  EXPECT_THAT(err_.str(), HasSubstr("si è già risposto Sì"));
+  EXPECT_EQ(platform.messageBox("B?", 36, "Richiesta"), Answer::No);
+}
+
+TEST_F(Prompt, NeverRunsOutOfNo) {
+  std::istringstream in;
+  Console console{in, out_, err_};
+  ConsolePlatform platform{console, Answer::No};
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::No);
+  }
+  EXPECT_THAT(err_.str(), Not(HasSubstr("finiti")));
+}
+
+TEST_F(Prompt, SaysOnceAfterAYesThatThereAreNoScreens) {
+  std::istringstream in{"s\ns\n"};
+  Console console{in, out_, err_, true};
+  ConsolePlatform platform{console, std::nullopt};
+  EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::Yes);
+  const std::string first = err_.str();
+  EXPECT_THAT(first, EndsWith("Su Linux le videate di configurazione non esistono: dopo il Sì la "
+                              "configurazione viene solo ricontrollata.\n"));
+  EXPECT_EQ(platform.messageBox("A?", 36, "Richiesta"), Answer::Yes);
+  EXPECT_THAT(err_.str().substr(first.size()), Not(HasSubstr("videate")));
+}
+
+TEST_F(Prompt, DoesNotSpeakOfScreensAfterANo) {
+  ask(false, Answer::No);
+  ask(true, std::nullopt, "n\n");
+  ask(false, std::nullopt);
+  EXPECT_THAT(err_.str(), Not(HasSubstr("videate")));
+}
+
+TEST(ConsolePlatform, SaysThatNoObjectIsCreatedByProgId) {
+  std::istringstream in;
+  std::ostringstream out;
+  Console console{in, out, out};
+  ConsolePlatform platform{console, std::nullopt};
+  try {
+    static_cast<void>(platform.createObject("AZCOLLUI.CLSCO_ATTIVITACOLL"));
+    FAIL() << "an object was created";
+  } catch (const Error& error) {
+    EXPECT_THAT(
+        error.description(),
+        AllOf(HasSubstr("AZCOLLUI.CLSCO_ATTIVITACOLL non si può creare"), HasSubstr("su Linux"),
+              HasSubstr("videate di configurazione"), HasSubstr("azcoll sql")));
+    EXPECT_FALSE(error.fromProvider());
+  }
 }
 
 TEST(ConsolePlatform, ChoosesTheProviderByTheConnectionString) {

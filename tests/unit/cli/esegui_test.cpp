@@ -130,11 +130,22 @@ TEST_F(Esegui, CallsEveryMethodThatThisVersionHas) {
 
 TEST_F(Esegui, ReportsWrongFieldsBeforeOpeningAnything) {
   const std::vector<std::vector<std::string>> wrong{
-      {"--imposta", "Pvar_Dita=1"},     {"--imposta", "Pvar_Ditta"},
-      {"--imposta", "Connessione=x"},   {"--imposta", "Pint_TipoCF=x"},
-      {"--nullo", "Pint_TipoCF"},       {"--nullo", "Pvar_Dita"},
-      {"--rispondi", "forse"},          {"--nullo", "Pvar_Ditta", "--imposta", "pvar_ditta=1"},
-      {"--traccia", path("manca/t.x")}, {"--traccia", db_},
+      {"--imposta", "Pvar_Dita=1"},
+      {"--imposta", "Pvar_Ditta"},
+      {"--imposta", "Connessione=x"},
+      {"--imposta", "Pint_TipoCF=x"},
+      {"--nullo", "Pint_TipoCF"},
+      {"--nullo", "Pvar_Dita"},
+      {"--rispondi", "forse"},
+      {"--rispondi-volte", "2"},
+      {"--rispondi", "no", "--rispondi-volte", "2"},
+      {"--rispondi", "si", "--rispondi-volte", "0"},
+      {"--rispondi", "si", "--rispondi-volte", "-1"},
+      {"--rispondi", "si", "--rispondi-volte", "1001"},
+      {"--rispondi", "si", "--rispondi-volte", "due"},
+      {"--nullo", "Pvar_Ditta", "--imposta", "pvar_ditta=1"},
+      {"--traccia", path("manca/t.x")},
+      {"--traccia", db_},
   };
   const std::string before = contents(db_);
   for (const std::vector<std::string>& options : wrong) {
