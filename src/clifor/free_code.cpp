@@ -95,6 +95,7 @@ void CLSCO_AZIENDECOLL::NumeraCliFor(const std::string& /*ditta*/,
                                      const std::string& dittaPrincipale, const Variant& elenco,
                                      const Variant& codice) {
   const CLSCO_INPUTAZCOLL& in = input();
+  const Date today = platform_->today();  // one day for the whole group, and one look at the clock
   for (const std::string& element : split(companies(elenco, dittaPrincipale))) {
     const Variant company{trim(element)};
     if (mancante(company) || isNumber(company, 0)) {
@@ -109,7 +110,7 @@ void CLSCO_AZIENDECOLL::NumeraCliFor(const std::string& /*ditta*/,
     numbering->Modo = kRecordUsedNumber;
     numbering->Sezione = "00";
     numbering->Anno = 0;
-    numbering->Data = platform_->today();
+    numbering->Data = today;
     numbering->Codice = codice;
     numbering->Connessione = in.Connessione;
     numbering->StringaConnessione = in.StringaConnessione;
