@@ -26,7 +26,25 @@ class Kill : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     folder = std::make_unique<ScratchFolder>();
-    makeExampleFile(folder->file("example.db"));
+    const std::string path = folder->file("example.db");
+    makeExampleFile(path);
+    // A customer that the whole group has, with an intermediary in company 5 alone.
+    const std::shared_ptr<Connection> connection = openFile(path);
+    for (const std::string& company : kGroup) {
+      runSql(*connection,
+             join("INSERT INTO CG44_CLIFOR (CG44_DITTA_CG18, CG44_TIPOCF, CG44_CLIFOR, "
+                  "CG44_CODICE_CG16, CG44_TIPOCF_CG40, CG44_INTERMEDIO_CG40, CG44_FLGATTIVO) "
+                  "VALUES (",
+                  company, ", 0, 777, 3005, 0, Null, 1)"));
+      runSql(*connection,
+             join("IF NOT EXISTS (SELECT 1 FROM CG40_ANADITTAINTER WHERE CG40_DITTA_CG18 = ",
+                  company, " AND CG40_TIPOCF = 0 AND CG40_INTERMEDIO = 1) INSERT INTO ",
+                  "CG40_ANADITTAINTER (CG40_DITTA_CG18, CG40_TIPOCF, CG40_INTERMEDIO) VALUES (",
+                  company, ", 0, 1)"));
+    }
+    runSql(*connection,
+           "UPDATE CG44_CLIFOR SET CG44_INTERMEDIO_CG40 = 1 WHERE CG44_DITTA_CG18 = 5 AND "
+           "CG44_CLIFOR = 777");
   }
   static void TearDownTestSuite() { folder.reset(); }
 
@@ -46,30 +64,45 @@ class Kill : public ::testing::Test {
 };
 std::unique_ptr<ScratchFolder> Kill::folder;
 
-Variant duplicate(const std::shared_ptr<Connection>& connection, int company, int code) {
+using Method = void (CLSCO_AZIENDECOLL::*)() noexcept;
+
+Variant call(Method method, const std::shared_ptr<Connection>& connection, int company, int code) {
   CLSCO_AZIENDECOLL service;
   service.CPInput->Connessione = connection;
   service.CPInput->AnnoSolare = 2025;
   service.CPInput->Pvar_Ditta = company;
   service.CPInput->Pint_TipoCF = Cliente;
   service.CPInput->Pvar_CliFor = code;
-  service.DuplicaCliFor();
+  (service.*method)();
   return service.Stato;
 }
 
-/// Operations of the whole job on the example's customer 120.
-std::vector<std::string> operationsOf(const std::string& path) {
+Variant duplicate(const std::shared_ptr<Connection>& connection, int company, int code) {
+  return call(&CLSCO_AZIENDECOLL::DuplicaCliFor, connection, company, code);
+}
+
+/// Operations of the whole job on a customer of the example.
+std::vector<std::string> operationsOf(const std::string& path, Method method, int code) {
   std::vector<std::string> names;
   const auto connection = std::make_shared<ConnessioneTracciata>(
       openFile(path), [&](const TraceEntry& entry) { names.push_back(entry.operation); });
-  EXPECT_EQ(duplicate(connection, 5, 120), Variant{std::int16_t{0}});
+  EXPECT_EQ(call(method, connection, 5, code), Variant{std::int16_t{0}});
   return names;
 }
 
-TEST_F(Kill, AtEveryStepLeavesAllOrNothing) {
+struct Job {
+  const char* name;
+  Method method;
+  int code;
+};
+
+class KillAtEveryStep : public Kill, public ::testing::WithParamInterface<Job> {};
+
+TEST_P(KillAtEveryStep, LeavesAllOrNothing) {
+  const auto [name, method, code] = GetParam();
   const Lines before = picture(folder->file("example.db"));
   const std::string whole = copy();
-  const std::vector<std::string> operations = operationsOf(whole);
+  const std::vector<std::string> operations = operationsOf(whole, method, code);
   const Lines after = picture(whole);
   ASSERT_NE(before, after);
 
@@ -98,7 +131,7 @@ TEST_F(Kill, AtEveryStepLeavesAllOrNothing) {
                                                die(entry);
                                              }
                                            }});
-        duplicate(connection, 5, 120);
+        call(GetParam().method, connection, 5, GetParam().code);
         return 0;
       }};
       ASSERT_EQ(process.wait(), -SIGKILL) << step;
@@ -111,6 +144,12 @@ TEST_F(Kill, AtEveryStepLeavesAllOrNothing) {
   }
   EXPECT_TRUE(committed);
 }
+
+INSTANTIATE_TEST_SUITE_P(Jobs, KillAtEveryStep,
+                         ::testing::Values(Job{"Duplicate", &CLSCO_AZIENDECOLL::DuplicaCliFor, 120},
+                                           Job{"Modify", &CLSCO_AZIENDECOLL::ModificaCliFor, 777},
+                                           Job{"Delete", &CLSCO_AZIENDECOLL::EliminaCliFor, 777}),
+                         [](const auto& tested) { return tested.param.name; });
 
 /// Saves one customer after another in company 5, as a front end does, and spreads each over the
 /// group. Every third code is taken in company 15.
