@@ -52,6 +52,11 @@ class RatioReporter : public benchmark::ConsoleReporter {
     }
     perCompany("component, cost per linked company, 1000 against 10", "component", 10, 1000);
     perCompany("component, cost per linked company, 1000 against 100", "component", 100, 1000);
+    for (const char* const name : {"modification", "deletion"}) {
+      perCompany(std::string(name) + ", cost per linked company, 1000 against 10", name, 10, 1000);
+      perCompany(std::string(name) + ", cost per linked company, 1000 against 100", name, 100,
+                 1000);
+    }
     statement("point SELECT", "Select", "<= 1.4");
     statement("INSERT of 19 columns", "Insert", "<= 1.8");
     statement("activity query", "Activities", "<= 1.1");

@@ -2,7 +2,6 @@
 // component, its statements replayed as text, SQLite prepared by hand, and one set-based batch.
 
 #include <benchmark/benchmark.h>
-#include <ctime>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,19 +10,13 @@
 #include "bench_database.h"
 #include "component/service.h"
 #include "data/tracing.h"
+#include "processor_time.h"
 #include "raw_database.h"
 
 namespace azcoll::bench {
 namespace {
 
 constexpr std::int64_t kFirstCode = 1'000'000;
-
-/// Processor time of this thread, in seconds: what other programs do on the machine does not count.
-double processorTime() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 /// Times `job(code)` alone, for one code after another; `prepare(code)` comes before it and
 /// `check(code)` after.
