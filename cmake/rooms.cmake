@@ -59,10 +59,11 @@ function(azcoll_command name)
   endif()
 endfunction()
 
-# azcoll_tests(NAME ROOMS rooms… FOLDER folder): one test program from all sources of a folder of
-# tests/, every case a CTest test.
+# azcoll_tests(NAME ROOMS rooms… FOLDER folder [TOGETHER filter]): one test program from all sources
+# of a folder of tests/, every case a CTest test. The cases that the filter names share something that
+# takes long to start (a server), and are one test.
 function(azcoll_tests name)
-  cmake_parse_arguments(TESTS "" "FOLDER" "ROOMS" ${ARGN})
+  cmake_parse_arguments(TESTS "" "FOLDER;TOGETHER" "ROOMS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${TESTS_FOLDER}/*.cpp)
   if(NOT sources)
     return()
@@ -74,5 +75,10 @@ function(azcoll_tests name)
   target_link_libraries(${name} PRIVATE GTest::gtest_main GTest::gmock)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE AZCOLL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  if(TESTS_TOGETHER)
+    add_test(NAME ${name}_together COMMAND ${name} --gtest_filter=${TESTS_TOGETHER})
+    set(apart TEST_FILTER "-${TESTS_TOGETHER}")
+  endif()
+  gtest_discover_tests(${name} ${apart} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                       PROPERTIES TIMEOUT 300)
 endfunction()

@@ -58,8 +58,8 @@ foreign ado '(windows|oleauto|oaidl)\.h'
 # A provider is named in its room and in the factory that chooses it.
 while read -r hit; do
   complain "$hit: names a provider"
-done < <(grep -rnE '\bembedded::|"embedded/' src --include='*.h' --include='*.cpp' |
-  grep -vE '^src/(embedded|platform)/' || true)
+done < <(grep -rnE '\b(embedded|odbc)::|"(embedded|odbc)/' src --include='*.h' --include='*.cpp' |
+  grep -vE '^src/(embedded|odbc|platform)/' || true)
 
 while read -r lines file; do
   [ "$lines" -le "$max_lines" ] || complain "$file: $lines lines, at most $max_lines"

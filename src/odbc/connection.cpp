@@ -1,0 +1,202 @@
+#include "odbc/connection.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "data/error.h"
+#include "odbc/base_columns.h"
+#include "odbc/command.h"
+#include "odbc/execution.h"
+#include "odbc/odbc_connection.h"
+#include "odbc/procedures.h"
+#include "odbc/select_shape.h"
+
+namespace azcoll::odbc {
+
+std::shared_ptr<Connection> newConnection() { return std::make_shared<OdbcConnection>(); }
+
+/// Completes the entries of a failure with what it means for connection and transaction.
+void OdbcConnection::settleTransaction(std::vector<ErrorInfo>& entries) {
+  // Class 08: the connection; class 40: the transaction was rolled back by the server.
+  const auto anyOfClass = [&](std::string_view stateClass) {
+    return std::any_of(entries.begin(), entries.end(), [&](const ErrorInfo& entry) {
+      return entry.sqlState.starts_with(stateClass);
+    });
+  };
+  const bool connectionLost = session_ && (anyOfClass("08") || session_->isDead());
+  const bool undone = session_ && session_->inTransaction() && (connectionLost || anyOfClass("40"));
+  if (undone) {
+    session_->transactionLost();
+  }
+  for (ErrorInfo& entry : entries) {
+    entry.connectionLost = connectionLost;
+    entry.transactionLost = undone;
+  }
+}
+
+void OdbcConnection::fail(const DriverFailure& failure, std::string_view statement) {
+  std::vector<ErrorInfo> entries = failure.entries();
+  settleTransaction(entries);
+  for (ErrorInfo& entry : entries) {
+    entry.description = secrets_.masked(std::move(entry.description));
+    entry.statement = secrets_.masked(std::string{statement});
+  }
+  errors_.record(entries);
+  throw Error::provider(std::move(entries.front()));
+}
+
+/// Runs an operation of the driver; its failures are recorded.
+template <typename Action>
+auto OdbcConnection::recorded(std::string_view statement, Action action) {
+  try {
+    return action();
+  } catch (const DriverFailure& failure) {
+    fail(failure, statement);
+  }
+}
+
+Session& OdbcConnection::session() const {
+  if (!session_) {
+    throw Error("La connessione è chiusa.");
+  }
+  return *session_;
+}
+
+void OdbcConnection::open(std::string_view user, std::string_view password,
+                          CommandOption /*options*/) {
+  if (session_) {
+    throw Error("La connessione è già aperta.");
+  }
+  const std::string complete = withCredentials(connectionString_, user, password);
+  secrets_.addFrom(connectionString_);
+  secrets_.addFrom(complete);
+  recorded(
+      {}, [&] { session_ = std::make_unique<Session>(complete, loginTimeout(connectionString_)); });
+  catalogue_.forget();
+  connectionString_ = maskedConnectionString(connectionString_);
+}
+
+void OdbcConnection::close() {
+  static_cast<void>(session());
+  session_.reset();
+}
+
+ExecutionResult OdbcConnection::runOn(std::string_view text,
+                                      std::vector<BoundParameter>& parameters, int timeoutSeconds,
+                                      bool escapes) {
+  Session& session = this->session();
+  session.ensureAutocommit();
+  const auto statement = session.newStatement(timeoutSeconds, escapes);
+  SQLUSMALLINT number = 0;
+  for (BoundParameter& parameter : parameters) {
+    parameter.bind(*statement, ++number);
+  }
+  return runToEnd(*statement, text, session.reread());
+}
+
+ExecutionResult OdbcConnection::run(std::string_view text) {
+  Session& session = this->session();
+  return recorded(text, [&] {
+    std::vector<BoundParameter> none;
+    if (!leavesTablesAlone(text)) {
+      catalogue_.forget();
+    }
+    ExecutionResult result = runOn(text, none, timeoutSeconds_, false);
+    settleBaseColumns(result, text, session, catalogue_, timeoutSeconds_);
+    return result;
+  });
+}
+
+std::int64_t OdbcConnection::runChange(std::string_view text,
+                                       const std::vector<Variant>& parameters) {
+  Session& session = this->session();
+  return recorded(text, [&] {
+    std::vector<BoundParameter> bound;
+    bound.reserve(parameters.size());
+    for (const Variant& value : parameters) {
+      bound.push_back(BoundParameter::ofValue(value, session.speaksTSql()));
+    }
+    const std::int64_t changed = runOn(text, bound, timeoutSeconds_, true).recordsAffected;
+    if (changed < 0) {
+      throw DriverFailure{"HY000", "Il driver ODBC non dice quante righe sono state modificate"};
+    }
+    return changed;
+  });
+}
+
+std::shared_ptr<Recordset> OdbcConnection::handOut(ExecutionResult result) {
+  if (result.results.empty()) {
+    return nullptr;
+  }
+  return openClientCursor(std::move(result), shared_from_this());
+}
+
+std::shared_ptr<Recordset> OdbcConnection::execute(std::string_view commandText,
+                                                   std::int64_t& recordsAffected,
+                                                   CommandOption options) {
+  if (options == CommandOption::StoredProcedure) {
+    std::vector<Variant> none;
+    return callProcedure(commandText, {}, none, recordsAffected, timeoutSeconds_);
+  }
+  ExecutionResult result = run(commandText);
+  recordsAffected = result.recordsAffected;
+  return handOut(std::move(result));
+}
+
+std::vector<DeclaredParameter> OdbcConnection::describeProcedure(std::string_view name) {
+  Session& session = this->session();
+  return recorded(name, [&] { return declaredParameters(session, name, timeoutSeconds_); });
+}
+
+std::shared_ptr<Recordset> OdbcConnection::callProcedure(
+    std::string_view name, const std::vector<DeclaredParameter>& declared,
+    std::vector<Variant>& values, std::int64_t& recordsAffected, int timeoutSeconds) {
+  const std::string text = callText(name, declared.size());
+  catalogue_.forget();  // a procedure may do anything
+  std::vector<BoundParameter> bound;
+  bound.reserve(declared.size());
+  for (std::size_t index = 0; index < declared.size(); ++index) {
+    bound.push_back(BoundParameter::ofDeclared(declared[index], values[index]));
+  }
+  ExecutionResult result = recorded(text, [&] {
+    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true);
+    for (std::size_t index = 0; index < declared.size(); ++index) {
+      if (declared[index].direction != ParameterDirection::Input) {
+        values[index] = bound[index].output();
+      }
+    }
+    return execution;
+  });
+  for (ResultSet& set : result.results) {
+    std::vector<ColumnInfo> columns = set.columns.all();
+    for (ColumnInfo& column : columns) {  // no query here that would tell how sure they are
+      column.baseTable.clear();
+      column.baseColumn.clear();
+    }
+    set.columns = std::move(columns);
+  }
+  recordsAffected = result.recordsAffected;
+  return handOut(std::move(result));
+}
+
+void OdbcConnection::beginTrans() {
+  Session& session = this->session();
+  recorded({}, [&] { session.begin(); });
+}
+
+void OdbcConnection::commitTrans() {
+  Session& session = this->session();
+  recorded({}, [&] { session.commit(); });
+}
+
+void OdbcConnection::rollbackTrans() {
+  Session& session = this->session();
+  catalogue_.forget();
+  recorded({}, [&] { session.rollback(); });
+}
+
+std::shared_ptr<Recordset> OdbcConnection::newRecordset() { return newClientCursor(); }
+
+std::shared_ptr<Command> OdbcConnection::newCommand() { return newOdbcCommand(); }
+
+}  // namespace azcoll::odbc

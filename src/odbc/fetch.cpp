@@ -1,0 +1,199 @@
+#include "odbc/fetch.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <span>
+
+#include "data/text.h"
+#include "odbc/diagnostics.h"
+#include "odbc/pieces.h"
+
+namespace azcoll::odbc {
+namespace {
+
+constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
+constexpr std::size_t kMostRows = 512;
+constexpr std::size_t kLongestBoundText = 4000;  // beyond it a column has in fact no limit
+constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fit well
+
+/// A bound column: where its values and their lengths arrive.
+struct Slot {
+  Carrier carrier = Carrier::Text;
+  std::size_t width = 0;
+  std::unique_ptr<std::byte[]> values;
+  std::vector<SQLLEN> lengths;
+
+  [[nodiscard]] std::span<const std::byte> value(std::size_t row) const {
+    return {values.get() + row * width, width};
+  }
+};
+
+/// Whether a value may be longer than its column was said to be.
+bool mayOutgrow(const Column& column) {
+  return column.carrier == Carrier::Text || column.carrier == Carrier::Binary;
+}
+
+bool isBindable(const Column& column) {
+  return !mayOutgrow(column) || (column.size > 0 && column.size <= kLongestBoundText);
+}
+
+std::size_t widthOf(const Column& column) {
+  switch (column.carrier) {
+    case Carrier::Text:
+      // Some drivers count characters, and one of them may take two units.
+      return (2 * column.size + 1) * sizeof(char16_t);
+    case Carrier::Binary:
+      return column.size;
+    case Carrier::Decimal:
+      return kDecimalBytes;
+    default:
+      return fixedWidth(column.carrier);
+  }
+}
+
+/// Fetches through bound columns. The bindings end with the object, before the buffers do.
+class BlockReader {
+ public:
+  BlockReader(const Handle& statement, const std::vector<Column>& columns, bool severalRows)
+      : statement_{statement}, columns_{columns} {
+    std::size_t rowBytes = 0;
+    for (const Column& column : columns) {
+      rowBytes += widthOf(column) + sizeof(SQLLEN);
+    }
+    if (severalRows) {
+      rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, kMostRows);
+    }
+    if (rows_ > 1 && !succeeded(setAttribute(SQL_ATTR_ROW_ARRAY_SIZE, rows_))) {
+      rows_ = 1;
+    }
+    status_.resize(rows_);
+    bind();
+  }
+  BlockReader(const BlockReader&) = delete;
+  BlockReader(BlockReader&&) = delete;
+  BlockReader& operator=(const BlockReader&) = delete;
+  BlockReader& operator=(BlockReader&&) = delete;
+  ~BlockReader() {
+    SQLFreeStmt(statement_.get(), SQL_UNBIND);
+    setPointer(SQL_ATTR_ROWS_FETCHED_PTR, nullptr);
+    setPointer(SQL_ATTR_ROW_STATUS_PTR, nullptr);
+    if (rows_ > 1) {
+      setAttribute(SQL_ATTR_ROW_ARRAY_SIZE, 1);
+    }
+  }
+
+  /// Appends the next block to `values`; false behind the last one.
+  bool next(std::vector<Variant>& values) {
+    fetched_ = 0;
+    const SQLRETURN result = SQLFetch(statement_.get());
+    if (result == SQL_NO_DATA) {
+      return false;
+    }
+    statement_.require(result, "SQLFetch");
+    // A driver that knows no blocks fetches one row and does not count.
+    const std::size_t count = std::clamp<std::size_t>(fetched_, 1, rows_);
+    for (std::size_t row = 0; row < count; ++row) {
+      if (rows_ > 1 && status_[row] == SQL_ROW_ERROR) {
+        throw DriverFailure{diagnosticsOf(SQL_HANDLE_STMT, statement_.get(), "SQLFetch")};
+      }
+      for (std::size_t column = 0; column < slots_.size(); ++column) {
+        values.push_back(valueAt(row, column));
+      }
+    }
+    return true;
+  }
+
+ private:
+  SQLRETURN setAttribute(SQLINTEGER attribute, SQLULEN value) {
+    return SQLSetStmtAttrW(statement_.get(), attribute, attributeValue(value), SQL_IS_UINTEGER);
+  }
+  SQLRETURN setPointer(SQLINTEGER attribute, void* target) {
+    return SQLSetStmtAttrW(statement_.get(), attribute, target, SQL_IS_POINTER);
+  }
+
+  void bind() {
+    if (rows_ > 1) {
+      statement_.require(setPointer(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_), "SQLSetStmtAttr");
+      statement_.require(setPointer(SQL_ATTR_ROW_STATUS_PTR, status_.data()), "SQLSetStmtAttr");
+    }
+    slots_.resize(columns_.size());
+    for (std::size_t index = 0; index < columns_.size(); ++index) {
+      Slot& slot = slots_[index];
+      slot.carrier = columns_[index].carrier;
+      slot.width = widthOf(columns_[index]);
+      slot.values = std::make_unique<std::byte[]>(slot.width * rows_);
+      slot.lengths.assign(rows_, 0);
+      statement_.require(
+          SQLBindCol(statement_.get(), static_cast<SQLUSMALLINT>(index + 1), cTypeOf(slot.carrier),
+                     slot.values.get(), static_cast<SQLLEN>(slot.width), slot.lengths.data()),
+          "SQLBindCol");
+    }
+  }
+
+  Variant valueAt(std::size_t row, std::size_t column) {
+    const Slot& slot = slots_[column];
+    const SQLLEN length = slot.lengths[row];
+    if (length == SQL_NULL_DATA) {
+      return kNull;
+    }
+    if (const std::size_t fixed = fixedWidth(slot.carrier); fixed != 0) {
+      return decode(slot.carrier, slot.value(row));
+    }
+    const std::size_t room = slot.width - terminatorWidth(slot.carrier);
+    if (length >= 0 && static_cast<std::size_t>(length) <= room) {
+      return decode(slot.carrier, slot.value(row).first(static_cast<std::size_t>(length)));
+    }
+    return again(row, column);
+  }
+
+  /// The value of a column that did not fit.
+  Variant again(std::size_t row, std::size_t column) {
+    if (rows_ > 1) {
+      statement_.require(SQLSetPos(statement_.get(), row + 1, SQL_POSITION, SQL_LOCK_NO_CHANGE),
+                         "SQLSetPos");
+    }
+    return readInPieces(statement_, static_cast<SQLUSMALLINT>(column + 1), slots_[column].carrier);
+  }
+
+  const Handle& statement_;
+  const std::vector<Column>& columns_;
+  std::size_t rows_ = 1;
+  SQLULEN fetched_ = 0;
+  std::vector<SQLUSMALLINT> status_;
+  std::vector<Slot> slots_;
+};
+
+void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
+                   std::vector<Variant>& values) {
+  while (true) {
+    const SQLRETURN result = SQLFetch(statement.get());
+    if (result == SQL_NO_DATA) {
+      return;
+    }
+    statement.require(result, "SQLFetch");
+    for (std::size_t index = 0; index < columns.size(); ++index) {
+      values.push_back(
+          readInPieces(statement, static_cast<SQLUSMALLINT>(index + 1), columns[index].carrier));
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<Variant> fetchAll(const Handle& statement, const std::vector<Column>& columns,
+                              RereadAbilities reread) {
+  std::vector<Variant> values;
+  const bool bindable = std::all_of(columns.begin(), columns.end(), isBindable);
+  const bool outgrowing = std::any_of(columns.begin(), columns.end(), mayOutgrow);
+  if (!bindable || (outgrowing && !reread.bound)) {
+    fetchInPieces(statement, columns, values);
+    return values;
+  }
+  BlockReader reader{statement, columns, !outgrowing || reread.inBlock};
+  while (reader.next(values)) {
+  }
+  return values;
+}
+
+}  // namespace azcoll::odbc

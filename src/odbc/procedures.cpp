@@ -1,0 +1,151 @@
+#include "odbc/procedures.h"
+
+#include <cstddef>
+#include <optional>
+
+#include "cursor/fold.h"
+#include "cursor/result_set.h"
+#include "data/error.h"
+#include "data/text.h"
+#include "odbc/execution.h"
+#include "odbc/spellings.h"
+#include "odbc/sql_words.h"
+#include "odbc/strings.h"
+
+namespace azcoll::odbc {
+namespace {
+
+using cursor::sameName;
+
+// Columns of the result of SQLProcedureColumns.
+constexpr std::size_t kSchema = 1;
+constexpr std::size_t kProcedure = 2;
+constexpr std::size_t kName = 3;
+constexpr std::size_t kKind = 4;
+constexpr std::size_t kType = 5;
+constexpr std::size_t kSize = 7;
+constexpr std::size_t kDigits = 9;
+constexpr std::size_t kNeeded = 10;
+
+/// A procedure's name in its parts.
+struct ProcedureName {
+  std::string schema{};
+  std::string name{};
+};
+
+ProcedureName nameOf(std::string_view text) {
+  std::vector<std::string> parts;
+  for (const SqlWord& word : wordsOf(text)) {
+    if (word.isName()) {
+      parts.push_back(word.text);
+    } else if (!word.isSign('.')) {
+      throw Error(join("Nome di procedura non valido: ", text));
+    }
+  }
+  if (parts.empty()) {
+    throw Error(join("Nome di procedura non valido: ", text));
+  }
+  return {parts.size() > 1 ? parts[parts.size() - 2] : std::string{}, parts.back()};
+}
+
+/// Servers may give `name;1`.
+std::string_view withoutNumber(std::string_view name) { return name.substr(0, name.find(';')); }
+
+class Rows {
+ public:
+  explicit Rows(ResultSet set) : set_{std::move(set)} {}
+
+  [[nodiscard]] std::size_t count() const {
+    return set_.columns.size() < kNeeded ? 0 : set_.rowCount();
+  }
+  [[nodiscard]] std::string text(std::size_t row, std::size_t column) const {
+    const Variant& value = at(row, column);
+    return value.isNull() ? std::string{} : value.text();
+  }
+  [[nodiscard]] std::int64_t number(std::size_t row, std::size_t column) const {
+    const Variant& value = at(row, column);
+    return value.isNull() ? 0 : value.toInt64();
+  }
+
+ private:
+  [[nodiscard]] const Variant& at(std::size_t row, std::size_t column) const {
+    return set_.values[row * set_.columns.size() + column];
+  }
+
+  ResultSet set_;
+};
+
+std::optional<ParameterDirection> directionOf(std::int64_t kind) {
+  switch (kind) {
+    case SQL_PARAM_INPUT:
+      return ParameterDirection::Input;
+    case SQL_PARAM_INPUT_OUTPUT:
+    case SQL_PARAM_OUTPUT:  // a server's OUTPUT parameter takes a value, too
+      return ParameterDirection::InputOutput;
+    default:
+      return std::nullopt;  // the return value, or a column of the result
+  }
+}
+
+Rows describe(const Session& session, std::string_view procedure, int timeoutSeconds) {
+  const auto statement = session.newStatement(timeoutSeconds, false);
+  std::u16string name = wideOf(procedure);
+  statement->require(SQLProcedureColumnsW(statement->get(), nullptr, 0, nullptr, 0, units(name),
+                                          static_cast<SQLSMALLINT>(name.size()), nullptr, 0),
+                     "SQLProcedureColumns");
+  return Rows{takeResult(*statement, session.reread())};
+}
+
+std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureName& wanted) {
+  std::vector<DeclaredParameter> parameters;
+  std::optional<std::string> schema;
+  for (std::size_t row = 0; row < rows.count(); ++row) {
+    // The name went as a pattern, in which an underscore stands for any character.
+    const std::string owner = rows.text(row, kSchema);
+    const bool meant = sameName(withoutNumber(rows.text(row, kProcedure)), wanted.name) &&
+                       (wanted.schema.empty() || sameName(owner, wanted.schema)) &&
+                       (!schema || *schema == owner);
+    if (!meant) {
+      continue;
+    }
+    schema = owner;  // of several procedures with that name, the first one listed
+    const std::optional<ParameterDirection> direction = directionOf(rows.number(row, kKind));
+    if (direction) {
+      DeclaredParameter parameter;
+      parameter.name = rows.text(row, kName);
+      parameter.direction = *direction;
+      parameter.sqlType = static_cast<SQLSMALLINT>(rows.number(row, kType));
+      const std::int64_t size = rows.number(row, kSize);
+      parameter.size = size > 0 ? static_cast<SQLULEN>(size) : 0;
+      parameter.digits = static_cast<SQLSMALLINT>(rows.number(row, kDigits));
+      parameters.push_back(std::move(parameter));
+    }
+  }
+  return parameters;
+}
+
+}  // namespace
+
+std::vector<DeclaredParameter> declaredParameters(const Session& session,
+                                                  std::string_view procedure, int timeoutSeconds) {
+  const ProcedureName wanted = nameOf(procedure);
+  for (const std::string& spelling : spellingsOf(wanted.name)) {
+    std::vector<DeclaredParameter> parameters =
+        parametersIn(describe(session, spelling, timeoutSeconds), wanted);
+    if (!parameters.empty()) {
+      return parameters;
+    }
+  }
+  return {};
+}
+
+std::string callText(std::string_view procedure, std::size_t parameters) {
+  static_cast<void>(nameOf(procedure));  // nothing but a name may stand in the call
+  std::string text = join("{call ", trim(procedure));
+  for (std::size_t index = 0; index < parameters; ++index) {
+    text += index == 0 ? "(?" : ",?";
+  }
+  return text + (parameters == 0 ? "}" : ")}");
+}
+
+}  // namespace azcoll::odbc

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "odbc/fetch.h"
+#include "odbc/handles.h"
+
+namespace azcoll::odbc {
+
+/// A live connection of the driver manager. Destroying it undoes an open transaction and
+/// disconnects. Every operation throws `DriverFailure`.
+class Session {
+ public:
+  /// Connects; waits at most `timeoutSeconds` (0: as long as the driver does).
+  Session(std::string_view connectionString, int timeoutSeconds);
+  Session(const Session&) = delete;
+  Session(Session&&) = delete;
+  Session& operator=(const Session&) = delete;
+  Session& operator=(Session&&) = delete;
+  ~Session();
+
+  /// A fresh statement that waits at most `timeoutSeconds` (0: without limit). `escapes`: whether
+  /// the driver looks for its `{…}` escapes in the text.
+  [[nodiscard]] std::unique_ptr<Handle> newStatement(int timeoutSeconds, bool escapes) const;
+
+  void begin();
+  /// A transaction that could not be committed is still open, for `rollback`.
+  void commit();
+  void rollback();
+  [[nodiscard]] bool inTransaction() const { return inTransaction_; }
+  /// Outside a transaction every statement must count at once; mends what a failure left behind.
+  void ensureAutocommit();
+
+  /// Forgets the transaction, which the server has undone.
+  void transactionLost() { inTransaction_ = false; }
+
+  /// Whether the driver knows that the server is gone.
+  [[nodiscard]] bool isDead() const;
+
+  [[nodiscard]] RereadAbilities reread() const { return reread_; }
+  /// Whether the server is one that speaks T-SQL.
+  [[nodiscard]] bool speaksTSql() const { return speaksTSql_; }
+
+ private:
+  void setAutocommit(bool on);
+  void askAbilities();
+
+  Handle environment_;
+  std::unique_ptr<Handle> connection_;  // after the environment was told its version
+  bool connected_ = false;
+  bool autocommit_ = true;
+  bool inTransaction_ = false;
+  RereadAbilities reread_;
+  bool speaksTSql_ = false;
+};
+
+}  // namespace azcoll::odbc

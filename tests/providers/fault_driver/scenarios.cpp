@@ -1,0 +1,222 @@
+#include <string>
+#include <utility>
+
+#include "providers/fault_driver/driver.h"
+
+namespace azcoll::fault {
+namespace {
+
+std::u16string number(std::size_t value) {
+  const std::string digits = std::to_string(value);
+  return {digits.begin(), digits.end()};
+}
+
+FaultColumn column(std::u16string name, SQLSMALLINT type, SQLULEN size = 10) {
+  return {.name = std::move(name), .type = type, .size = size};
+}
+
+Scenario counts(std::vector<SQLLEN> values) {
+  Scenario scenario;
+  for (const SQLLEN value : values) {
+    scenario.results.push_back({.rowCount = value});
+  }
+  return scenario;
+}
+
+Scenario one(FaultResult result) {
+  Scenario scenario;
+  scenario.results.push_back(std::move(result));
+  return scenario;
+}
+
+Scenario failing(std::string state, std::u16string message, SQLINTEGER native) {
+  Scenario scenario;
+  scenario.failure.push_back({std::move(state), std::move(message), native});
+  return scenario;
+}
+
+/// Five rows, and the server is gone after the third.
+Scenario linkLostInAFetch() {
+  FaultResult result{.columns = {column(u"C1", SQL_INTEGER)}};
+  for (std::size_t row = 1; row <= 5; ++row) {
+    result.rows.push_back({number(row)});
+  }
+  result.linkFailsAfter = 3;
+  return one(std::move(result));
+}
+
+/// Says 5 characters, gives 5,000 (and one that fits on either side).
+Scenario lyingSizes() {
+  FaultResult result{.columns = {column(u"C1", SQL_INTEGER), column(u"C2", SQL_WVARCHAR, 5),
+                                 column(u"C3", SQL_WVARCHAR, 5)}};
+  result.rows.push_back({u"1", u"breve", u"fine"});
+  result.rows.push_back({u"2", std::u16string(5'000, u'è'), u"fine"});
+  result.rows.push_back({u"3", std::nullopt, u"fine"});
+  return one(std::move(result));
+}
+
+/// A long column before short ones, whose length the driver never tells.
+Scenario noTotal() {
+  FaultColumn longOne = column(u"C1", SQL_WLONGVARCHAR, 0);
+  longOne.noTotal = true;
+  FaultResult result{
+      .columns = {longOne, column(u"C2", SQL_INTEGER), column(u"C3", SQL_WVARCHAR, 10)}};
+  result.rows.push_back({std::u16string(20'000, u'x'), u"7", u"coda"});
+  result.rows.push_back({std::nullopt, std::nullopt, std::nullopt});
+  result.rows.push_back({std::u16string{}, u"8", u""});
+  return one(std::move(result));
+}
+
+Scenario impossibleLength() {
+  FaultColumn bad = column(u"C1", SQL_WVARCHAR, 10);
+  bad.impossibleLength = -77;
+  return one({.columns = {bad}, .rows = {{u"abc"}}});
+}
+
+/// More than one record, the first of 5,000 characters, marked as drivers do.
+Scenario longDiagnostics() {
+  Scenario scenario;
+  scenario.failure.push_back(
+      {"23000", u"[Maker][Driver][Server]" + std::u16string(5'000, u'm') + u"FINE", 2627});
+  scenario.failure.push_back({"01000", u"[Maker][Driver][Server]seconda riga", 3621});
+  scenario.failure.push_back({"01000", u"terza riga [con parentesi]", 1});
+  return scenario;
+}
+
+/// Row counts that are not the real ones, then the rows, then a count.
+Scenario leadingCounts() {
+  Scenario scenario = counts({0, 0});
+  scenario.results.push_back({.columns = {column(u"C1", SQL_INTEGER)}, .rows = {{u"42"}}});
+  scenario.results.push_back({.rowCount = 3});
+  return scenario;
+}
+
+Scenario state(const Connection& connection) {
+  FaultResult result{.columns = {column(u"AUTOCOMMIT", SQL_INTEGER),
+                                 column(u"COMMITS", SQL_INTEGER),
+                                 column(u"ROLLBACKS", SQL_INTEGER)}};
+  const auto count = [](int value) { return number(static_cast<std::size_t>(value)); };
+  result.rows.push_back({connection.autocommit ? u"1" : u"0", count(connection.commits),
+                         count(connection.rollbacks)});
+  return one(std::move(result));
+}
+
+Scenario echo(const std::u16string& text, const Statement& statement) {
+  FaultResult result{
+      .columns = {column(u"TESTO", SQL_WLONGVARCHAR, 0), column(u"PARAMETRI", SQL_INTEGER)}};
+  result.rows.push_back({text, number(statement.parameters.size())});
+  return one(std::move(result));
+}
+
+/// A join, as it is asked for below, of which the driver tells no base tables.
+Scenario join() {
+  return one({.columns = {column(u"PRIMA", SQL_INTEGER), column(u"C1_ID", SQL_INTEGER),
+                          column(u"C2_NOME", SQL_WVARCHAR, 20), column(u"K1", SQL_INTEGER),
+                          column(u"NOME", SQL_WVARCHAR, 20), column(u"K3", SQL_WVARCHAR, 20)},
+              .rows = {{u"1", u"7", u"uno", u"9", u"due", std::nullopt}}});
+}
+
+Scenario single(SQLSMALLINT type, std::u16string value) {
+  return one({.columns = {column(u"C1", type)}, .rows = {{std::move(value)}}});
+}
+
+}  // namespace
+
+Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
+  const Connection& connection = statement.connection;
+  const std::map<std::u16string, Scenario> known{
+      {u"LINK LOST", linkLostInAFetch()},
+      {u"LYING SIZES", lyingSizes()},
+      {u"NO TOTAL", noTotal()},
+      {u"IMPOSSIBLE LENGTH", impossibleLength()},
+      {u"LONG DIAGNOSTICS", longDiagnostics()},
+      {u"LEADING COUNTS", leadingCounts()},
+      {u"NO COUNT", counts({-1})},
+      {u"STATE", state(connection)},
+      {u"LOWER NAMES", one({.columns = {column(u"ditta", SQL_INTEGER)}, .rows = {{u"10"}}})},
+      {u"LONE SURROGATE", single(SQL_WVARCHAR, std::u16string{u'a', char16_t{0xD800}, u'b'})},
+      {u"HUGE DECIMAL", single(SQL_DECIMAL, u"1E400")},
+      {u"FINE DECIMAL", single(SQL_DECIMAL, u"-.0000000000000000000000000000000000001")},
+      {u"ECHO PASSWORD",
+       failing("28000", u"[Maker]refused: " + connection.connectionString, 18456)},
+      {u"DEADLOCK", failing("40001", u"chosen as the deadlock victim", 1205)},
+      {u"LAST CHANGE", single(SQL_WLONGVARCHAR, connection.lastChange)},
+      {u"SELECT CASE WHEN 1=1 THEN 1 END AS PRIMA, A.*, B.K1, B.K2 AS NOME, K3"
+       u" FROM T1_PROVA A INNER JOIN T2_PROVA AS B WITH(NOLOCK) ON B.K1 = A.C1_ID",
+       join()},
+      {u"SELECT 1 AS PRIMA, T1_PROVA.*, X.K1, X.K2 NOME, X.K3 FROM T1_PROVA, F(1) X", join()},
+      {u"SELECT A.*, A.*, A.C1_ID, A.C1_ID FROM T1_PROVA A", join()},
+      {u"SILENT", Scenario{.results = {}, .failure = {{"", u"", 0}}}},
+      {u"SELECT * FROM T1_PROVA",
+       one({.columns = {column(u"c1_id", SQL_INTEGER), column(u"C2_NOME", SQL_WVARCHAR, 20)},
+            .rows = {{u"1", u"uno"}}})}};
+  const auto found = known.find(text);
+  if (found != known.end()) {
+    return found->second;
+  }
+  if (text.starts_with(u"UPDATE") || text.starts_with(u"INSERT")) {
+    const bool silent = connection.has(u"Counts", u"none");
+    return counts({silent ? SQLLEN{-1} : SQLLEN{1}});
+  }
+  return echo(text, statement);
+}
+
+Scenario procedureColumns(const std::u16string&) {
+  FaultResult result;
+  for (const char16_t* const name :
+       {u"PROCEDURE_CAT", u"PROCEDURE_SCHEM", u"PROCEDURE_NAME", u"COLUMN_NAME"}) {
+    result.columns.push_back(column(name, SQL_WVARCHAR, 128));
+  }
+  result.columns.push_back(column(u"COLUMN_TYPE", SQL_SMALLINT));
+  result.columns.push_back(column(u"DATA_TYPE", SQL_SMALLINT));
+  result.columns.push_back(column(u"TYPE_NAME", SQL_WVARCHAR, 128));
+  result.columns.push_back(column(u"COLUMN_SIZE", SQL_INTEGER));
+  result.columns.push_back(column(u"BUFFER_LENGTH", SQL_INTEGER));
+  result.columns.push_back(column(u"DECIMAL_DIGITS", SQL_SMALLINT));
+  const auto add = [&](std::u16string procedure, std::u16string name, std::u16string kind,
+                       std::u16string type, std::u16string size) {
+    result.rows.push_back({u"db", u"dbo", std::move(procedure), std::move(name), std::move(kind),
+                           std::move(type), u"x", std::move(size), u"8000", u"0"});
+  };
+  // Another procedure that the underscore of the pattern meets, then the one that is meant.
+  add(u"pXprova;1", u"@altro", u"1", u"4", u"10");
+  add(u"p_prova;1", u"@return_value", u"5", u"4", u"10");
+  add(u"p_prova;1", u"@codice", u"1", u"4", u"10");
+  add(u"p_prova;1", u"@data", u"1", u"93", u"23");
+  add(u"p_prova;1", u"@testo", u"2", u"12", u"3");  // a length that is not the declared one
+  return one(std::move(result));
+}
+
+Scenario tableColumns(const std::u16string& table) {
+  FaultResult result;
+  for (const char16_t* const name : {u"TABLE_CAT", u"TABLE_SCHEM", u"TABLE_NAME", u"COLUMN_NAME"}) {
+    result.columns.push_back(column(name, SQL_WVARCHAR, 128));
+  }
+  result.columns.push_back(column(u"DATA_TYPE", SQL_SMALLINT));
+  result.columns.push_back(column(u"TYPE_NAME", SQL_WVARCHAR, 128));
+  if (table == u"t1_prova") {  // the catalogue keeps names in lower case
+    result.rows.push_back({u"db", u"dbo", u"t1xprova", u"altra", u"4", u"int"});
+    result.rows.push_back({u"db", u"dbo", u"t1_prova", u"c1_id", u"4", u"int"});
+    result.rows.push_back({u"db", u"dbo", u"t1_prova", u"c2_nome", u"-9", u"nvarchar"});
+  } else if (table == u"t2_prova") {
+    result.rows.push_back({u"db", u"dbo", u"t2_prova", u"k1", u"4", u"int identity"});
+    result.rows.push_back({u"db", u"dbo", u"t2_prova", u"k2", u"-9", u"nvarchar"});
+    result.rows.push_back({u"db", u"dbo", u"t2_prova", u"k3", u"93", u"datetime"});
+  }
+  return one(std::move(result));
+}
+
+Scenario primaryKeys(const std::u16string& table) {
+  FaultResult result;
+  for (const char16_t* const name : {u"TABLE_CAT", u"TABLE_SCHEM", u"TABLE_NAME", u"COLUMN_NAME"}) {
+    result.columns.push_back(column(name, SQL_WVARCHAR, 128));
+  }
+  if (table == u"t1_prova") {
+    result.rows.push_back({u"db", u"dbo", u"t1_prova", u"c1_id"});
+  } else if (table == u"t2_prova") {
+    result.rows.push_back({u"db", u"dbo", u"t2_prova", u"k1"});
+  }
+  return one(std::move(result));
+}
+
+}  // namespace azcoll::fault
