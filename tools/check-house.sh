@@ -53,7 +53,7 @@ foreign() {
 }
 foreign embedded 'sqlite3\.h'
 foreign odbc 'sql(ext|types|ucode)?\.h'
-foreign ado '(windows|oleauto|oaidl)\.h'
+foreign ado '(windows|unknwn|oleauto|oaidl|objbase)\.h'
 
 # A provider is named in its room and in the factory that chooses it.
 while read -r hit; do

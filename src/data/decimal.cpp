@@ -11,8 +11,6 @@
 namespace azcoll {
 namespace {
 
-__extension__ using UInt128 = unsigned __int128;
-
 constexpr std::array<UInt128, Decimal::kMaxDigits + 1> powersOfTen() {
   std::array<UInt128, Decimal::kMaxDigits + 1> powers{};
   UInt128 power = 1;

@@ -6,10 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace azcoll {
+#include "data/int128.h"
 
-/// Signed 128-bit integer of the compiler; wide enough for the 38 digits of a database decimal.
-__extension__ using Int128 = __int128;
+namespace azcoll {
 
 /// Exact decimal number: an integer of at most 38 digits and a scale (digits after the point).
 ///

@@ -364,7 +364,11 @@ Date currentDate() {
   const auto fraction =
       std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
   std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &seconds);
+#else
   localtime_r(&seconds, &local);
+#endif
   return Date::of(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
                   local.tm_min, local.tm_sec > 59 ? 59 : local.tm_sec, static_cast<int>(fraction))
       .value_or(Date{});

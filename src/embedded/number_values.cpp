@@ -15,9 +15,7 @@ namespace azcoll::embedded {
 
 namespace {
 
-__extension__ using Unsigned128 = unsigned __int128;
-
-constexpr Unsigned128 kSignBit = Unsigned128{1} << 127U;
+constexpr UInt128 kSignBit = UInt128{1} << 127U;
 
 constexpr std::array<Int128, 39> makePowers() {
   std::array<Int128, 39> powers{};
@@ -119,7 +117,7 @@ std::string fixedText(double number) {
 }
 
 void storeWide(Int128 digits, unsigned char* bytes) {
-  Unsigned128 ordered = static_cast<Unsigned128>(digits) ^ kSignBit;
+  UInt128 ordered = static_cast<UInt128>(digits) ^ kSignBit;
   for (int i = kWideBytes - 1; i >= 0; --i) {
     bytes[i] = static_cast<unsigned char>(ordered & 0xFFU);
     ordered >>= 8U;
@@ -127,7 +125,7 @@ void storeWide(Int128 digits, unsigned char* bytes) {
 }
 
 Int128 loadWide(const unsigned char* bytes) {
-  Unsigned128 ordered = 0;
+  UInt128 ordered = 0;
   for (int i = 0; i < kWideBytes; ++i) {
     ordered = (ordered << 8U) | bytes[i];
   }

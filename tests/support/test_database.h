@@ -16,6 +16,9 @@
 #include "data/connection.h"
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
+#ifdef AZCOLL_TEST_ADO
+#include "ado/connection.h"
+#endif
 #include "platform/provider_factory.h"
 #include "tsql/ast.h"
 #include "tsql/parser.h"
@@ -134,11 +137,20 @@ inline void emptyTestDatabase(Connection& connection) {
                      affected, CommandOption::Text);
 }
 
+/// The embedded engine; in the Windows tests behind automation objects, as callers hand them over.
+inline std::shared_ptr<Connection> newEmbedded() {
+#ifdef AZCOLL_TEST_ADO
+  return ado::newConnection();
+#else
+  return embedded::newConnection();
+#endif
+}
+
 inline std::shared_ptr<Connection> openConnection() {
   const std::string server = serverConnectionString();
   std::shared_ptr<Connection> connection;
   if (server.empty()) {
-    connection = embedded::newConnection();
+    connection = newEmbedded();
     connection->setConnectionString("Provider=embedded;Data Source=:memory:");
   } else {
     std::cout << "running on the database of AZCOLL_TEST_CONNESSIONE\n";

@@ -66,7 +66,7 @@ TEST(PlatformDefaults, TodayIsTheDayOfTheSystemClock) {
   const auto systemDay = [] {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm parts{};
-    localtime_r(&now, &parts);
+    parts = *std::localtime(&now);
     return Date::of(parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday).value();
   };
   PlainPlatform platform;

@@ -1,0 +1,204 @@
+#include "automation/service_object.h"
+
+#include <type_traits>
+#include <utility>
+
+#include "data/error.h"
+#include "data/messages.h"
+#include "data/text.h"
+
+namespace azcoll::automation {
+namespace {
+
+/// What the two object fields of the service have in common.
+template <typename Object, typename Data>
+void assign(IDispatch* given, ado::ComPtr<IDispatch>& held, std::shared_ptr<Data>& used) {
+  if (given == nullptr) {
+    held = {};
+    used = nullptr;
+    return;
+  }
+  Object* const object = Object::behind(given);
+  if (object == nullptr) {
+    // Only this library's own objects: the fields of another one could not be reached.
+    throw Error(std::string{messages::kTypeMismatch});
+  }
+  held = ado::ComPtr<IDispatch>::share(given);
+  used = object->members().shared();
+}
+
+HRESULT giveObject(const ado::ComPtr<IDispatch>& held, IDispatch** value) {
+  if (value == nullptr) {
+    return E_POINTER;
+  }
+  *value = ado::ComPtr<IDispatch>{held}.detach();
+  return S_OK;
+}
+
+struct FixedSlots {
+  using Object = ServiceObject;
+
+  static HRESULT STDMETHODCALLTYPE getInput(Object* self, IDispatch** value) {
+    return giveObject(self->members().input, value);
+  }
+  static HRESULT STDMETHODCALLTYPE putInput(Object* self, IDispatch* value) {
+    return guarded(self->origin(), [&] { self->members().setInput(value); });
+  }
+  static HRESULT STDMETHODCALLTYPE getOutput(Object* self, IDispatch** value) {
+    return giveObject(self->members().output, value);
+  }
+  static HRESULT STDMETHODCALLTYPE putOutput(Object* self, IDispatch* value) {
+    return guarded(self->origin(), [&] { self->members().setOutput(value); });
+  }
+
+  template <Variant CLSCO_AZIENDECOLL::*kField>
+  static HRESULT STDMETHODCALLTYPE getVariant(Object* self, VARIANT* value) {
+    if (value == nullptr) {
+      return E_POINTER;
+    }
+    *value = VARIANT{};
+    return guarded(self->origin(), [&] { writeOut(self->members().service().*kField, value); });
+  }
+  template <Variant CLSCO_AZIENDECOLL::*kField>
+  static HRESULT STDMETHODCALLTYPE putVariant(Object* self, VARIANT value) {
+    return guarded(self->origin(), [&] { readIn(self->members().service().*kField, value); });
+  }
+
+  template <Variant CLSCO_AZIENDECOLL::*kField>
+  static void appendVariant(std::vector<Slot>& slots) {
+    slots.push_back(slotOf(&getVariant<kField>));
+    slots.push_back(slotOf(&putVariant<kField>));
+    slots.push_back(slotOf(&putVariant<kField>));
+  }
+};
+
+/// A caller's last reference must not go while one of its calls still runs.
+class Kept {
+ public:
+  explicit Kept(ServiceObject* object)
+      : reference_{ado::ComPtr<IDispatch>::share(object->dispatch())} {}
+
+ private:
+  ado::ComPtr<IDispatch> reference_;
+};
+
+HRESULT refuseAbsent(ServiceObject* self, std::string_view name) {
+  return reportFailure(self->origin(), E_NOTIMPL,
+                       join("Metodo non presente in questa versione: ", name));
+}
+
+/// The function behind one method of the table, by what the method gives back.
+template <std::size_t kMethod>
+struct MethodSlot {
+  static constexpr const MethodEntry& kEntry = kMethods[kMethod];
+
+  template <typename Result>
+  static auto member() {
+    return std::get<Result (CLSCO_AZIENDECOLL::*)() noexcept>(kEntry.member);
+  }
+
+  static HRESULT STDMETHODCALLTYPE run(ServiceObject* self) {
+    if constexpr (kEntry.present()) {
+      const Kept kept{self};
+      (self->members().service().*member<void>())();
+      return S_OK;
+    } else {
+      return refuseAbsent(self, kEntry.name);
+    }
+  }
+  static HRESULT STDMETHODCALLTYPE runForTruth(ServiceObject* self, VARIANT_BOOL* result) {
+    if (result == nullptr) {
+      return E_POINTER;
+    }
+    *result = VARIANT_FALSE;
+    if constexpr (kEntry.present()) {
+      const Kept kept{self};
+      writeOut((self->members().service().*member<bool>())(), result);
+      return S_OK;
+    } else {
+      return refuseAbsent(self, kEntry.name);
+    }
+  }
+  static HRESULT STDMETHODCALLTYPE runForText(ServiceObject* self, BSTR* result) {
+    if (result == nullptr) {
+      return E_POINTER;
+    }
+    *result = nullptr;
+    if constexpr (kEntry.present()) {
+      const Kept kept{self};
+      return guarded(self->origin(), [&] {
+        writeOut((self->members().service().*member<std::string>())(), result);
+      });
+    } else {
+      return refuseAbsent(self, kEntry.name);
+    }
+  }
+
+  static Slot slot() {
+    if constexpr (kEntry.result == MethodResult::Boolean) {
+      return slotOf(&runForTruth);
+    } else if constexpr (kEntry.result == MethodResult::Text) {
+      return slotOf(&runForText);
+    } else {
+      return slotOf(&run);
+    }
+  }
+};
+
+}  // namespace
+
+ServiceMembers::ServiceMembers(const Classes& classes)
+    : ServiceMembers{classes, defaultPlatform()} {}
+
+ServiceMembers::ServiceMembers(const Classes& /*classes*/, std::shared_ptr<Platform> platform)
+    : service_{std::move(platform)} {
+  setInput(newInput().get());
+  setOutput(newOutput().get());
+}
+
+void ServiceMembers::setInput(IDispatch* given) {
+  assign<InputObject>(given, input, service_.CPInput);
+}
+
+void ServiceMembers::setOutput(IDispatch* given) {
+  assign<OutputObject>(given, output, service_.CPOutput);
+}
+
+const MemberList& ServiceMembers::list() {
+  static const MemberList members = [] {
+    constexpr Assignment kObject{.byReference = true};
+    constexpr Assignment kVariant{.byValue = true, .byReference = true};
+    MemberList list;
+    for (const std::string_view field : kServiceFields) {
+      const bool object = list.size() < 2;
+      list.push_back({.name = ado::wideText(field), .assignment = object ? kObject : kVariant});
+    }
+    for (const MethodEntry& method : kMethods) {
+      list.push_back({.name = ado::wideText(method.name), .method = true});
+    }
+    return list;
+  }();
+  return members;
+}
+
+template <typename Object>
+std::vector<Slot> ServiceMembers::slots() {
+  std::vector<Slot> slots{slotOf(&FixedSlots::getInput), slotOf(&FixedSlots::putInput),
+                          slotOf(&FixedSlots::getOutput), slotOf(&FixedSlots::putOutput)};
+  FixedSlots::appendVariant<&CLSCO_AZIENDECOLL::Stato>(slots);
+  FixedSlots::appendVariant<&CLSCO_AZIENDECOLL::Errore>(slots);
+  [&]<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
+    (slots.push_back(MethodSlot<kIndexes>::slot()), ...);
+  }
+  (std::make_index_sequence<kMethods.size()>{});
+  return slots;
+}
+
+ado::ComPtr<IDispatch> newService(std::shared_ptr<Platform> platform) {
+  return ServiceObject::create(std::move(platform));
+}
+ado::ComPtr<IDispatch> newService() { return ServiceObject::create(); }
+ado::ComPtr<IDispatch> newInput() { return InputObject::create(); }
+ado::ComPtr<IDispatch> newOutput() { return OutputObject::create(); }
+
+}  // namespace azcoll::automation

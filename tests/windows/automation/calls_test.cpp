@@ -1,0 +1,168 @@
+// Calls through the registered library on the caller's own ADO objects.
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "windows/client.h"
+
+namespace azcoll::test {
+namespace {
+
+/// The example database in a file of its own for each test: AZCOLL_TEST_DATABASE is copied.
+class CallsOfTheDll : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const char* const original = std::getenv("AZCOLL_TEST_DATABASE");
+    ASSERT_NE(original, nullptr) << "tools/windows-tests.sh sets it";
+    file_ = std::string{original} + "." +
+            ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    ASSERT_TRUE(CopyFileA(original, file_.c_str(), FALSE));
+    caller.open(file_);
+    input.putRef(L"Connessione", caller.object());
+    input.put(L"AnnoSolare", 2025);
+    caller.clearRegister();
+  }
+  void TearDown() override {
+    input.putRef(L"Connessione", nullptr);
+    caller.connection().call(L"Close");
+    DeleteFileA(file_.c_str());
+  }
+
+  void duplicate(int company, int code) {
+    input.put(L"Pvar_Ditta", company);
+    input.put(L"Pvar_CliFor", code);
+    service.call(L"DuplicaCliFor");
+  }
+
+  /// The first column of the first row.
+  Variant single(const std::string& sql) {
+    ado::Dispatch rows{caller.connection().getObject(L"Execute", {sql})};
+    ado::Dispatch field{rows.getObject(L"Fields", {0})};
+    return read(field, L"Value");
+  }
+
+  std::string file_;
+  AdoCaller caller;
+  ado::Dispatch service = created(kService);
+  ado::Dispatch input{service.getObject(L"CPInput")};
+  ado::Dispatch output{service.getObject(L"CPOutput")};
+};
+
+TEST_F(CallsOfTheDll, SpreadACustomerOverTheGroup) {
+  duplicate(5, 120);
+  EXPECT_EQ(read(service, L"Stato"), Variant{std::int16_t{0}});
+  EXPECT_TRUE(read(service, L"Errore").isEmpty()) << service.getText(L"Errore");
+  EXPECT_EQ(read(input, L"Pvar_CliFor").toInt32(), 122);
+  EXPECT_EQ(
+      single("SELECT COUNT(1) FROM CG44_CLIFOR WHERE CG44_CLIFOR = 122 AND CG44_CODICE_CG16 = 3005")
+          .toInt32(),
+      4);
+}
+
+TEST_F(CallsOfTheDll, ReportAFailureInStatoAndErroreAndUndoIt) {
+  const std::string count = "SELECT COUNT(1) FROM CG44_CLIFOR";
+  const Variant before = single(count);
+  duplicate(5, 140);  // its address has an apostrophe, which the statement takes as it is
+  EXPECT_EQ(read(service, L"Stato"), Variant{std::int16_t{99}});
+  EXPECT_EQ(service.getText(L"Errore"), "Incorrect syntax near 'Aquila'. in DuplicaClifor");
+  EXPECT_EQ(single(count), before);
+  EXPECT_EQ(caller.calls({"Connection.RollbackTrans"}).size(), 1U);
+}
+
+TEST_F(CallsOfTheDll, RefuseACallWithoutACompany) {
+  service.call(L"DuplicaCliFor");
+  EXPECT_EQ(read(service, L"Stato"), Variant{std::int16_t{1}});
+  EXPECT_EQ(service.getText(L"Errore"), "Codice azienda mancante!");
+}
+
+TEST_F(CallsOfTheDll, AskTheProcedureThroughACommandWithTheOptionsOfTheContract) {
+  input.put(L"Pvar_Ditta", 5);
+  EXPECT_EQ(service.getText(L"GetDittaPrincipale"), "10");
+  EXPECT_EQ(
+      caller.calls({"Command.", "Recordset.ActiveConnection", "Recordset.Find"}),
+      (std::vector<std::string>{
+          "Command.ActiveConnection set(Object)", "Command.CommandText let(PC_GetDitteCollegate)",
+          "Command.CommandType let(4)", "Command.CommandTimeout let(0)",
+          "Command.Prepared let(True)", "Command.Parameters()", "Command.Execute(out|-|4)",
+          "Command.ActiveConnection set(Nothing)", "Recordset.ActiveConnection set(Nothing)",
+          "Recordset.Find(PRINCIPALE = 1|0|1|1)"}));
+}
+
+TEST_F(CallsOfTheDll, OpenRecordsetsWithTheOptionsOfTheContract) {
+  input.put(L"Pvar_Ditta", 10);
+  service.call(L"DitteCollegate");
+  const std::vector<std::string> calls = caller.calls(
+      {"Recordset.ActiveConnection", "Recordset.Source", "Recordset.Cursor", "Recordset.Lock",
+       "Recordset.Open", "Recordset.RecordCount", "Recordset.MoveFirst"});
+  ASSERT_EQ(calls.size(), 8U);
+  EXPECT_EQ(calls[0], "Recordset.ActiveConnection set(Object)");
+  EXPECT_TRUE(calls[1].starts_with("Recordset.Source let(SELECT CG86_DITTACOLL_CG18 AS DITTA"));
+  EXPECT_EQ(calls[2], "Recordset.CursorLocation let(3)");
+  EXPECT_EQ(calls[3], "Recordset.CursorType let(1)");
+  EXPECT_EQ(calls[4], "Recordset.LockType let(4)");
+  EXPECT_EQ(calls[5], "Recordset.Open(-|-|-1|-1|1)");
+  EXPECT_EQ(calls[6], "Recordset.RecordCount()");
+  EXPECT_EQ(calls[7], "Recordset.MoveFirst()");
+  EXPECT_EQ(output.getText(L"DitteCollegate"), "5, 12, 15, 10");
+}
+
+TEST_F(CallsOfTheDll, RunStatementsAsTextAndInOneTransaction) {
+  duplicate(5, 120);
+  const std::vector<std::string> calls =
+      caller.calls({"Connection.Execute", "Connection.BeginTrans", "Connection.CommitTrans",
+                    "Connection.RollbackTrans", "Recordset.UpdateBatch"});
+  std::vector<std::string> marks;
+  for (const std::string& call : calls) {
+    if (!call.starts_with("Connection.Execute")) {
+      marks.push_back(call);
+      continue;
+    }
+    EXPECT_TRUE(call.ends_with("|out|1)")) << call;
+  }
+  ASSERT_GE(marks.size(), 3U);
+  EXPECT_EQ(marks.front(), "Connection.BeginTrans()");
+  EXPECT_EQ(marks.back(), "Connection.CommitTrans()");
+  for (std::size_t index = 1; index + 1 < marks.size(); ++index) {
+    EXPECT_EQ(marks[index], "Recordset.UpdateBatch(3)");
+  }
+}
+
+TEST_F(CallsOfTheDll, OpenAConnectionOfTheirOwnFromAText) {
+  input.putRef(L"Connessione", nullptr);
+  input.put(L"StringaConnessione", "Provider=embedded;Data Source=" + file_);
+  input.put(L"Pvar_Ditta", 5);
+  caller.clearRegister();
+  EXPECT_EQ(service.getText(L"GetDittaPrincipale"), "10");
+  EXPECT_EQ(caller.calls({"Connection.C", "Connection.Open"}),
+            (std::vector<std::string>{
+                "Connection.ConnectionString let(Provider=embedded;Data Source=" + file_ + ")",
+                "Connection.CommandTimeout let(100)", "Connection.CursorLocation let(3)",
+                "Connection.Open(-|||-1)"}));
+  caller.clearRegister();
+  service = created(kService);  // the last reference to the first one
+  EXPECT_EQ(caller.calls({"Connection.Close"}), std::vector<std::string>{"Connection.Close()"});
+  EXPECT_FALSE(input.getObject(L"Connessione"));
+}
+
+TEST_F(CallsOfTheDll, LeaveTheCallersConnectionOpenAtTheEnd) {
+  input.put(L"Pvar_Ditta", 5);
+  service.call(L"ControllaDittaCollegata");
+  EXPECT_TRUE(output.getFlag(L"Gbol_DittaPrincipale"));
+  service = created(kService);
+  EXPECT_EQ(caller.connection().getNumber(L"State"), 1);
+  EXPECT_FALSE(input.getObject(L"Connessione"));
+}
+
+TEST_F(CallsOfTheDll, LetGoOfEveryObjectOfTheCaller) {
+  duplicate(5, 120);
+  service = created(kService);
+  input = ado::Dispatch{service.getObject(L"CPInput")};
+  output = ado::Dispatch{service.getObject(L"CPOutput")};
+  EXPECT_EQ(caller.liveObjects(), 1);  // the caller's own connection
+  input.putRef(L"Connessione", caller.object());
+}
+
+}  // namespace
+}  // namespace azcoll::test
