@@ -100,6 +100,7 @@ void printChanges(std::ostream& out, const ActivityView& view) {
 Json changeAsJson(const ActivityChange& change) {
   Json json;
   json["codice"] = change.code;
+  json["descrizione"] = change.description;
   json["nel_gruppo_di"] = change.main;
   json["segno"] = markOf(change.kind);
   Json& settings = json["campi"] = Json::array();
@@ -135,7 +136,7 @@ void printActivities(std::ostream& out, const ActivityView& view) {
     out << fmt::format("\nNon elencate perché mancano nell'anagrafica attività: {}.\n",
                        fmt::join(year.withoutRegistry, ", "));
   }
-  if (!year.activities.empty()) {
+  if (!year.activities.empty() || !view.previous.activities.empty()) {
     printChanges(out, view);
   }
 }
