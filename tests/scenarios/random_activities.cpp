@@ -33,6 +33,7 @@ std::vector<std::string> RandomActivities::companies() {
 std::vector<std::string> RandomActivities::statements() {
   statements_ = {"DELETE FROM CG86_AZIENDECOLL", "DELETE FROM CG96_ANAGATTIVITA",
                  "DELETE FROM CG25_ANADITTAGEST", "DELETE FROM CG19_ANADITTAESER"};
+  links_.clear();
   for (const int company : kCompanies) {
     addManagementData(company);
     addRegistry(company);
@@ -56,10 +57,27 @@ std::vector<std::string> RandomActivities::statements() {
 
 YearCopy RandomActivities::call(const std::vector<ActivityRow>& rows) {
   YearCopy copy;
-  copy.company = anyOf(kCompanies);
-  copy.from = anyOf(kYears);
-  copy.to = anyOf(kYears);
-  copy.overSeveral = in(50);
+  // Most calls have something to copy.
+  for (int tries = 0; tries < 4; ++tries) {
+    copy.company = anyOf(kCompanies);
+    copy.from = anyOf(kYears);
+    copy.to = anyOf(kYears);
+    copy.overSeveral = in(50);
+    if (std::ranges::any_of(rows, [&](const ActivityRow& row) { return copy.isSource(row); })) {
+      break;
+    }
+  }
+  // Some concern a company that stays linked under another one, whose rows are not to be touched.
+  if (!rows.empty() && in(25)) {
+    const ActivityRow& link = anyOf(rows);
+    const auto again = std::ranges::find_if(rows, [&](const ActivityRow& row) {
+      return row.kind == 0 && row.isLink() && row.main == link.main && row.linked == link.linked &&
+             row.code == link.code && row.year != link.year;
+    });
+    if (again != rows.end()) {
+      copy = {.company = link.linked, .from = link.year, .to = again->year, .overSeveral = true};
+    }
+  }
   if (in(20)) {
     const auto own = static_cast<int>(below(4));
     copy.code = in(50) ? kShared : copy.company * 100 + own;
@@ -111,7 +129,7 @@ std::string RandomActivities::codeOf(int company) {
 }
 
 void RandomActivities::addOwnActivities(int company, int year) {
-  if (in(30)) {
+  if (in(40)) {
     return;
   }
   const std::uint32_t count = 1 + below(4);
@@ -120,28 +138,46 @@ void RandomActivities::addOwnActivities(int company, int year) {
   const bool marked = in(70);
   const bool second = in(5);
   for (std::uint32_t row = 0; row < count; ++row) {
-    addRow(0, year, company, company, marked && (row == first || (second && row == 0)));
+    addRow(0, year, placeOf(company, company), marked && (row == first || (second && row == 0)));
   }
 }
 
+/// Links that go on from the year before with other values, and new ones.
 void RandomActivities::addLinks(int year) {
-  for (std::uint32_t groups = below(3); groups > 0; --groups) {
-    const int main = kCompanies[below(3)];  // few, so that groups go on from year to year
-    const std::uint32_t count = 1 + below(4);
-    const std::uint32_t first = below(4);  // that many groups have no main activity among the links
+  std::vector<Place> now;
+  for (const Place& place : links_) {
+    if (in(60)) {
+      addRow(0, year, place, in(20));
+      now.push_back(place);
+    }
+  }
+  if (in(60)) {
+    const int main = kCompanies[below(3)];  // few, so that companies meet in several groups
+    const std::uint32_t count = 1 + below(3);
+    const std::uint32_t first = below(4);  // many groups have no main activity among the links
     for (std::uint32_t row = 0; row < count; ++row) {
       const int linked = anyOf(kCompanies);
       if (linked != main) {
-        addRow(in(8) ? 99 : 0, year, main, linked, row == first);
+        const Place place = placeOf(main, linked);
+        const bool ofCustomers = in(8);
+        addRow(ofCustomers ? 99 : 0, year, place, row == first);
+        now.push_back(place);
       }
     }
   }
+  links_ = now;
 }
 
-void RandomActivities::addRow(int kind, int year, int main, int linked, bool flagged) {
+RandomActivities::Place RandomActivities::placeOf(int main, int linked) {
+  Place place{.main = main, .linked = linked, .accounting = "0", .code = codeOf(linked)};
+  if (!in(60)) {
+    place.accounting = orNull(join(below(3)), 30);
+  }
+  return place;
+}
+
+void RandomActivities::addRow(int kind, int year, const Place& place, bool flagged) {
   // One after the other: the order in which a compiler evaluates arguments is its own.
-  const std::string accounting = in(60) ? "0" : orNull(join(below(3)), 30);
-  const std::string code = codeOf(linked);
   const std::uint32_t letters = below(4);
   const char* const settings = anyOf(kSettings);
   statements_.push_back(
@@ -149,8 +185,8 @@ void RandomActivities::addRow(int kind, int year, int main, int linked, bool fla
            " CG86_DITTA_CG18, CG86_DITTACOLL_CG18, CG86_CODATTIVITA, CG86_FLGATTIVITAPRINC,"
            " CG86_INDCOMLETTINT, CG86_PERCDETRIVA, CG86_CODICE_CG28, CG86_DATAINPLAFOND,"
            " CG86_INDNOITAEXP) VALUES (",
-           kind, ", ", year, ", ", accounting, ", ", main, ", ", linked, ", ", code, ", ",
-           flagged ? 1 : 0, ", ", letters, ", ", settings, ")"));
+           kind, ", ", year, ", ", place.accounting, ", ", place.main, ", ", place.linked, ", ",
+           place.code, ", ", flagged ? 1 : 0, ", ", letters, ", ", settings, ")"));
 }
 
 }  // namespace azcoll::test

@@ -27,6 +27,14 @@ class RandomActivities {
   [[nodiscard]] YearCopy call(const std::vector<ActivityRow>& rows);
 
  private:
+  /// What several years' rows have in common.
+  struct Place {
+    int main = 0;
+    int linked = 0;
+    std::string accounting;
+    std::string code;
+  };
+
   [[nodiscard]] std::uint32_t below(std::uint32_t limit) {
     return static_cast<std::uint32_t>(random_() % limit);
   }
@@ -44,9 +52,11 @@ class RandomActivities {
   void addRegistry(int company);
   void addOwnActivities(int company, int year);
   void addLinks(int year);
-  void addRow(int kind, int year, int main, int linked, bool flagged);
+  [[nodiscard]] Place placeOf(int main, int linked);
+  void addRow(int kind, int year, const Place& place, bool flagged);
 
   std::minstd_rand random_;
+  std::vector<Place> links_;  ///< of the year before
   std::vector<std::string> statements_;
 };
 

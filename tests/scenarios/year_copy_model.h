@@ -39,8 +39,8 @@ struct YearCopy {
   int from = 0;
   int to = 0;
   bool overSeveral = false;
-  std::optional<int> code;
-  std::optional<int> id;
+  std::optional<int> code{};
+  std::optional<int> id{};
 
   [[nodiscard]] bool selects(const ActivityRow& row) const {
     return (!code || row.code == code) && (!id || row.id == *id);
