@@ -132,6 +132,10 @@ void printActivities(std::ostream& out, const ActivityView& view) {
     out << fmt::format("\nSezionali senza attività: {}.\n",
                        visible(fmt::format("{}", fmt::join(year.freeRegisters, ", "))));
   }
+  if (!year.hiddenRegisters.empty()) {
+    out << fmt::format("\nSezionali di attività non elencate: {}.\n",
+                       visible(fmt::format("{}", fmt::join(year.hiddenRegisters, ", "))));
+  }
   if (!year.withoutRegistry.empty()) {
     out << fmt::format("\nNon elencate perché mancano nell'anagrafica attività: {}.\n",
                        fmt::join(year.withoutRegistry, ", "));
@@ -159,6 +163,7 @@ void printActivitiesJson(std::ostream& out, const ActivityView& view) {
     entry["sezionali"] = activity.registers;
   }
   json["sezionali_senza_attivita"] = view.current.freeRegisters;
+  json["sezionali_di_attivita_non_elencate"] = view.current.hiddenRegisters;
   json["senza_anagrafica"] = view.current.withoutRegistry;
   json["anno_precedente"] = view.previous.year;
   Json& differences = json["differenze"] = nullptr;

@@ -95,6 +95,13 @@ TEST_F(Attivita, NamesRegistersAndActivitiesThatFindNoPlace) {
               AllOf(HasSubstr("\nSezionali senza attività: 02.\n"),
                     HasSubstr("\nNon elencate perché mancano nell'anagrafica attività: 4003.\n"),
                     Not(HasSubstr("4003  Consulenza"))));
+  sql("UPDATE CG32_ANADITTAPSEZ SET CG32_IDATTIVITA_CG86 = 14 WHERE CG32_DITTA_CG18 = 40"
+      " AND CG32_ANNO = 2024 AND CG32_SEZIONALE = '02'");
+  EXPECT_THAT(attivita(40, 2024).out,
+              AllOf(HasSubstr("\nSezionali di attività non elencate: 02.\n"),
+                    Not(HasSubstr("Sezionali senza attività"))));
+  const auto json = attivita(40, 2024, "--json").json();
+  EXPECT_EQ(json["sezionali_di_attivita_non_elencate"].dump(), R"(["02"])");
 }
 
 TEST_F(Attivita, PairsRowsOfTheSameCodeInTheirOrder) {
@@ -118,9 +125,10 @@ TEST_F(Attivita, AYearWithoutActivitiesIsAnAnswerAndStaysEmpty) {
               "  - 10 Attività 10 (azienda 10): non c'è più\n");
   }
   EXPECT_TRUE(contents(db_) == before);
-  EXPECT_EQ(attivita(10, 2026, "--json").json()["differenze"].dump(),
-            R"([{"codice":10,"descrizione":"Attività 10 (azienda 10)","nel_gruppo_di":10,)"
-            R"("segno":"-","campi":[]}])");
+  const std::string differences = attivita(10, 2026, "--json").json()["differenze"].dump();
+  EXPECT_EQ(differences,
+            R"json([{"codice":10,"descrizione":"Attività 10 (azienda 10)","nel_gruppo_di":10,)json"
+            R"json("segno":"-","campi":[]}])json");
   const Outcome never = attivita(5, 2024);
   EXPECT_THAT(never.out, HasSubstr("L'azienda 5 non ha attività in nessun anno.\n"));
   EXPECT_THAT(never.out, Not(HasSubstr("Rispetto al")));
