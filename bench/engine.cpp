@@ -5,66 +5,24 @@
 #include <fstream>
 #include <functional>
 #include <memory>
-#include <sqlite3.h>
 #include <string>
-#include <vector>
 
 #include "bench_database.h"
 #include "raw_database.h"
+#include "support/sqlite_texts.h"
 
 namespace azcoll::bench {
 namespace {
 
 constexpr int kRows = 1000;
 
-/// The SQLite texts that the engine's connections run, constants included, while it exists.
-class SqliteTexts {
- public:
-  SqliteTexts() {
-    texts().clear();
-    sqlite3_auto_extension(reinterpret_cast<void (*)()>(&listen));
-  }
-  SqliteTexts(const SqliteTexts&) = delete;
-  SqliteTexts(SqliteTexts&&) = delete;
-  SqliteTexts& operator=(const SqliteTexts&) = delete;
-  SqliteTexts& operator=(SqliteTexts&&) = delete;
-  ~SqliteTexts() {
-    sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(&listen));
-    texts().clear();
-  }
-
-  static std::vector<std::string>& texts() {
-    static std::vector<std::string> all;
-    return all;
-  }
-
- private:
-  static int listen(sqlite3* database, char** /*error*/, const void* /*api*/) {
-    return sqlite3_trace_v2(
-        database, SQLITE_TRACE_STMT,
-        [](unsigned, void*, void* statement, void*) {
-          char* const text = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
-          texts().emplace_back(text == nullptr ? "" : text);
-          sqlite3_free(text);
-          return 0;
-        },
-        nullptr);
-  }
-};
-
-/// The longest SQLite text that the engine runs for a statement: the statement itself.
+/// The SQLite text, constants included, that the engine runs for a statement.
 std::string sqliteTextOf(const std::string& file, const std::string& statement) {
-  const SqliteTexts listening;
+  const test::SqliteTexts listening;
   const std::shared_ptr<Connection> connection =
       newConnectionFor(join("Provider=embedded;Data Source=", file));
   connection->open("", "", CommandOption::Unspecified);
-  SqliteTexts::texts().clear();
-  run(*connection, statement);
-  std::string longest;
-  for (const std::string& text : SqliteTexts::texts()) {
-    longest = text.size() > longest.size() ? text : longest;
-  }
-  return longest;
+  return test::sqliteStatementOf(*connection, statement).expanded;
 }
 
 /// The activity query with the decoded columns, as the service composes it for company 10 in 2024:

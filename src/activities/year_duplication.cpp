@@ -75,7 +75,9 @@ void CLSCO_AZIENDECOLL::duplicaAttività(bool& iniziata) {
   CLSCO_INPUTAZCOLL& in = input();
   const DuplicazioneAnno anni{.ditta = in.Pvar_Ditta,
                               .origine = ValoreDefault(in.AnnoSolareDaDuplicare, std::int16_t{0}),
-                              .destinazione = annoAttività()};
+                              // A year 0 is refused: taken for the current year, it would have
+                              // that year's activities replaced.
+                              .destinazione = AnnoRiferimento(false)};
   if (rifiutaDuplicazione(anni)) {
     return;
   }
@@ -84,6 +86,9 @@ void CLSCO_AZIENDECOLL::duplicaAttività(bool& iniziata) {
   RecordsetAttivitaCollegate();
   if (!riuscito()) {
     return;  // nothing has been changed yet
+  }
+  if (isNumber(anni.destinazione, anni.origine.toInt64())) {
+    return;  // a year is its own copy; once its rows were deleted there would be nothing to copy
   }
   const std::shared_ptr<Recordset> old = output().Grst_AttivitaCollegate;
   connessione().beginTrans();
@@ -156,13 +161,14 @@ bool CLSCO_AZIENDECOLL::rifiutaDuplicazione(const DuplicazioneAnno& anni) {
                      anni.destinazione, "."));
 }
 
-/// For every linked company of the source year: its own activities give way to the links.
+/// For every linked company of the source year: its own activities give way to the links. Not those
+/// of the company itself, linked under another one: they are what is to be copied.
 void CLSCO_AZIENDECOLL::eliminaAttivitàCollegate(Recordset& vecchie, const DuplicazioneAnno& anni) {
   const auto value = [&](std::string_view column) { return vecchie.fields().item(column).value(); };
   vecchie.setFilter(join("CG86_ANNOIVA = ", anni.origine));
   for (; !vecchie.atEnd() && riuscito(); vecchie.moveNext()) {
     const Variant linked = value("CG86_DITTACOLL_CG18");
-    if (!sameValue(value("CG86_DITTA_CG18"), linked)) {
+    if (!sameValue(value("CG86_DITTA_CG18"), linked) && !isNumber(anni.ditta, linked.toInt64())) {
       const Borrowed company{input().Pvar_Ditta, linked};
       EliminaAttivitàSingolaCollegamentoMultiAzienda();
     }

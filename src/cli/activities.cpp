@@ -96,11 +96,14 @@ void fillRegisters(ActivityView& view, const Rows& rows) {
     ActivityYear& year = row[0].toInt32() == view.current.year ? view.current : view.previous;
     std::string code = exchangeText(row[1]);
     code.erase(code.find_last_not_of(' ') + 1);
+    if (row[2].isNull()) {
+      year.freeRegisters.push_back(std::move(code));
+      continue;
+    }
     const auto owner =
-        std::find_if(year.activities.begin(), year.activities.end(), [&](const Activity& activity) {
-          return !row[2].isNull() && row[2].toInt64() == activity.id;
-        });
-    (owner == year.activities.end() ? year.freeRegisters : owner->registers)
+        std::find_if(year.activities.begin(), year.activities.end(),
+                     [&](const Activity& activity) { return row[2].toInt64() == activity.id; });
+    (owner == year.activities.end() ? year.hiddenRegisters : owner->registers)
         .push_back(std::move(code));
   }
 }
@@ -163,8 +166,8 @@ ActivityChange changeOf(const ActivityView& view, const Activity& before, const 
 
 ActivityView readActivities(const std::shared_ptr<Connection>& connection, std::int32_t company,
                             std::int32_t year) {
-  ActivityView view{
-      company, readCompanyNames(*connection), {}, {year, {}, {}, {}}, {year - 1, {}, {}, {}}, {}};
+  ActivityView view{company, readCompanyNames(*connection), {}, {.year = year}, {.year = year - 1},
+                    {}};
   requireCompany(company, view.names);
   fillActivities(view, query(*connection, activityStatement(company, year)));
   fillRegisters(view, readRegisters(*connection, view));

@@ -27,8 +27,9 @@ struct Activity {
 /// The activities of one VAT year.
 struct ActivityYear {
   std::int32_t year = 0;
-  std::vector<Activity> activities;             ///< in the order of the service's query
-  std::vector<std::string> freeRegisters;       ///< sectional registers without activity
+  std::vector<Activity> activities{};           ///< in the order of the service's query
+  std::vector<std::string> freeRegisters{};     ///< sectional registers without activity
+  std::vector<std::string> hiddenRegisters{};   ///< of an activity that the query does not show
   std::vector<std::int32_t> withoutRegistry{};  ///< codes that the activity registry does not have
 };
 

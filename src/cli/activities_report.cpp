@@ -100,6 +100,7 @@ void printChanges(std::ostream& out, const ActivityView& view) {
 Json changeAsJson(const ActivityChange& change) {
   Json json;
   json["codice"] = change.code;
+  json["descrizione"] = change.description;
   json["nel_gruppo_di"] = change.main;
   json["segno"] = markOf(change.kind);
   Json& settings = json["campi"] = Json::array();
@@ -131,11 +132,15 @@ void printActivities(std::ostream& out, const ActivityView& view) {
     out << fmt::format("\nSezionali senza attività: {}.\n",
                        visible(fmt::format("{}", fmt::join(year.freeRegisters, ", "))));
   }
+  if (!year.hiddenRegisters.empty()) {
+    out << fmt::format("\nSezionali di attività non elencate: {}.\n",
+                       visible(fmt::format("{}", fmt::join(year.hiddenRegisters, ", "))));
+  }
   if (!year.withoutRegistry.empty()) {
     out << fmt::format("\nNon elencate perché mancano nell'anagrafica attività: {}.\n",
                        fmt::join(year.withoutRegistry, ", "));
   }
-  if (!year.activities.empty()) {
+  if (!year.activities.empty() || !view.previous.activities.empty()) {
     printChanges(out, view);
   }
 }
@@ -158,6 +163,7 @@ void printActivitiesJson(std::ostream& out, const ActivityView& view) {
     entry["sezionali"] = activity.registers;
   }
   json["sezionali_senza_attivita"] = view.current.freeRegisters;
+  json["sezionali_di_attivita_non_elencate"] = view.current.hiddenRegisters;
   json["senza_anagrafica"] = view.current.withoutRegistry;
   json["anno_precedente"] = view.previous.year;
   Json& differences = json["differenze"] = nullptr;

@@ -27,6 +27,19 @@ void splitConjuncts(const tsql::Expression& condition,
   }
 }
 
+bool isConstant(const tsql::Expression& expression) {
+  return std::holds_alternative<tsql::Literal>(expression.node) ||
+         std::holds_alternative<tsql::Variable>(expression.node);
+}
+
+/// `column = constant`.
+bool namesOneValue(const tsql::Expression& condition) {
+  const auto* const binary = std::get_if<tsql::Binary>(&condition.node);
+  return binary != nullptr && binary->op == tsql::BinaryOperator::Equal &&
+         std::holds_alternative<tsql::ColumnReference>(binary->left->node) &&
+         isConstant(*binary->right);
+}
+
 bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query& query) {
   for (const tsql::SelectItem& item : specification.items) {
     if (containsAggregate(*item.expression)) {
@@ -118,6 +131,12 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
     }
     select.correlations.clear();
   }
+  if (select.correlations.empty() && !select.alternatives.empty()) {
+    // Asked anew for every row, the query is better off in one piece.
+    select.where += (select.where.empty() ? "(" : " AND (") + select.alternatives.front() + " OR " +
+                    select.alternatives.back() + ")";
+    select.alternatives.clear();
+  }
   addConstantFilters(outer, select);
   emission_.touchedLevels = touchedBefore | outside | select.correlationLevels;
 }
@@ -188,7 +207,8 @@ void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, co
   std::vector<const tsql::Expression*> conjuncts;
   splitConjuncts(condition, conjuncts);
   for (const tsql::Expression* const conjunct : conjuncts) {
-    if (use.in == nullptr || !bindCorrelation(*conjunct, scope, select)) {
+    if (use.in == nullptr || !(bindCorrelation(*conjunct, scope, select) ||
+                               bindAlternatives(*conjunct, scope, select))) {
       const std::string sql = bindCondition(*conjunct, scope, true);
       noteConstantFilter(*conjunct, sql, scope);
       select.where += (select.where.empty() ? "" : " AND ") + sql;
@@ -199,10 +219,6 @@ void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, co
 /// Keeps in mind what the condition demands of a column of the query by constants alone.
 void Binder::noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
                                 const Scope& scope) {
-  const auto isConstant = [](const tsql::Expression& expression) {
-    return std::holds_alternative<tsql::Literal>(expression.node) ||
-           std::holds_alternative<tsql::Variable>(expression.node);
-  };
   const tsql::Expression* operand = nullptr;
   if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
     if (binary->op == tsql::BinaryOperator::Equal && isConstant(*binary->right)) {
@@ -273,6 +289,21 @@ bool Binder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scop
   }
   select.correlationLevels |= (levelsA | levelsB) & outside;
   select.correlations.push_back(innerLeft ? Correlation{a.sql, b.sql} : Correlation{b.sql, a.sql});
+  return true;
+}
+
+/// Takes `column = constant OR column = constant` out of a condition. False when the part is none;
+/// nothing is bound then. SQLite would rather read all rows of the conditions around it.
+bool Binder::bindAlternatives(const tsql::Expression& conjunct, const Scope& scope,
+                              BoundSelect& select) {
+  const auto* const either = std::get_if<tsql::Binary>(&conjunct.node);
+  if (either == nullptr || either->op != tsql::BinaryOperator::Or || !select.alternatives.empty() ||
+      !namesOneValue(*either->left) || !namesOneValue(*either->right)) {
+    return false;
+  }
+  for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
+    select.alternatives.push_back(bindCondition(**part, scope, true));
+  }
   return true;
 }
 

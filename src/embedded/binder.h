@@ -199,6 +199,7 @@ class Binder {
                           const Scope& scope);
   static void addConstantFilters(const Scope* outer, BoundSelect& select);
   bool bindCorrelation(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
+  bool bindAlternatives(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
   void bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
                    BoundSelect& select);
   void bindTop(const tsql::Top& top, BoundSelect& select);

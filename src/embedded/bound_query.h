@@ -33,6 +33,8 @@ struct BoundSelect {
   std::vector<OutputColumn> columns;
   std::string from;
   std::string where;
+  /// Conditions of which one holds besides `where`: apart, each is looked for by its own index.
+  std::vector<std::string> alternatives;
   std::string groupBy;
   std::string having;
   std::string orderBy;

@@ -215,6 +215,7 @@ Index describeIndex(const tsql::CreateIndexStatement& definition, const Table& t
   Index index;
   index.name = definition.name;
   index.unique = definition.unique;
+  index.descending = definition.descending;
   for (const std::string& column : definition.columns) {
     index.columns.push_back(columnOf(table, column));
   }

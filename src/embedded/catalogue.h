@@ -35,6 +35,7 @@ struct Constraint {
 struct Index {
   std::string name;
   std::vector<std::size_t> columns;
+  std::vector<bool> descending;  ///< of each column
   bool unique = false;
 };
 

@@ -27,15 +27,15 @@ std::string renderOperand(const BoundQuery& query, bool isRight) {
   return render(query);
 }
 
-}  // namespace
-
-std::string renderTail(const BoundSelect& select) {
+/// From FROM on; `besides` is one more condition, or "".
+std::string renderTail(const BoundSelect& select, const std::string& besides) {
   std::string sql;
   if (!select.from.empty()) {
     sql += " FROM " + select.from;
   }
-  if (!select.where.empty()) {
+  if (!select.where.empty() || !besides.empty()) {
     sql += " WHERE " + select.where;
+    sql += (select.where.empty() || besides.empty() ? "" : " AND ") + besides;
   }
   if (!select.groupBy.empty()) {
     sql += " GROUP BY " + select.groupBy;
@@ -52,12 +52,26 @@ std::string renderTail(const BoundSelect& select) {
   return sql;
 }
 
+}  // namespace
+
+std::string renderTail(const BoundSelect& select) { return renderTail(select, ""); }
+
 std::string render(const BoundSelect& select) {
-  std::string sql = select.distinct ? "SELECT DISTINCT " : "SELECT ";
+  std::string columns = select.distinct ? "SELECT DISTINCT " : "SELECT ";
   for (std::size_t i = 0; i < select.columns.size(); ++i) {
-    sql += (i == 0 ? "" : ",") + select.columns[i].sql + " AS c" + std::to_string(i + 1);
+    columns += (i == 0 ? "" : ",") + select.columns[i].sql + " AS c" + std::to_string(i + 1);
   }
-  return sql + renderTail(select);
+  if (select.alternatives.empty()) {
+    return columns + renderTail(select);
+  }
+  // For an IN, to which a row given twice is the same. In a query of its own: SQLite takes the
+  // columns of a row value apart, and looks them up by index, for a simple SELECT only.
+  std::string sql;
+  for (const std::string& alternative : select.alternatives) {
+    sql += (sql.empty() ? "SELECT * FROM (" : " UNION ALL ") + columns +
+           renderTail(select, alternative);
+  }
+  return sql + ")";
 }
 
 std::string render(const BoundQuery& query) {

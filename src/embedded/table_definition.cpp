@@ -11,10 +11,13 @@ namespace azcoll::embedded {
 
 namespace {
 
-std::string columnList(const Table& table, const std::vector<std::size_t>& columns) {
+/// `descending` tells of each column whether its order is turned; empty for none.
+std::string columnList(const Table& table, const std::vector<std::size_t>& columns,
+                       const std::vector<bool>& descending = {}) {
   std::string list;
-  for (const std::size_t column : columns) {
-    list += (list.empty() ? "" : ",") + quoteName(table.columns[column].name);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    list += (i == 0 ? "" : ",") + quoteName(table.columns[columns[i]].name);
+    list += !descending.empty() && descending[i] ? " DESC" : "";
   }
   return "(" + list + ")";
 }
@@ -220,7 +223,7 @@ std::vector<std::string> indexDefinition(const Table& table, const Index& index)
   std::vector<std::string> statements{(index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
                                       quoteName(indexStoreName(table, index.name)) + " ON " +
                                       quoteName(table.storeName) + " " +
-                                      columnList(table, index.columns)};
+                                      columnList(table, index.columns, index.descending)};
   if (index.unique) {
     const auto more = nullIndex(table, index.columns, index.name);
     statements.insert(statements.end(), more.begin(), more.end());

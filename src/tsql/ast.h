@@ -311,6 +311,7 @@ struct CreateIndexStatement {
   std::string name;
   ObjectName table;
   std::vector<std::string> columns;
+  std::vector<bool> descending;  ///< of each column
   bool unique = false;
 };
 struct DropStatement {

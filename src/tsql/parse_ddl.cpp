@@ -262,16 +262,22 @@ void Parser::skipClustered() {
   }
 }
 
-/// `(column [ASC], …)`.
-std::vector<std::string> Parser::parseIndexColumns() {
+/// `(column [ASC], …)`; `[ASC | DESC]` where the caller takes the directions.
+std::vector<std::string> Parser::parseIndexColumns(std::vector<bool>* descending) {
   expect(Symbol::LeftParenthesis);
   std::vector<std::string> columns;
   do {
     columns.push_back(takeName());
-    if (is(Keyword::Desc)) {
+    if (descending == nullptr && is(Keyword::Desc)) {
       failOutside("descending keys");
     }
-    accept(Keyword::Asc);
+    const bool down = accept(Keyword::Desc);
+    if (!down) {
+      accept(Keyword::Asc);
+    }
+    if (descending != nullptr) {
+      descending->push_back(down);
+    }
   } while (accept(Symbol::Comma));
   expect(Symbol::RightParenthesis);
   return columns;
@@ -285,7 +291,7 @@ CreateIndexStatement Parser::parseCreateIndex() {
   index.name = takeName();
   expect(Keyword::On);
   index.table = parseObjectName(3);
-  index.columns = parseIndexColumns();
+  index.columns = parseIndexColumns(&index.descending);
   if (isWord("INCLUDE")) {
     failOutside("indexes with INCLUDE");
   }

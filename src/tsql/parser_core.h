@@ -198,7 +198,7 @@ class Parser {
   std::int64_t takeIdentityNumber();
   void parseTableConstraint(CreateTableStatement& table);
   void parseReferences(ConstraintDefinition& constraint);
-  std::vector<std::string> parseIndexColumns();
+  std::vector<std::string> parseIndexColumns(std::vector<bool>* descending = nullptr);
   void skipClustered();
   void refuseStorageOptions();
   CreateIndexStatement parseCreateIndex();

@@ -84,8 +84,13 @@ void Printer::write(const CreateIndexStatement& index) {
   name(index.name);
   out_ += " ON ";
   objectName(index.table);
-  out_ += ' ';
-  nameList(index.columns);
+  out_ += " (";
+  for (std::size_t i = 0; i < index.columns.size(); ++i) {
+    out_ += i == 0 ? "" : ", ";
+    name(index.columns[i]);
+    out_ += index.descending[i] ? " DESC" : "";
+  }
+  out_ += ')';
 }
 
 void Printer::write(const DropStatement& drop) {

@@ -72,8 +72,44 @@ std::string_view tellerOfReading(const Fault& fault) {
                                           : tellerOfSeeding(fault);
 }
 
+/// The same of a register's activity.
+std::string_view tellerOfRegister(const Fault& fault) {
+  return fault.lost() || fault.is("Execute", "CG32_ANADITTAPSEZ")
+             ? " in GetCodiceAttivitàDaSezionale"
+             : tellerOfSeeding(fault);
+}
+
 Teller always(std::string_view suffix) {
   return [suffix](const Fault&) { return suffix; };
+}
+
+/// An activity that cannot be looked for counts as missing: it is made, and the failure is told.
+FaultScenario existence() {
+  FaultScenario scenario = stepByStep(
+      "VerificaEsistenzaAttivita", " in GetCodiceAttività",
+      [](CLSCO_AZIENDECOLL& service) {
+        service.CPInput->Pvar_Ditta = 20;
+        service.CPInput->AnnoSolare = 2025;
+        service.CPInput->CodiceAttività = 20;
+        service.VerificaEsistenzaAttivita();
+      },
+      tellerOfSeeding);
+  scenario.documented = [seeding = scenario.documented](
+                            const Fault& fault,
+                            const Reference& reference) -> std::optional<Outcome> {
+    if (!fault.is("Execute", "SELECT CG86_CODATTIVITA, CG96_DESCRATTIVITA")) {
+      return seeding(fault, reference);
+    }
+    // A lost connection is noticed by the seeding as well, which tells it last.
+    Outcome outcome =
+        undone(reference, join(FaultyConnection::kDescription,
+                               fault.lost() ? kAccountingYear : " in GetCodiceAttività"));
+    if (!fault.lost()) {
+      outcome.database = reference.outcome.database;
+    }
+    return outcome;
+  };
+  return scenario;
 }
 
 /// The duplication of a year undoes its transaction after every failure, whoever recorded it; the
@@ -109,12 +145,65 @@ FaultScenario duplication() {
   return scenario;
 }
 
+/// The identity of the own activity of company 12, which gives way to its link.
+constexpr std::string_view kOwnActivity = "CG86_AZIENDECOLL|7|";
+
+/// The database after a copy over several companies that ended without the values that the copying
+/// statement leaves out; with `kept` the own activity of the linked company is there as well.
+Lines withoutCarriedValues(const Reference& reference, bool kept) {
+  const Difference change = difference(reference.before, reference.outcome.database);
+  Lines lines = reference.outcome.database;
+  for (std::string& line : lines) {
+    constexpr std::string_view carried = "|1|30|NULL";
+    if (line.ends_with(carried) && std::ranges::binary_search(change.come, line)) {
+      line.replace(line.size() - carried.size(), 2, "|0");
+    }
+  }
+  std::ranges::copy_if(change.gone, std::back_inserter(lines), [&](const std::string& line) {
+    return kept && line.starts_with(kOwnActivity);
+  });
+  std::ranges::sort(lines);
+  return lines;
+}
+
+/// The same over several companies: the own activities of a linked company are removed by a method
+/// of its own, and values are carried over.
+FaultScenario duplicationOfLinks() {
+  FaultScenario scenario = call("DuplicaAttività, links", " in DuplicaAttività", [](auto& service) {
+    service.CPInput->IndProvenienzaMultiAziende = true;
+    of(10, 2025, 0, &CLSCO_AZIENDECOLL::DuplicaAttività)(service);
+  });
+  // Without a financial year a regime that cannot be read has nothing seeded.
+  scenario.prepare = "DELETE FROM CG19_ANADITTAESER WHERE CG19_DITTA_CG18 = 10";
+  scenario.documented = [inCompany = duplication().documented](
+                            const Fault& fault,
+                            const Reference& reference) -> std::optional<Outcome> {
+    const bool own =
+        fault.is("Execute", "CG86_DITTACOLL_CG18 = 12") && fault.is("Execute", "EXISTS");
+    std::optional<Outcome> outcome = inCompany(fault, reference);
+    if (own) {
+      outcome = undone(reference,
+                       join(FaultyConnection::kDescription,
+                            fault.lost() ? " in DuplicaAttività"
+                                         : " in EliminaAttivitàSingolaCollegamentoMultiAzienda"));
+    }
+    if (!fault.lost() && outcome && outcome->errore != reference.outcome.errore) {
+      const bool read = outcome->database == reference.outcome.database;
+      if (own || read) {
+        outcome->database = withoutCarriedValues(reference, own);
+      }
+    }
+    return outcome;
+  };
+  return scenario;
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Calls, ActivityFaults,
     ::testing::Values(
         call("GetCodiceAttività", " in GetCodiceAttività",
              of(10, 2024, 0, &CLSCO_AZIENDECOLL::GetCodiceAttività)),
-        duplication(),
+        duplication(), duplicationOfLinks(),
         stepByStep("RecordsetAttivitaCollegate", " in RecordsetAttivitaCollegate",
                    of(20, 2025, 0, &CLSCO_AZIENDECOLL::RecordsetAttivitaCollegate),
                    tellerOfReading),
@@ -126,6 +215,18 @@ INSTANTIATE_TEST_SUITE_P(
         stepByStep("AggiornaAttività", " in AggiornaAttività",
                    of(10, 2024, 1001, &CLSCO_AZIENDECOLL::AggiornaAttività),
                    always(" in AggiornaAttività")),
+        stepByStep("AggiornaDateRegistriAnagraficaAttività",
+                   " in AggiornaDateRegistriAnagraficaAttività",
+                   of(10, 2024, 1001, &CLSCO_AZIENDECOLL::AggiornaDateRegistriAnagraficaAttività),
+                   always(" in AggiornaDateRegistriAnagraficaAttività")),
+        stepByStep(
+            "GetCodiceAttivitàDaSezionale", " in GetCodiceAttivitàDaSezionale",
+            [](CLSCO_AZIENDECOLL& service) {
+              service.CPInput->Sezionale = "00";
+              of(20, 2025, 0, &CLSCO_AZIENDECOLL::GetCodiceAttivitàDaSezionale)(service);
+            },
+            tellerOfRegister),
+        existence(),
         stepByStep("AggiornaDatiGestionaliPerAttività", " in AggiornaDatiGestionaliPerAttività",
                    of(10, 2024, 1001, &CLSCO_AZIENDECOLL::AggiornaDatiGestionaliPerAttività),
                    always(" in AggiornaDatiGestionaliPerAttività")),

@@ -85,9 +85,58 @@ TEST_F(ActivityDuplication, AMissingYearIsRefused) {
     duplicateYear(40, missing, 2025, false);
     expectRefused("Anno solare da duplicare mancante!");
   }
-  duplicateYear(40, 2024, -1, false);
-  expectRefused("Anno solare su cui duplicare l'anno 2024 mancante!");
+  for (const Variant& missing : {Variant{0}, Variant{"0"}, Variant{-1}}) {
+    duplicateYear(40, 2024, missing, false);
+    expectRefused("Anno solare su cui duplicare l'anno 2024 mancante!");
+  }
   EXPECT_EQ(activityPicture(), before);
+}
+
+TEST_F(ActivityDuplication, AYearOntoItselfChangesNothing) {
+  const Lines before = activityPicture();
+  for (const Variant& year : {Variant{2024}, Variant{"2024"}}) {
+    for (const auto& [company, overSeveral] : {std::pair{40, false}, std::pair{10, false}}) {
+      duplicateYear(company, 2024, year, overSeveral);
+      EXPECT_EQ(count("BeginTrans"), 0U);
+      EXPECT_EQ(activityPicture(), before);
+    }
+  }
+  run("DELETE FROM CG32_ANADITTAPSEZ");
+  run("DELETE FROM CG86_AZIENDECOLL WHERE CG86_IDATTIVITA IN (5, 6)");
+  const Lines oneOwn = activityPicture();
+  duplicateYear(10, 2024, 2024, true);
+  expectState(0);
+  EXPECT_EQ(activityPicture(), oneOwn);
+}
+
+TEST_F(ActivityDuplication, ASecondRunReplacesExactly) {
+  const auto withoutIdentities = [&] {
+    Lines found = rows(
+        "SELECT CG86_INDTIPO, CG86_ANNOIVA, CG86_INDTIPOCONT, CG86_DITTA_CG18,"
+        " CG86_DITTACOLL_CG18, CG86_CODATTIVITA, CG86_PERCDETRIVA,"
+        " CG86_CODICE_CG28, CG86_FLGATTIVITAPRINC, CG86_INDCOMLETTINT,"
+        " CG86_INDNOITAEXP FROM CG86_AZIENDECOLL");
+    std::ranges::sort(found);
+    return found;
+  };
+  for (const auto& [company, overSeveral] : {std::pair{40, false}, std::pair{10, true}}) {
+    duplicateYear(company, 2024, 2025, overSeveral);
+    expectState(0);
+    const Lines once = withoutIdentities();
+    duplicateYear(company, 2024, 2025, overSeveral);
+    expectState(0);
+    EXPECT_EQ(withoutIdentities(), once) << company;
+  }
+}
+
+TEST_F(ActivityDuplication, ACompanyLinkedUnderAnotherKeepsTheActivitiesToBeCopied) {
+  // In 2024 company 12 has an own activity and is linked under 10 with an activity of the group.
+  duplicateYear(12, 2024, 2026, false);
+  expectState(0);
+  EXPECT_EQ(year(2026), (Lines{"12|12|12|1"}));
+  EXPECT_EQ(rows("SELECT CG86_CODATTIVITA FROM CG86_AZIENDECOLL WHERE CG86_ANNOIVA = 2024"
+                 " AND CG86_DITTA_CG18 = 12"),
+            (Lines{"12"}));
 }
 
 TEST_F(ActivityDuplication, OneActivityAloneIsReplaced) {

@@ -95,6 +95,13 @@ TEST_F(Attivita, NamesRegistersAndActivitiesThatFindNoPlace) {
               AllOf(HasSubstr("\nSezionali senza attività: 02.\n"),
                     HasSubstr("\nNon elencate perché mancano nell'anagrafica attività: 4003.\n"),
                     Not(HasSubstr("4003  Consulenza"))));
+  sql("UPDATE CG32_ANADITTAPSEZ SET CG32_IDATTIVITA_CG86 = 14 WHERE CG32_DITTA_CG18 = 40"
+      " AND CG32_ANNO = 2024 AND CG32_SEZIONALE = '02'");
+  EXPECT_THAT(attivita(40, 2024).out,
+              AllOf(HasSubstr("\nSezionali di attività non elencate: 02.\n"),
+                    Not(HasSubstr("Sezionali senza attività"))));
+  const auto json = attivita(40, 2024, "--json").json();
+  EXPECT_EQ(json["sezionali_di_attivita_non_elencate"].dump(), R"(["02"])");
 }
 
 TEST_F(Attivita, PairsRowsOfTheSameCodeInTheirOrder) {
@@ -112,9 +119,19 @@ TEST_F(Attivita, AYearWithoutActivitiesIsAnAnswerAndStaysEmpty) {
     EXPECT_EQ(outcome.code, ExitCode::Ok);
     EXPECT_EQ(outcome.out,
               "Azienda 10 Alfa Società per Azioni, anno IVA 2026: nessuna attività\n"
-              "Anni con attività: 2024, 2025.\n");
+              "Anni con attività: 2024, 2025.\n"
+              "\n"
+              "Rispetto al 2025:\n"
+              "  - 10 Attività 10 (azienda 10): non c'è più\n");
   }
   EXPECT_TRUE(contents(db_) == before);
+  const std::string differences = attivita(10, 2026, "--json").json()["differenze"].dump();
+  EXPECT_EQ(differences,
+            R"json([{"codice":10,"descrizione":"Attività 10 (azienda 10)","nel_gruppo_di":10,)json"
+            R"json("segno":"-","campi":[]}])json");
+  const Outcome never = attivita(5, 2024);
+  EXPECT_THAT(never.out, HasSubstr("L'azienda 5 non ha attività in nessun anno.\n"));
+  EXPECT_THAT(never.out, Not(HasSubstr("Rispetto al")));
   EXPECT_THAT(attivita(20, 2024).out, HasSubstr("L'azienda 20 non ha attività in nessun anno.\n"));
 }
 
@@ -131,7 +148,7 @@ TEST_F(Attivita, GivesOneJsonObject) {
             R"("principale_nella_riga":false,"nel_gruppo_di":40,"sezionali":[]})");
   ASSERT_EQ(json["differenze"].size(), 4U);
   EXPECT_EQ(json["differenze"][0].dump(),
-            R"({"codice":40,"nel_gruppo_di":40,"segno":"~","campi":[)"
+            R"({"codice":40,"descrizione":"Viticoltura","nel_gruppo_di":40,"segno":"~","campi":[)"
             R"({"campo":"CG86_PERCDETRIVA","prima":"4.00","ora":"5.00"},)"
             R"({"campo":"CG86_CODICE_CG28","prima":"10","ora":null},)"
             R"({"campo":"CG86_INDIVAACQAGRIC","prima":1,"ora":null}]})");
