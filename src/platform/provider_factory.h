@@ -11,8 +11,8 @@
 namespace azcoll {
 
 /// A closed connection of the provider that `connectionString` chooses, with the string already
-/// set: the embedded engine for `Provider=embedded;…`, ODBC for everything else. Throws `Error` when
-/// the provider is not part of this build.
+/// set: the embedded engine for `Provider=embedded;…`, ODBC for everything else. Throws `Error`
+/// when the provider is not part of this build.
 [[nodiscard]] std::shared_ptr<Connection> newConnectionFor(std::string_view connectionString);
 
 /// The CREATE statements of everything in an open database whose engine keeps them as T-SQL text;
