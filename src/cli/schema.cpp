@@ -1,12 +1,12 @@
 #include "cli/schema.h"
 
 #include <algorithm>
+#include <cctype>
 #include <fmt/format.h>
 #include <variant>
 
 #include "cli/scripts.h"
-#include "data/text.h"
-#include "tsql/characters.h"
+#include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
 
@@ -79,15 +79,12 @@ std::vector<SchemaColumn> columnsOf(const tsql::Query& query) {
 
 /// Ends the text of a statement before the comments and blanks that lead to the next one.
 std::string_view withoutTail(std::string_view text) {
-  for (;;) {
-    text = trim(text);
-    const std::size_t lineEnd = text.rfind('\n');
-    const std::size_t start = lineEnd == std::string_view::npos ? 0 : lineEnd + 1;
-    if (start == 0 || !trim(text.substr(start)).starts_with("--")) {
-      return text;
-    }
-    text = text.substr(0, start);
+  tsql::Lexer lexer{text};
+  std::size_t end = 0;
+  for (tsql::Token token = lexer.next(); token.kind != tsql::TokenKind::End; token = lexer.next()) {
+    end = token.position.offset + token.raw.size();
   }
+  return text.substr(0, end);
 }
 
 struct Adder {
@@ -148,7 +145,9 @@ const SchemaTable* Schema::table(std::string_view name) const { return named(tab
 const SchemaRoutine* Schema::routine(std::string_view name) const { return named(routines, name); }
 
 bool sameName(std::string_view left, std::string_view right) {
-  return tsql::equalsIgnoringCase(left, right);
+  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
+    return std::tolower(a) == std::tolower(b);
+  });
 }
 
 void addDefinitions(Schema& schema, std::string_view batch) {

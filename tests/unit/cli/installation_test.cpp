@@ -89,7 +89,7 @@ TEST_F(Installation, UndoesTheScriptThatFailsWhereverItFails) {
                   ThrowsMessage<Error>(AllOf(StartsWith(name + ", riga "),
                                              HasSubstr("Errore 50000 (HY000): guasto"),
                                              HasSubstr(name + " è stato annullato per intero."))));
-      EXPECT_EQ(operations(), sent({all_.begin(), all_.begin() + script + 1}, batch));
+      EXPECT_EQ(operations(), sent(Scripts(all_.data(), all_.data() + script + 1), batch));
     }
   }
 }
