@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <map>
 
 #include "cli/database.h"
 #include "cli/server_catalogue.h"
@@ -12,15 +11,21 @@
 namespace azcoll::cli {
 namespace {
 
-/// Nothing of the company's is there: one remedy for all.
-bool tellEmpty(Diagnosis& diagnosis, const Schema& found, bool seesEverything) {
-  if (!found.tables.empty() || !found.routines.empty() || !seesEverything) {
-    return false;
-  }
-  diagnosis.findings.push_back(
-      {"vuoto", "", "Il database non contiene nessuna delle tabelle aziendali.",
-       "azcoll crea --connessione STRINGA   (con --esempio per avere anche dati di prova)"});
-  return true;
+/// Whether nothing of the company's is there, whatever else is.
+bool isEmpty(const Schema& found) {
+  const Schema& expected = expectedSchema();
+  return std::ranges::none_of(
+             expected.tables,
+             [&](const SchemaTable& each) { return found.table(each.name) != nullptr; }) &&
+         std::ranges::none_of(expected.routines, [&](const SchemaRoutine& each) {
+           return found.routine(each.name) != nullptr;
+         });
+}
+
+/// One finding for all that is missing.
+Finding emptyDatabase() {
+  return {"vuoto", "", "Il database non contiene nessuna delle tabelle aziendali.",
+          "azcoll crea --connessione STRINGA   (con --esempio per avere anche dati di prova)"};
 }
 
 // ---------------------------------------------------------------- embedded engine
@@ -28,18 +33,20 @@ bool tellEmpty(Diagnosis& diagnosis, const Schema& found, bool seesEverything) {
 /// Tries a change that changes nothing: whether the file, its folder and the way it was opened
 /// allow writing shows in no other way.
 void checkWritable(Diagnosis& diagnosis, Connection& connection, const Schema& found) {
-  if (found.tables.empty()) {
+  const auto& tables = expectedSchema().tables;
+  const auto table = std::ranges::find_if(
+      tables, [&](const SchemaTable& expected) { return found.table(expected.name) != nullptr; });
+  if (table == tables.end()) {
     return;
   }
-  diagnosis.rights = 1;
   try {
     std::int64_t affected = 0;
     connection.beginTrans();
-    connection.execute(fmt::format("DELETE FROM {} WHERE 1 = 0", found.tables.front().name),
-                       affected, CommandOption::Text);
+    connection.execute(fmt::format("DELETE FROM {} WHERE 1 = 0", table->name), affected,
+                       CommandOption::Text);
     connection.rollbackTrans();
+    diagnosis.rights = 1;
   } catch (const Error& error) {
-    diagnosis.rights = 0;
     diagnosis.findings.push_back(
         {"scrittura", "", fmt::format("Il database non si può scrivere: {}", error.description()),
          "Dare all'utente il diritto di scrivere il file e la sua cartella, e togliere\n"
@@ -53,31 +60,38 @@ Diagnosis diagnoseDefinitions(Connection& connection, const std::vector<std::str
     addDefinitions(found, definition);
   }
   Diagnosis diagnosis;
-  if (!tellEmpty(diagnosis, found, true)) {
-    compareSchemas(diagnosis, expectedSchema(), found, Mending{});
-    checkWritable(diagnosis, connection, found);
+  if (isEmpty(found)) {
+    diagnosis.findings.push_back(emptyDatabase());
+    return diagnosis;
   }
+  compareSchemas(diagnosis, expectedSchema(), found, Mending{});
+  checkWritable(diagnosis, connection, found);
   return diagnosis;
 }
 
 // ---------------------------------------------------------------- server
 
-/// Tables and routines that the role has no right on.
-std::vector<std::string> withoutRights(const Schema& expected, const std::vector<Grant>& grants) {
-  std::vector<std::string> names;
-  const auto add = [&](const std::string& name) {
-    if (std::ranges::none_of(grants,
-                             [&](const Grant& grant) { return sameName(grant.object, name); })) {
-      names.push_back(name);
-    }
-  };
-  for (const SchemaTable& table : expected.tables) {
-    add(table.name);
-  }
-  for (const SchemaRoutine& routine : expected.routines) {
-    add(routine.name);
-  }
-  return names;
+/// Who is to be given a right: the role where the user is in it.
+std::string granteeOf(const ServerUser& user, const std::string& role) {
+  return user.inRole.value_or(false) ? role : fmt::format("[{}]", user.name);
+}
+
+/// How to give the user all rights at once.
+std::string intoTheRole(const ServerUser& user, const std::string& role) {
+  const std::string add = fmt::format("ALTER ROLE {} ADD MEMBER [{}]", role, user.name);
+  return user.inRole ? add : "eseguire schema/permessi.sql, poi " + add;
+}
+
+Finding nothingVisible(const ServerUser& user, const std::string& role) {
+  return {
+      "diritto", "",
+      fmt::format("L'utente {} non vede nessuna delle tabelle aziendali: il database è vuoto, o "
+                  "mancano i diritti.",
+                  user.name),
+      fmt::format("Con un utente che vede tutto (db_owner): azcoll diagnosi.\n"
+                  "Se è vuoto: azcoll crea --connessione STRINGA --permessi.\n"
+                  "Per i diritti: {}",
+                  intoTheRole(user, role))};
 }
 
 void tellMissingRights(Diagnosis& diagnosis, const std::vector<Grant>& missing,
@@ -94,23 +108,16 @@ void tellMissingRights(Diagnosis& diagnosis, const std::vector<Grant>& missing,
       there->second += ", " + grant.right;
     }
   }
-  const std::string grantee = user.inRole.value_or(false) ? role : fmt::format("[{}]", user.name);
+  const std::string grantee = granteeOf(user, role);
   for (const auto& [object, rights] : rightsOfObject) {
     diagnosis.findings.push_back(
         {"diritto", object,
          fmt::format("All'utente {} manca su {}: {}.", user.name, object, rights),
          fmt::format("GRANT {} ON {} TO {}", rights, object, grantee)});
   }
-  if (missing.empty() || user.inRole.value_or(false)) {
-    return;
+  if (!missing.empty() && !user.inRole.value_or(false)) {
+    diagnosis.notes.push_back("I diritti si danno anche tutti insieme: " + intoTheRole(user, role));
   }
-  diagnosis.notes.push_back(
-      user.inRole ? fmt::format("I diritti si danno anche tutti insieme: ALTER ROLE {} ADD MEMBER "
-                                "[{}]",
-                                role, user.name)
-                  : fmt::format("I diritti si danno anche tutti insieme: eseguire "
-                                "schema/permessi.sql, poi ALTER ROLE {} ADD MEMBER [{}]",
-                                role, user.name));
 }
 
 Diagnosis diagnoseServer(Connection& connection) {
@@ -120,7 +127,9 @@ Diagnosis diagnoseServer(Connection& connection) {
   const ServerUser user = readServerUser(connection, needed.role);
   diagnosis.user = user.name;
   const Schema found = readServerSchema(connection, expected, user);
-  if (tellEmpty(diagnosis, found, user.seesEverything)) {
+  if (isEmpty(found)) {
+    diagnosis.findings.push_back(user.seesEverything ? emptyDatabase()
+                                                     : nothingVisible(user, needed.role));
     return diagnosis;
   }
   if (!user.ignoresCase) {
@@ -131,7 +140,8 @@ Diagnosis diagnoseServer(Connection& connection) {
   compareSchemas(diagnosis, expected, found,
                  Mending{.server = true,
                          .seesEverything = user.seesEverything,
-                         .mayBeHidden = withoutRights(expected, needed.grants)});
+                         .needed = needed.grants,
+                         .grantee = granteeOf(user, needed.role)});
   const std::vector<Grant> missing = readMissingGrants(connection, needed.grants, found);
   diagnosis.rights = needed.grants.size() - missing.size();
   tellMissingRights(diagnosis, missing, user, needed.role);

@@ -28,11 +28,12 @@ struct Diagnosis {
   std::vector<std::string> notes{};
 };
 
-/// How a database is changed.
+/// How a database is changed, and what of it the one who asks can see.
 struct Mending {
-  bool server = false;                     ///< else an engine that does not change tables once made
-  bool seesEverything = true;              ///< else what is not seen may be there all the same
-  std::vector<std::string> mayBeHidden{};  ///< objects that the user needs no right on
+  bool server = false;          ///< else an engine that does not change tables once made
+  bool seesEverything = true;   ///< else what is not seen may be there all the same
+  std::vector<Grant> needed{};  ///< rights that make an object visible; one without needs none
+  std::string grantee{};        ///< who is to be given them
 };
 
 /// Adds to `diagnosis` how `found` differs from `expected`. More columns, longer texts and wider

@@ -62,7 +62,13 @@ std::vector<std::string> namesThere(Connection& connection) {
 }
 
 void refuseExisting(Connection& connection) {
-  const std::vector<std::string> names = namesThere(connection);
+  std::vector<std::string> names;
+  try {
+    names = namesThere(connection);
+  } catch (const Error& error) {
+    throw Error(fmt::format("Il database non dice che cosa contiene, e non viene toccato: {}",
+                            describeFailure(error)));
+  }
   if (names.empty()) {
     return;
   }

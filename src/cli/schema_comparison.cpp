@@ -100,19 +100,31 @@ class Comparison {
 
   void missing(const std::string& kind, const std::string& what, const std::string& name,
                const std::string& definition) {
-    if (!mending_.seesEverything && std::ranges::any_of(mending_.mayBeHidden, [&](const auto& one) {
-          return sameName(one, name);
-        })) {
+    if (mending_.seesEverything) {
+      add(kind, name, fmt::format("Manca {} {}.", what, name), definition);
+      return;
+    }
+    const std::string grants = grantsOn(name);
+    if (grants.empty()) {
       diagnosis_.notes.push_back(
-          fmt::format("Non si è potuto vedere {} {}: l'utente non vi ha diritti, e non gliene "
-                      "servono.",
+          fmt::format("Non si può vedere {} {}: l'utente non vi ha diritti, e non gliene servono.",
                       what, name));
       return;
     }
-    add(kind, name,
-        fmt::format("Manca {} {}{}.", what, name,
-                    mending_.seesEverything ? "" : ", o l'utente non ha il diritto di vederla"),
-        definition);
+    add(kind, name, fmt::format("Manca {} {}, o l'utente non ha diritti su di essa.", what, name),
+        fmt::format("-- Se c'è e l'utente non la vede:\n{}\n-- Se non c'è:\n{}", grants,
+                    definition));
+  }
+
+  [[nodiscard]] std::string grantsOn(const std::string& name) const {
+    std::string lines;
+    for (const Grant& grant : mending_.needed) {
+      if (sameName(grant.object, name)) {
+        lines += fmt::format("{}GRANT {} ON {}.{} TO {}", lines.empty() ? "" : "\n", grant.right,
+                             grant.owner, grant.object, mending_.grantee);
+      }
+    }
+    return lines;
   }
 
   static std::string joined(const std::vector<std::string>& parts) {

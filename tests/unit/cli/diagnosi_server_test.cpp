@@ -267,8 +267,23 @@ TEST_F(DiagnosisOnAServer, DoesNotTakeForMissingWhatTheUserNeitherSeesNorNeeds) 
 TEST_F(DiagnosisOnAServer, SaysThatATableMayOnlyBeHidden) {
   std::erase_if(there.tables, [](const SchemaTable& each) { return each.name == "CG44_CLIFOR"; });
   seesEverything = 0;
-  EXPECT_EQ(only(diagnosed()).message,
-            "Manca la tabella CG44_CLIFOR, o l'utente non ha il diritto di vederla.");
+  const Finding finding = only(diagnosed());
+  EXPECT_EQ(finding.message, "Manca la tabella CG44_CLIFOR, o l'utente non ha diritti su di essa.");
+  EXPECT_THAT(finding.remedy,
+              AllOf(StartsWith("-- Se c'è e l'utente non la vede:\n"
+                               "GRANT SELECT ON dbo.CG44_CLIFOR TO azcoll_servizio\n"),
+                    HasSubstr("-- Se non c'è:\nCREATE TABLE CG44_CLIFOR (")));
+}
+
+TEST_F(DiagnosisOnAServer, TellsAUserWhoSeesNothingAboutRights) {
+  there = {};
+  seesEverything = 0;
+  inRole = 0;
+  const Finding finding = only(diagnosed());
+  EXPECT_EQ(finding.message,
+            "L'utente servizio non vede nessuna delle tabelle aziendali: il database è vuoto, o "
+            "mancano i diritti.");
+  EXPECT_THAT(finding.remedy, HasSubstr("ALTER ROLE azcoll_servizio ADD MEMBER [servizio]"));
 }
 
 TEST_F(DiagnosisOnAServer, LooksWhereAStatementFindsItsTables) {

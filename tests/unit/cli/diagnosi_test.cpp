@@ -212,6 +212,8 @@ TEST_F(Diagnosi, SendsANewcomerToCreaWhenTheDatabaseIsEmpty) {
   EXPECT_THAT(diagnosi().out,
               AllOf(HasSubstr("Da sistemare: 1\n"), HasSubstr("nessuna delle tabelle"),
                     HasSubstr("azcoll crea --connessione")));
+  azcoll("sql", "--db", db_, "CREATE TABLE NOSTRA (A INT NOT NULL)");
+  EXPECT_THAT(diagnosi().out, HasSubstr("nessuna delle tabelle"));
 }
 
 TEST_F(Diagnosi, WantsExactlyOneDatabaseThatIsThere) {

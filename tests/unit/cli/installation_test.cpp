@@ -157,7 +157,9 @@ TEST_F(Installation, AsksForEveryNameThatItWouldMake) {
 
 TEST_F(Installation, DoesNotStartWhenTheCatalogueIsRefused) {
   server_->fail("SELECT S.name", Failure::Provider, "permesso negato");
-  EXPECT_THAT([&] { install(*server_, all_); }, ThrowsMessage<Error>(HasSubstr("permesso negato")));
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(
+                  AllOf(HasSubstr("non dice che cosa contiene"), HasSubstr("permesso negato"))));
   EXPECT_THAT(operations(), IsEmpty());
 }
 
