@@ -115,6 +115,7 @@ ExitCode CommandCrea::installOn(Console& console) const {
   install(*connection, scripts);
   connection->close();
   std::vector<std::string_view> names;
+  names.reserve(scripts.size());
   for (const Script* script : scripts) {
     names.push_back(script->name);
   }
