@@ -15,6 +15,7 @@
 #include "cli/command_attivita.h"
 #include "cli/command_campi.h"
 #include "cli/command_crea.h"
+#include "cli/command_diagnosi.h"
 #include "cli/command_esegui.h"
 #include "cli/command_gruppo.h"
 #include "cli/command_metodi.h"
@@ -27,7 +28,7 @@ namespace azcoll::cli {
 namespace {
 
 using Commands = std::tuple<CommandCrea, CommandEsegui, CommandGruppo, CommandAttivita,
-                            CommandMetodi, CommandCampi, CommandSql>;
+                            CommandMetodi, CommandCampi, CommandSql, CommandDiagnosi>;
 
 /// The command line: the subcommands and the words of its help, in Italian.
 class CommandLine {

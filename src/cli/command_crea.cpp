@@ -1,24 +1,27 @@
 #include "cli/command_crea.h"
 
 #include <CLI/App.hpp>
-#include <array>
-#include <cstdint>
 #include <filesystem>
 #include <fmt/format.h>
 #include <ostream>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "cli/database.h"
+#include "cli/installation.h"
 #include "cli/scripts.h"
 #include "cli/unfinished_file.h"
-#include "cli/utf8.h"
-#include "data/text.h"
-#include "tsql/parser.h"
+#include "platform/provider_factory.h"
 
 namespace azcoll::cli {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr const char* kNoRoles =
+    "--permessi vuole un server: il motore incorporato non conosce utenti né ruoli, e chi può "
+    "scrivere il file può tutto.";
 
 /// Gives the finished database its name.
 void publish(const UnfinishedFile& file, const fs::path& target) {
@@ -44,49 +47,38 @@ void fill(const std::string& path, bool example) {
   connection->close();
 }
 
-/// The statement on one line, shortened to what a message can carry.
-std::string excerpt(std::string_view statement) {
-  constexpr std::size_t longest = 200;
-  std::string text;
-  for (const char c : trim(statement)) {
-    const bool blank = c == '\n' || c == '\r' || c == '\t' || c == ' ';
-    if (!blank) {
-      text += c;
-    } else if (!text.ends_with(' ')) {
-      text += ' ';
-    }
-  }
-  const std::string_view shown = leftCharacters(text, longest);
-  return visible(shown) + (shown.size() < text.size() ? "…" : "");
-}
-
 }  // namespace
-
-void runScript(Connection& connection, const Script& script) {
-  for (const tsql::ScriptBatch& batch : tsql::splitScript(script.text)) {
-    try {
-      std::int64_t affected = 0;
-      connection.execute(batch.text, affected, CommandOption::Text);
-    } catch (const Error& error) {
-      const std::string& statement = error.info().statement;
-      throw Error(fmt::format("{}, riga {}: {}\n  {}", script.name, failureLine(batch, error),
-                              describeFailure(error),
-                              excerpt(statement.empty() ? batch.text : statement)));
-    }
-  }
-}
 
 CLI::App* CommandCrea::setup(CLI::App& parent) {
   CLI::App* command =
       parent.add_subcommand("crea", "Crea un database nuovo con tabelle e procedure");
-  command->add_option("--db", file, "file da creare; non deve esistere")
-      ->type_name("FILE")
-      ->required();
+  command->add_option("--db", file, "file da creare; non deve esistere")->type_name("FILE");
+  command
+      ->add_option("--connessione", connectionString,
+                   "stringa di connessione di un database esistente, al posto di --db;\n"
+                   "non deve contenere tabelle aziendali")
+      ->type_name("STRINGA");
   command->add_flag("--esempio", esempio, "aggiunge un gruppo di aziende di esempio");
+  command->add_flag("--permessi", permessi,
+                    "aggiunge il ruolo con i diritti che servono al servizio\n"
+                    "(solo con --connessione, su un server)");
+  command->footer(
+      "Con --connessione ogni script viene installato per intero o per niente; un database che\n"
+      "contiene già tabelle aziendali non viene toccato.");
   return command;
 }
 
 ExitCode CommandCrea::run(Console& console) const {
+  if (file.empty() == connectionString.empty()) {
+    throw UsageError("Indicare che cosa creare: --db FILE oppure --connessione STRINGA.");
+  }
+  if (permessi && connectionString.empty()) {
+    throw UsageError(kNoRoles);
+  }
+  return connectionString.empty() ? createFile(console) : installOn(console);
+}
+
+ExitCode CommandCrea::createFile(Console& console) const {
   static_cast<void>(embeddedConnectionString(file));  // refuses names that are no file's
   if (file == ":memory:") {
     throw UsageError("Un database in memoria finisce con il comando: indicare un file.");
@@ -103,6 +95,31 @@ ExitCode CommandCrea::run(Console& console) const {
     throw OpenError(fmt::format("Impossibile creare il database {}: {}", file, error.what()));
   }
   console.err << fmt::format("Creato il database {}.\n", file);
+  return ExitCode::Ok;
+}
+
+ExitCode CommandCrea::installOn(Console& console) const {
+  DatabaseOptions database;
+  database.connectionString = connectionString;
+  const std::shared_ptr<Connection> connection = openDatabase(database);
+  if (permessi && storedDefinitions(*connection)) {
+    throw UsageError(kNoRoles);
+  }
+  std::vector<const Script*> scripts{&kTabelle, &kProcedure};
+  if (esempio) {
+    scripts.push_back(&kEsempio);
+  }
+  if (permessi) {
+    scripts.push_back(&kPermessi);
+  }
+  install(*connection, scripts);
+  connection->close();
+  std::vector<std::string_view> names;
+  names.reserve(scripts.size());
+  for (const Script* script : scripts) {
+    names.push_back(script->name);
+  }
+  console.err << fmt::format("Installati nel database: {}.\n", fmt::join(names, ", "));
   return ExitCode::Ok;
 }
 

@@ -8,23 +8,21 @@ namespace CLI {
 class App;
 }
 
-namespace azcoll {
-class Connection;
+namespace azcoll::cli {
 
-namespace cli {
-struct Script;
-
-/// `azcoll crea`: makes a new database from the schema scripts.
+/// `azcoll crea`: makes a new database file from the schema scripts, or installs them on a server.
 struct CommandCrea {
-  std::string file;
+  std::string file;              ///< `--db`
+  std::string connectionString;  ///< `--connessione`
   bool esempio = false;
+  bool permessi = false;
 
   CLI::App* setup(CLI::App& parent);
   ExitCode run(Console& console) const;
+
+ private:
+  ExitCode createFile(Console& console) const;
+  ExitCode installOn(Console& console) const;
 };
 
-/// Runs a script batch by batch. Throws `Error` that names script, line and statement.
-void runScript(Connection& connection, const Script& script);
-
-}  // namespace cli
-}  // namespace azcoll
+}  // namespace azcoll::cli

@@ -14,5 +14,6 @@ struct Script {
 extern const Script kTabelle;
 extern const Script kProcedure;
 extern const Script kEsempio;
+extern const Script kPermessi;
 
 }  // namespace azcoll::cli

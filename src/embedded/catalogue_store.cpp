@@ -75,6 +75,16 @@ void CatalogueStore::load(Catalogue& catalogue) const {
   }
 }
 
+std::vector<std::string> CatalogueStore::definitions() const {
+  std::vector<std::string> texts;
+  const SqliteStatement rows = database_->prepare(
+      "SELECT definition FROM " + std::string(kCatalogueTable) + " ORDER BY position");
+  while (rows.step()) {
+    texts.emplace_back(rows.text(0));
+  }
+  return texts;
+}
+
 void CatalogueStore::add(std::string_view kind, std::string_view name, std::string_view parent,
                          std::string_view definition) const {
   const std::string foldedName = foldText(name);

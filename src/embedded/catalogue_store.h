@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "embedded/catalogue.h"
 #include "embedded/sqlite_handle.h"
@@ -21,6 +23,8 @@ class CatalogueStore {
   /// Makes the catalogue of an empty file.
   void create() const;
   void load(Catalogue& catalogue) const;
+  /// The definitions as they were written, in the order of creation.
+  [[nodiscard]] std::vector<std::string> definitions() const;
   /// Counts the changes of the catalogue: another number means that it must be read again.
   [[nodiscard]] std::int64_t version() const;
 

@@ -32,6 +32,11 @@ bool isEmbeddedConnectionString(std::string_view connectionString) {
 
 std::shared_ptr<Connection> newConnection() { return newConnectionWith({}); }
 
+std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
+  auto* const own = dynamic_cast<EmbeddedConnection*>(&connection);
+  return own == nullptr ? std::nullopt : std::optional{own->definitions()};
+}
+
 std::shared_ptr<EmbeddedConnection> newConnectionWith(const EngineOptions& options) {
   return std::make_shared<EmbeddedConnection>(options);
 }
@@ -70,6 +75,11 @@ Engine& EmbeddedConnection::engine() {
     throw Error("La connessione è chiusa.");
   }
   return *engine_;
+}
+
+std::vector<std::string> EmbeddedConnection::definitions() {
+  Engine& engine = this->engine();
+  return recorded({}, [&] { return engine.definitions(); });
 }
 
 void EmbeddedConnection::setCommandTimeout(int seconds) {

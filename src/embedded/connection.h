@@ -46,6 +46,9 @@ class EmbeddedConnection final : public Connection,
       const Routine& routine, std::vector<std::optional<Variant>>& values,
       std::int64_t& recordsAffected, int timeoutSeconds);
 
+  /// See `storedDefinitions`.
+  [[nodiscard]] std::vector<std::string> definitions();
+
   /// The engine of an open connection; for tests. Throws `Error` when it is closed.
   [[nodiscard]] Engine& engine();
 

@@ -302,6 +302,10 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<V
   });
 }
 
+std::vector<std::string> Engine::definitions() {
+  return translated([&] { return CatalogueStore(database_).definitions(); });
+}
+
 // ---------------------------------------------------------------- transactions
 
 void Engine::begin() {

@@ -47,6 +47,9 @@ class Engine {
   /// The procedure of this name; throws `SqlError` 2812.
   [[nodiscard]] std::shared_ptr<const Routine> findProcedure(std::string_view name);
 
+  /// The CREATE statements of what the database holds, in the order of creation.
+  [[nodiscard]] std::vector<std::string> definitions();
+
   void begin();
   void commit();
   void rollback();

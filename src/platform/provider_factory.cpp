@@ -32,4 +32,8 @@ std::shared_ptr<Connection> newConnectionFor(std::string_view connectionString) 
   return connection;
 }
 
+std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
+  return embedded::storedDefinitions(connection);
+}
+
 }  // namespace azcoll

@@ -14,7 +14,7 @@ using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kCommands[] = {"crea",   "esegui", "gruppo", "attivita",
-                                     "metodi", "campi",  "sql"};
+                                     "metodi", "campi",  "sql",    "diagnosi"};
 
 TEST(App, PrintsItsVersion) {
   const Outcome outcome = azcoll("--version");
@@ -75,7 +75,7 @@ TEST(App, ListsTheCommandsForAWordThatResemblesNone) {
   EXPECT_EQ(outcome.code, ExitCode::Usage);
   EXPECT_THAT(outcome.err, Not(HasSubstr("Forse")));
   EXPECT_THAT(outcome.err,
-              HasSubstr("Comandi: crea, esegui, gruppo, attivita, metodi, campi, sql."));
+              HasSubstr("Comandi: crea, esegui, gruppo, attivita, metodi, campi, sql, diagnosi."));
 }
 
 TEST(App, NamesTheNearestOptionForAnUnknownOne) {
@@ -103,8 +103,7 @@ TEST(App, TakesADoubleDashAsTheEndOfTheOptions) {
 TEST(App, WantsTheRequiredArguments) {
   EXPECT_EQ(azcoll("esegui").code, ExitCode::Usage);
   EXPECT_THAT(azcoll("esegui", "--db", "x").err, HasSubstr("Manca METODO."));
-  EXPECT_THAT(azcoll("crea").err, HasSubstr("Manca --db."));
-  EXPECT_EQ(azcoll("crea").code, ExitCode::Usage);
+  EXPECT_THAT(azcoll("gruppo", "--db", "x").err, HasSubstr("Manca --ditta."));
 }
 
 TEST(App, WantsTheValueOfAnOption) {
@@ -165,6 +164,10 @@ TEST(App, SurvivesOddArguments) {
       {"crea", "--db", ""},
       {"crea", "--db", ":memory:"},
       {"crea", "--esempio=3", "--db", "/nessuna/cartella/x"},
+      {"crea", "--connessione", zero},
+      {"crea", "--connessione", ";;;==="},
+      {"diagnosi", "--db", zero},
+      {"diagnosi", "--db", "/nessuna/cartella/x"},
   };
   for (const std::vector<std::string>& args : lines) {
     const Outcome outcome = azcollWith("", args);

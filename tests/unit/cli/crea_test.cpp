@@ -1,5 +1,5 @@
-#include "cli/command_crea.h"
 #include "cli/database.h"
+#include "cli/installation.h"
 #include "cli/scripts.h"
 #include "cli_test.h"
 
@@ -77,7 +77,7 @@ TEST_F(Crea, RefusesADatabaseInMemory) {
 
 TEST_F(Crea, CarriesTheScriptsOfTheSchemaFolder) {
   const std::string folder = std::string{AZCOLL_SOURCE_DIR} + "/schema/";
-  for (const Script& script : {kTabelle, kProcedure, kEsempio}) {
+  for (const Script& script : {kTabelle, kProcedure, kEsempio, kPermessi}) {
     EXPECT_EQ(script.text, contents(folder + std::string{script.name})) << script.name;
     EXPECT_THAT(std::string{script.text}, testing::Not(IsEmpty()));
   }

@@ -2,6 +2,8 @@
 
 #include "gtest/gtest.h"
 
+#include "data/error.h"
+#include "embedded/embedded_connection.h"
 #include "embedded/types.h"
 #include "engine_fixture.h"
 
@@ -29,6 +31,29 @@ TEST(Types, MeetInTheHigherOne) {
             (Type{TypeKind::DateTime2, 0, 0, 3}));
   EXPECT_EQ(commonType(kDateTime, {TypeKind::DateTime2, 0, 0, 0}),
             (Type{TypeKind::DateTime2, 0, 0, 3}));
+}
+
+TEST(Definitions, AreToldInTheOrderOfTheirCreation) {
+  const std::shared_ptr<Connection> connection = newConnection();
+  connection->setConnectionString("Provider=embedded;Data Source=:memory:");
+  EXPECT_THROW(storedDefinitions(*connection), Error);  // it is not open
+  connection->open("", "", CommandOption::Unspecified);
+  const auto run = [&](const char* text) {
+    std::int64_t affected = 0;
+    connection->execute(text, affected, CommandOption::Text);
+  };
+  EXPECT_EQ(storedDefinitions(*connection), std::vector<std::string>{});
+  run("CREATE TABLE Z (A INT NOT NULL, B VARCHAR(9) NULL)");
+  run("CREATE TABLE A (A INT NOT NULL)");
+  run("CREATE INDEX I ON Z (B)");
+  run("CREATE PROCEDURE P AS SELECT A FROM Z");
+  run("DROP TABLE A");
+  const auto definitions = storedDefinitions(*connection);
+  ASSERT_TRUE(definitions);
+  ASSERT_EQ(definitions->size(), 3U);
+  EXPECT_EQ((*definitions)[0].substr(0, 14), "CREATE TABLE Z");
+  EXPECT_EQ((*definitions)[1], "CREATE INDEX I ON Z (B)");
+  EXPECT_EQ((*definitions)[2], "CREATE PROCEDURE P AS SELECT A FROM Z");
 }
 
 TEST(Definitions, AreRefusedWithTheirNumber) {

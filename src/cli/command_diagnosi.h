@@ -1,0 +1,32 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "cli/console.h"
+#include "cli/database.h"
+
+namespace CLI {
+class App;
+}
+
+namespace azcoll::cli {
+
+struct Diagnosis;
+
+/// `azcoll diagnosi`: tells what a company database lacks for the service, and what mends it.
+struct CommandDiagnosi {
+  DatabaseOptions database;
+  bool json = false;
+
+  CLI::App* setup(CLI::App& parent);
+  ExitCode run(Console& console) const;
+};
+
+/// Prints a diagnosis for people.
+void printDiagnosis(std::ostream& out, const Diagnosis& diagnosis);
+
+/// `{"a_posto", "esaminati": {…}, "problemi": [{"tipo", "oggetto", "messaggio", "rimedio"}],
+/// "note"}`.
+void printDiagnosisJson(std::ostream& out, const Diagnosis& diagnosis);
+
+}  // namespace azcoll::cli

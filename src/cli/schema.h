@@ -1,0 +1,98 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace azcoll::cli {
+
+/// A data type as a declaration or a catalogue tells it. `length` counts the characters of a text,
+/// -1 for MAX; of a decimal it is the number of its digits.
+struct ColumnType {
+  std::string name;  ///< upper case, "NUMERIC" told as "DECIMAL"
+  int length = 0;
+  int scale = 0;
+
+  friend bool operator==(const ColumnType&, const ColumnType&) = default;
+  /// As it is written in T-SQL: `NVARCHAR(80)`, `DECIMAL(5, 2)`, `INT`.
+  [[nodiscard]] std::string text() const;
+};
+
+/// A column of a table, or of the rows that a function gives (those have a name alone).
+struct SchemaColumn {
+  std::string name;
+  ColumnType type{};
+  bool nullable = true;
+  bool identity = false;
+  bool hasDefault = false;
+  std::string
+      defaultClause{};  ///< `CONSTRAINT DF_… DEFAULT (0)`; empty when only known to be there
+};
+
+struct SchemaTable {
+  std::string name;
+  std::string owner{};  ///< the schema it lies in; empty where there is but one
+  std::vector<SchemaColumn> columns{};
+  std::vector<std::string> definitions{};  ///< CREATE TABLE, then one CREATE INDEX for each index
+};
+
+struct SchemaParameter {
+  std::string name;  ///< with its `@`
+  ColumnType type{};
+  bool output = false;
+};
+
+/// A stored procedure, or a function that gives rows.
+struct SchemaRoutine {
+  std::string name;
+  std::string owner{};
+  bool isFunction = false;
+  std::vector<SchemaParameter> parameters{};
+  std::vector<SchemaColumn> columns{};  ///< of a function's rows
+  std::string definition{};
+};
+
+/// What a company database consists of: as the scripts want it, or as it was found.
+struct Schema {
+  std::vector<SchemaTable> tables{};
+  std::vector<SchemaRoutine> routines{};
+
+  /// By name, letter case ignored; null when there is none.
+  [[nodiscard]] const SchemaTable* table(std::string_view name) const;
+  [[nodiscard]] const SchemaRoutine* routine(std::string_view name) const;
+};
+
+/// Whether two names of database objects are the same: letter case does not count.
+[[nodiscard]] bool sameName(std::string_view left, std::string_view right);
+
+/// Adds what the CREATE statements of one batch define; other statements are passed over. Throws
+/// `tsql::SyntaxError`.
+void addDefinitions(Schema& schema, std::string_view batch);
+
+/// The schema that the scripts carried in this program define.
+[[nodiscard]] const Schema& expectedSchema();
+
+/// One right that a role needs: `GRANT right ON owner.object`.
+struct Grant {
+  std::string right;  ///< upper case: SELECT, INSERT, UPDATE, DELETE, EXECUTE
+  std::string owner;
+  std::string object;
+
+  friend bool operator==(const Grant&, const Grant&) = default;
+};
+
+/// A role and its rights.
+struct RoleRights {
+  std::string role;
+  std::vector<Grant> grants;
+};
+
+/// Reads the lines `GRANT right[, …] ON owner.object TO role` of a script, which must all name the
+/// same role; other statements are passed over. Throws `Error` for a GRANT of another form.
+[[nodiscard]] RoleRights readGrants(std::string_view script);
+
+/// The role of `schema/permessi.sql`.
+[[nodiscard]] const RoleRights& expectedRights();
+
+}  // namespace azcoll::cli

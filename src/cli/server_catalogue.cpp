@@ -1,0 +1,260 @@
+#include "cli/server_catalogue.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <fmt/format.h>
+#include <iterator>
+#include <set>
+
+#include "cli/query.h"
+#include "data/text.h"
+
+namespace azcoll::cli {
+namespace {
+
+std::string quoted(std::string_view text) {
+  std::string constant = "N'";
+  for (const char c : text) {
+    constant += c == '\'' ? "''" : std::string_view{&c, 1};
+  }
+  return constant + "'";
+}
+
+/// `[dbo].[T]`.
+std::string qualified(std::string_view owner, std::string_view object) {
+  std::string name;
+  for (const std::string_view part : {owner, object}) {
+    name += name.empty() ? "[" : ".[";
+    for (const char c : part) {
+      name += c == ']' ? "]]" : std::string_view{&c, 1};
+    }
+    name += ']';
+  }
+  return name;
+}
+
+// ---------------------------------------------------------------- the questions
+
+constexpr std::string_view kUser =
+    "SELECT USER_NAME() AS UTENTE, SCHEMA_NAME() AS SCHEMA_UTENTE,"
+    " IS_ROLEMEMBER({}) AS NEL_RUOLO,"
+    " HAS_PERMS_BY_NAME(QUOTENAME(DB_NAME()), N'DATABASE', N'VIEW DEFINITION') AS VEDE_TUTTO,"
+    " CASE WHEN N'a' = N'A' THEN 1 ELSE 0 END AS SENZA_MAIUSCOLE";
+
+// U table, V view, P procedure, IF and TF functions that give rows. {} are the names.
+constexpr std::string_view kObjects =
+    "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, O.type AS TIPO"
+    " FROM sys.objects AS O INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
+    " WHERE O.type IN ('U', 'V', 'P', 'IF', 'TF') AND S.name IN (SCHEMA_NAME(), N'dbo')"
+    " AND O.name IN ({})";
+
+constexpr std::string_view kColumns =
+    "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, C.name AS NOME,"
+    " TYPE_NAME(C.system_type_id) AS TIPO, C.max_length AS BYTE_MAX, C.precision AS CIFRE,"
+    " C.scale AS DECIMALI, CAST(C.is_nullable AS INT) AS AMMETTE_NULL,"
+    " CAST(C.is_identity AS INT) AS IDENTITA,"
+    " CASE WHEN C.default_object_id = 0 THEN 0 ELSE 1 END AS HA_DEFAULT"
+    " FROM sys.columns AS C INNER JOIN sys.objects AS O ON O.object_id = C.object_id"
+    " INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
+    " WHERE O.type IN ('U', 'V', 'IF', 'TF') AND S.name IN (SCHEMA_NAME(), N'dbo')"
+    " AND O.name IN ({}) ORDER BY C.object_id, C.column_id";
+
+constexpr std::string_view kParameters =
+    "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, P.name AS NOME,"
+    " TYPE_NAME(P.system_type_id) AS TIPO, P.max_length AS BYTE_MAX, P.precision AS CIFRE,"
+    " P.scale AS DECIMALI, CAST(P.is_output AS INT) AS USCITA"
+    " FROM sys.parameters AS P INNER JOIN sys.objects AS O ON O.object_id = P.object_id"
+    " INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
+    " WHERE P.parameter_id > 0 AND S.name IN (SCHEMA_NAME(), N'dbo')"
+    " AND O.name IN ({}) ORDER BY P.object_id, P.parameter_id";
+
+constexpr std::string_view kRight =
+    "SELECT {} AS NUMERO, HAS_PERMS_BY_NAME({}, N'OBJECT', N'{}') AS CONCESSO";
+
+// ---------------------------------------------------------------- the answers
+
+/// Rows of a question, read by column name.
+class Answer {
+ public:
+  Answer(Connection& connection, const std::string& question)
+      : rows_{query(connection, question)} {}
+
+  [[nodiscard]] bool next() { return ++row_ < static_cast<std::ptrdiff_t>(rows_.rows.size()); }
+  [[nodiscard]] const Variant& value(std::string_view column) const {
+    return rows_.rows[static_cast<std::size_t>(row_)][columnIndex(rows_, column)];
+  }
+  [[nodiscard]] std::string text(std::string_view column) const {
+    return std::string{trim(join(value(column)))};
+  }
+  [[nodiscard]] int number(std::string_view column) const { return value(column).toInt32(); }
+  /// False for Null too.
+  [[nodiscard]] bool isOne(std::string_view column) const {
+    return !value(column).isNull() && number(column) == 1;
+  }
+
+ private:
+  Rows rows_;
+  std::ptrdiff_t row_ = -1;
+};
+
+std::string namesOf(const Schema& schema) {
+  std::string names;
+  const auto add = [&names](const std::string& name) {
+    names += (names.empty() ? "" : ", ") + quoted(name);
+  };
+  for (const SchemaTable& table : schema.tables) {
+    add(table.name);
+  }
+  for (const SchemaRoutine& routine : schema.routines) {
+    add(routine.name);
+  }
+  return names;
+}
+
+ColumnType typeOf(const Answer& answer) {
+  ColumnType type{.name = answer.text("TIPO")};
+  std::ranges::transform(type.name, type.name.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  if (type.name == "NUMERIC") {
+    type.name = "DECIMAL";
+  }
+  if (type.name == "DECIMAL") {
+    type.length = answer.number("CIFRE");
+    type.scale = answer.number("DECIMALI");
+  } else if (type.name.ends_with("CHAR") || type.name.ends_with("BINARY")) {
+    const int bytes = answer.number("BYTE_MAX");
+    const bool twoBytes = type.name.starts_with("NCHAR") || type.name.starts_with("NVARCHAR");
+    type.length = bytes > 0 && twoBytes ? bytes / 2 : bytes;
+  }
+  return type;
+}
+
+/// Puts the objects of an answer in their places: of several with one name, the one that a
+/// statement means.
+void addObject(Schema& schema, const Answer& answer, const ServerUser& user) {
+  const std::string name = answer.text("OGGETTO");
+  const std::string owner = answer.text("PROPRIETARIO");
+  const std::string kind = answer.text("TIPO");
+  const auto put = [&](auto& all, auto object) {
+    for (auto& there : all) {
+      if (sameName(there.name, name)) {
+        // The statements name the function with its schema.
+        const bool isMeant =
+            sameName(owner, kind == "IF" || kind == "TF" ? std::string{"dbo"} : user.defaultSchema);
+        if (isMeant) {
+          there = std::move(object);
+        }
+        return;
+      }
+    }
+    all.push_back(std::move(object));
+  };
+  if (kind == "U" || kind == "V") {
+    put(schema.tables, SchemaTable{.name = name, .owner = owner});
+  } else {
+    put(schema.routines, SchemaRoutine{.name = name, .owner = owner, .isFunction = kind != "P"});
+  }
+}
+
+template <typename Objects>
+auto* ownedObject(Objects& all, const Answer& answer) {
+  const auto found = std::ranges::find_if(all, [&](const auto& each) {
+    return sameName(each.name, answer.text("OGGETTO")) &&
+           sameName(each.owner, answer.text("PROPRIETARIO"));
+  });
+  return found == all.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+ServerUser readServerUser(Connection& connection, std::string_view role) {
+  Answer answer{connection, fmt::format(kUser, quoted(role))};
+  ServerUser user;
+  if (answer.next()) {
+    user.name = answer.text("UTENTE");
+    user.defaultSchema = answer.text("SCHEMA_UTENTE");
+    if (!answer.value("NEL_RUOLO").isNull()) {
+      user.inRole = answer.isOne("NEL_RUOLO");
+    }
+    user.seesEverything = answer.isOne("VEDE_TUTTO");
+    user.ignoresCase = answer.isOne("SENZA_MAIUSCOLE");
+  }
+  return user;
+}
+
+std::vector<std::string> readServerNames(Connection& connection, const Schema& expected) {
+  std::vector<std::string> names;
+  Answer answer{connection, fmt::format(kObjects, namesOf(expected))};
+  while (answer.next()) {
+    names.push_back(answer.text("OGGETTO"));
+  }
+  return names;
+}
+
+Schema readServerSchema(Connection& connection, const Schema& expected, const ServerUser& user) {
+  Schema found;
+  const std::string names = namesOf(expected);
+  Answer objects{connection, fmt::format(kObjects, names)};
+  while (objects.next()) {
+    addObject(found, objects, user);
+  }
+  Answer columns{connection, fmt::format(kColumns, names)};
+  while (columns.next()) {
+    SchemaColumn column{.name = columns.text("NOME"),
+                        .type = typeOf(columns),
+                        .nullable = columns.isOne("AMMETTE_NULL"),
+                        .identity = columns.isOne("IDENTITA"),
+                        .hasDefault = columns.isOne("HA_DEFAULT")};
+    if (SchemaTable* const table = ownedObject(found.tables, columns)) {
+      table->columns.push_back(std::move(column));
+    } else if (SchemaRoutine* const function = ownedObject(found.routines, columns)) {
+      function->columns.push_back(std::move(column));
+    }
+  }
+  Answer parameters{connection, fmt::format(kParameters, names)};
+  while (parameters.next()) {
+    if (SchemaRoutine* const routine = ownedObject(found.routines, parameters)) {
+      routine->parameters.push_back(
+          {parameters.text("NOME"), typeOf(parameters), parameters.isOne("USCITA")});
+    }
+  }
+  return found;
+}
+
+std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<Grant>& grants,
+                                     const Schema& found) {
+  std::vector<Grant> asked;
+  std::string question;
+  for (const Grant& grant : grants) {
+    const SchemaTable* const table = found.table(grant.object);
+    const SchemaRoutine* const routine = found.routine(grant.object);
+    if (table == nullptr && routine == nullptr) {
+      continue;  // what is not there is told by itself
+    }
+    const std::string& owner = table != nullptr ? table->owner : routine->owner;
+    question += question.empty() ? "" : " UNION ALL ";
+    question +=
+        fmt::format(kRight, asked.size(), quoted(qualified(owner, grant.object)), grant.right);
+    asked.push_back({grant.right, owner, grant.object});
+  }
+  if (asked.empty()) {
+    return {};
+  }
+  std::set<std::size_t> held;
+  Answer answer{connection, question};
+  while (answer.next()) {
+    if (answer.isOne("CONCESSO")) {
+      held.insert(static_cast<std::size_t>(answer.number("NUMERO")));
+    }
+  }
+  std::vector<Grant> missing;
+  for (std::size_t i = 0; i < asked.size(); ++i) {
+    if (!held.contains(i)) {
+      missing.push_back(asked[i]);
+    }
+  }
+  return missing;
+}
+
+}  // namespace azcoll::cli

@@ -1,0 +1,270 @@
+// What `crea --connessione` sends, and what it leaves when something fails on the way.
+
+#include "cli/installation.h"
+
+#include "cli/database.h"
+#include "cli/schema.h"
+#include "cli/scripts.h"
+#include "cli_test.h"
+#include "support/scripted_connection.h"
+#include "support/test_database.h"
+#include "tsql/parser.h"
+
+namespace azcoll::cli {
+namespace {
+
+using azcoll::testing::Failure;
+using azcoll::testing::rowSet;
+using azcoll::testing::ScriptedConnection;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+using ::testing::ThrowsMessage;
+
+using Scripts = std::vector<const Script*>;
+
+class Installation : public ::testing::Test {
+ protected:
+  /// The operations without the question for what is there.
+  [[nodiscard]] std::vector<std::string> operations() const {
+    std::vector<std::string> texts;
+    for (const auto& operation : server_->operations) {
+      if (operation.name == "Execute") {
+        if (!operation.sql.starts_with("SELECT S.name")) {
+          texts.push_back(operation.sql);
+        }
+      } else {
+        texts.push_back(operation.name);
+      }
+    }
+    return texts;
+  }
+
+  static std::vector<std::string> batchesOf(const Script& script) {
+    std::vector<std::string> texts;
+    for (const tsql::ScriptBatch& batch : tsql::splitScript(script.text)) {
+      texts.push_back(batch.text);
+    }
+    return texts;
+  }
+
+  /// The scripts as they should be sent, the last one broken off at `failing` when it is set.
+  static std::vector<std::string> sent(const Scripts& scripts, const std::string& failing = "") {
+    std::vector<std::string> texts;
+    for (const Script* script : scripts) {
+      texts.emplace_back("BeginTrans");
+      for (const std::string& batch : batchesOf(*script)) {
+        texts.push_back(batch);
+        if (batch == failing) {
+          texts.emplace_back("RollbackTrans");
+          return texts;
+        }
+      }
+      texts.emplace_back("CommitTrans");
+    }
+    return texts;
+  }
+
+  std::shared_ptr<ScriptedConnection> server_ = std::make_shared<ScriptedConnection>();
+  const Scripts all_{&kTabelle, &kProcedure, &kEsempio, &kPermessi};
+};
+
+TEST_F(Installation, SendsEveryBatchInOneTransactionForEachScript) {
+  install(*server_, all_);
+  EXPECT_EQ(operations(), sent(all_));
+  EXPECT_EQ(batchesOf(kProcedure).size(), 2U);
+  EXPECT_GT(batchesOf(kTabelle).size(), 3U);
+}
+
+TEST_F(Installation, UndoesTheScriptThatFailsWhereverItFails) {
+  for (std::size_t script = 0; script < all_.size(); ++script) {
+    for (const std::string& batch : batchesOf(*all_[script])) {
+      server_ = std::make_shared<ScriptedConnection>();
+      server_->fail(batch, Failure::Provider, "guasto");
+      const std::string name{all_[script]->name};
+      EXPECT_THAT([&] { install(*server_, all_); },
+                  ThrowsMessage<Error>(AllOf(StartsWith(name + ", riga "),
+                                             HasSubstr("Errore 50000 (HY000): guasto"),
+                                             HasSubstr(name + " è stato annullato per intero."))));
+      EXPECT_EQ(operations(), sent(Scripts(all_.data(), all_.data() + script + 1), batch));
+    }
+  }
+}
+
+TEST_F(Installation, TellsWhatIsInstalledAndWhatIsNot) {
+  server_->fail(batchesOf(kEsempio).front(), Failure::Provider, "guasto");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(HasSubstr("Installati: tabelle.sql, procedure.sql. "
+                                             "Non installati: esempio.sql, permessi.sql.")));
+  server_ = std::make_shared<ScriptedConnection>();
+  server_->fail(batchesOf(kTabelle).front(), Failure::Provider, "guasto");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(HasSubstr("Installati: nessuno. Non installati: tabelle.sql")));
+}
+
+TEST_F(Installation, UndoesAScriptThatIsNotConfirmed) {
+  server_->fail("CommitTrans", Failure::Provider, "connessione persa");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(AllOf(HasSubstr("tabelle.sql: la conferma non è riuscita"),
+                                         HasSubstr("connessione persa"))));
+  std::vector<std::string> expected = sent({&kTabelle});
+  expected.emplace_back("RollbackTrans");
+  EXPECT_EQ(operations(), expected);
+}
+
+TEST_F(Installation, TellsWhenTheUndoingFailsToo) {
+  server_->fail(batchesOf(kProcedure).back(), Failure::Provider, "guasto");
+  server_->fail("RollbackTrans", Failure::Provider, "connessione persa");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(
+                  AllOf(HasSubstr("guasto"), HasSubstr("L'annullamento di procedure.sql non è "
+                                                       "riuscito (connessione persa)"))));
+}
+
+TEST_F(Installation, DoesNotStartWithoutATransaction) {
+  server_->fail("BeginTrans", Failure::Provider, "niente transazioni");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(HasSubstr("niente transazioni")));
+  EXPECT_THAT(operations(), ElementsAre("BeginTrans"));
+}
+
+TEST_F(Installation, RefusesADatabaseThatHasOneOfTheNames) {
+  for (const char* name : {"CG16_ANAGGEN", "PC_GetDitteCollegate", "FNCG28_TABCODIVA"}) {
+    server_ = std::make_shared<ScriptedConnection>();
+    server_->answerPrefix("SELECT S.name",
+                          rowSet({"PROPRIETARIO", "OGGETTO", "TIPO"}, {"dbo", name, "U "}));
+    EXPECT_THAT(
+        [&] { install(*server_, all_); },
+        ThrowsMessage<UsageError>(AllOf(HasSubstr(std::string{"Il database contiene già "} + name),
+                                        HasSubstr("non viene toccato"))));
+    EXPECT_THAT(operations(), IsEmpty());
+  }
+}
+
+TEST_F(Installation, AsksForEveryNameThatItWouldMake) {
+  install(*server_, all_);
+  const std::string& question = server_->operations.front().sql;
+  for (const SchemaTable& table : expectedSchema().tables) {
+    EXPECT_THAT(question, HasSubstr("N'" + table.name + "'"));
+  }
+  for (const SchemaRoutine& routine : expectedSchema().routines) {
+    EXPECT_THAT(question, HasSubstr("N'" + routine.name + "'"));
+  }
+}
+
+TEST_F(Installation, DoesNotStartWhenTheCatalogueIsRefused) {
+  server_->fail("SELECT S.name", Failure::Provider, "permesso negato");
+  EXPECT_THAT([&] { install(*server_, all_); },
+              ThrowsMessage<Error>(
+                  AllOf(HasSubstr("non dice che cosa contiene"), HasSubstr("permesso negato"))));
+  EXPECT_THAT(operations(), IsEmpty());
+}
+
+// ---------------------------------------------------------------- the command
+
+class CreaOnConnection : public FolderTest {
+ protected:
+  [[nodiscard]] std::string source(const std::string& more = "") const {
+    return "Provider=embedded;Data Source=" + path("prova.db") + more;
+  }
+};
+
+TEST_F(CreaOnConnection, InstallsOnAnEmptyDatabase) {
+  const Outcome outcome = azcoll("crea", "--connessione", source(";Create=True"), "--esempio");
+  EXPECT_EQ(outcome.code, ExitCode::Ok) << outcome.err;
+  EXPECT_THAT(outcome.err,
+              HasSubstr("Installati nel database: tabelle.sql, procedure.sql, esempio.sql."));
+  EXPECT_EQ(azcoll("sql", "--connessione", source(), "--csv",
+                   "SELECT COUNT(*) AS N FROM CG18_ANADITTABASE")
+                .out,
+            "N\r\n8\r\n");
+  EXPECT_EQ(azcoll("diagnosi", "--connessione", source()).code, ExitCode::Ok);
+}
+
+TEST_F(CreaOnConnection, KeepsWhatElseTheDatabaseHolds) {
+  EXPECT_EQ(azcoll("crea", "--connessione", source(";Create=True")).code, ExitCode::Ok);
+  const std::string other = "Provider=embedded;Data Source=" + path("altro.db") + ";Create=True";
+  EXPECT_EQ(azcoll("sql", "--connessione", other, "CREATE TABLE NOSTRA (A INT NOT NULL)").code,
+            ExitCode::Ok);
+  EXPECT_EQ(azcoll("crea", "--connessione", other).code, ExitCode::Ok);
+  EXPECT_THAT(azcoll("sql", "--connessione", other, "--csv", "SELECT A FROM NOSTRA").out,
+              StartsWith("A\r\n"));
+}
+
+TEST_F(CreaOnConnection, ChangesNothingWhereTheTablesAreThereAlready) {
+  ASSERT_EQ(azcoll("crea", "--db", path("prova.db")).code, ExitCode::Ok);
+  const Outcome outcome = azcoll("crea", "--connessione", source(), "--esempio");
+  EXPECT_EQ(outcome.code, ExitCode::Usage);
+  EXPECT_THAT(outcome.err, HasSubstr("contiene già CG16_ANAGGEN e altri "));
+  EXPECT_EQ(azcoll("sql", "--connessione", source(), "--csv",
+                   "SELECT COUNT(*) AS N FROM CG18_ANADITTABASE")
+                .out,
+            "N\r\n0\r\n");
+}
+
+TEST_F(CreaOnConnection, RefusesADatabaseWithOneOfTheTables) {
+  ASSERT_EQ(azcoll("sql", "--connessione", source(";Create=True"),
+                   "CREATE TABLE cg44_clifor (A INT NOT NULL)")
+                .code,
+            ExitCode::Ok);
+  const Outcome outcome = azcoll("crea", "--connessione", source());
+  EXPECT_EQ(outcome.code, ExitCode::Usage);
+  EXPECT_THAT(outcome.err, HasSubstr("contiene già cg44_clifor: non viene toccato"));
+  EXPECT_EQ(azcoll("sql", "--connessione", source(), "SELECT 1 FROM CG16_ANAGGEN").code,
+            ExitCode::Failed);
+}
+
+TEST_F(CreaOnConnection, WantsExactlyOneOfFileAndConnection) {
+  for (const Outcome& outcome :
+       {azcoll("crea"), azcoll("crea", "--db", path("a.db"), "--connessione", source())}) {
+    EXPECT_EQ(outcome.code, ExitCode::Usage);
+    EXPECT_THAT(outcome.err, HasSubstr("--db FILE oppure --connessione STRINGA"));
+  }
+  EXPECT_THAT(filesLeft(), IsEmpty());
+}
+
+TEST_F(CreaOnConnection, HasNoRolesOnTheEmbeddedEngine) {
+  const Outcome file = azcoll("crea", "--db", path("a.db"), "--permessi");
+  EXPECT_EQ(file.code, ExitCode::Usage);
+  EXPECT_THAT(file.err, HasSubstr("non conosce utenti né ruoli"));
+  EXPECT_THAT(filesLeft(), IsEmpty());
+  const Outcome connection = azcoll("crea", "--connessione", source(";Create=True"), "--permessi");
+  EXPECT_EQ(connection.code, ExitCode::Usage);
+  EXPECT_THAT(connection.err, HasSubstr("non conosce utenti né ruoli"));
+  EXPECT_EQ(azcoll("sql", "--connessione", source(), "SELECT 1 FROM CG16_ANAGGEN").code,
+            ExitCode::Failed);
+}
+
+TEST_F(CreaOnConnection, NeverShowsAPassword) {
+  for (const char* command : {"crea", "diagnosi"}) {
+    for (const char* string : {"Driver=NESSUNO;Server=nessuno.invalid;UID=sa;PWD=Segreta1",
+                               "Driver=NESSUNO;Server=nessuno.invalid;UID=sa;Password={Segreta1;}",
+                               "Provider=embedded;Password=Segreta1"}) {
+      const Outcome outcome = azcoll(command, "--connessione", string);
+      EXPECT_EQ(outcome.code, ExitCode::CannotOpen) << string;
+      EXPECT_THAT(outcome.err, Not(HasSubstr("Segreta1"))) << string;
+      EXPECT_THAT(outcome.out, IsEmpty());
+    }
+  }
+}
+
+TEST(CreaOnAServer, InstallsOnceAndIsFoundWhole) {
+  const std::string server = test::serverConnectionString();
+  if (server.empty()) {
+    GTEST_SKIP() << "AZCOLL_TEST_CONNESSIONE names no server to install on";
+  }
+  test::detail::openConnection()->close();  // leaves the tests' own database empty
+  const Outcome first = azcoll("crea", "--connessione", server, "--esempio");
+  ASSERT_EQ(first.code, ExitCode::Ok) << first.err;
+  const Outcome second = azcoll("crea", "--connessione", server, "--esempio");
+  EXPECT_EQ(second.code, ExitCode::Usage) << second.err;
+  EXPECT_THAT(second.err, HasSubstr("contiene già"));
+  const Outcome diagnosis = azcoll("diagnosi", "--connessione", server);
+  EXPECT_EQ(diagnosis.code, ExitCode::Ok) << diagnosis.out << diagnosis.err;
+}
+
+}  // namespace
+}  // namespace azcoll::cli
