@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "cursor/packed_rows.h"
 #include "data/variant.h"
 
 namespace azcoll {
@@ -56,13 +57,17 @@ class ColumnList {
   std::shared_ptr<const std::vector<ColumnInfo>> shared_;
 };
 
-/// One result of an execution, all rows in memory. `rows` is row after row, `columns.size()` values
-/// each.
+/// One result of an execution, all rows in memory: in `values` row after row, `columns.size()`
+/// values each, or all of them in `packed`.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;
+  std::shared_ptr<const cursor::PackedRows> packed{};
 
   [[nodiscard]] std::size_t rowCount() const {
+    if (packed) {
+      return packed->rowCount();
+    }
     return columns.empty() ? 0 : values.size() / columns.size();
   }
 };

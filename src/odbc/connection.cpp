@@ -83,7 +83,7 @@ void OdbcConnection::close() {
 
 ExecutionResult OdbcConnection::runOn(std::string_view text,
                                       std::vector<BoundParameter>& parameters, int timeoutSeconds,
-                                      bool escapes) {
+                                      bool escapes, Reading reading) {
   Session& session = this->session();
   session.ensureAutocommit();
   const auto statement = session.newStatement(timeoutSeconds, escapes);
@@ -91,7 +91,7 @@ ExecutionResult OdbcConnection::runOn(std::string_view text,
   for (BoundParameter& parameter : parameters) {
     parameter.bind(*statement, ++number);
   }
-  return runToEnd(*statement, text, session.reread());
+  return runToEnd(*statement, text, session.reread(), reading);
 }
 
 ExecutionResult OdbcConnection::run(std::string_view text) {
@@ -101,7 +101,9 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
     if (!leavesTablesAlone(text)) {
       catalogue_.forget();
     }
-    ExecutionResult result = runOn(text, none, timeoutSeconds_, false);
+    const bool repeatable = session.speaksTSql() && !session.reread().bound && onlyReads(text);
+    ExecutionResult result =
+        runOn(text, none, timeoutSeconds_, false, repeatable ? Reading::Repeatable : Reading::Once);
     settleBaseColumns(result, text, session, catalogue_, timeoutSeconds_);
     return result;
   });
@@ -116,7 +118,8 @@ std::int64_t OdbcConnection::runChange(std::string_view text,
     for (const Variant& value : parameters) {
       bound.push_back(BoundParameter::ofValue(value, session.speaksTSql()));
     }
-    const std::int64_t changed = runOn(text, bound, timeoutSeconds_, true).recordsAffected;
+    const std::int64_t changed =
+        runOn(text, bound, timeoutSeconds_, true, Reading::Once).recordsAffected;
     if (changed < 0) {
       throw DriverFailure{"HY000", "Il driver ODBC non dice quante righe sono state modificate"};
     }
@@ -159,7 +162,7 @@ std::shared_ptr<Recordset> OdbcConnection::callProcedure(
     bound.push_back(BoundParameter::ofDeclared(declared[index], values[index]));
   }
   ExecutionResult result = recorded(text, [&] {
-    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true);
+    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true, Reading::Once);
     for (std::size_t index = 0; index < declared.size(); ++index) {
       if (declared[index].direction != ParameterDirection::Input) {
         values[index] = bound[index].output();

@@ -57,7 +57,7 @@ class OdbcConnection final : public Connection,
   void settleTransaction(std::vector<ErrorInfo>& entries);
   [[nodiscard]] Session& session() const;
   ExecutionResult runOn(std::string_view text, std::vector<BoundParameter>& parameters,
-                        int timeoutSeconds, bool escapes);
+                        int timeoutSeconds, bool escapes, Reading reading);
   [[nodiscard]] std::shared_ptr<Recordset> handOut(ExecutionResult result);
 
   std::string connectionString_;

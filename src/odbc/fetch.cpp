@@ -5,7 +5,6 @@
 #include <memory>
 #include <span>
 
-#include "data/text.h"
 #include "odbc/diagnostics.h"
 #include "odbc/pieces.h"
 
@@ -21,6 +20,8 @@ constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fi
 struct Slot {
   Carrier carrier = Carrier::Text;
   std::size_t width = 0;
+  std::size_t fixed = 0;  ///< bytes of every value, when they are always the same
+  std::size_t room = 0;   ///< bytes of the longest value that is whole
   std::unique_ptr<std::byte[]> values;
   std::vector<SQLLEN> lengths;
 
@@ -55,8 +56,9 @@ std::size_t widthOf(const Column& column) {
 /// Fetches through bound columns. The bindings end with the object, before the buffers do.
 class BlockReader {
  public:
-  BlockReader(const Handle& statement, const std::vector<Column>& columns, bool severalRows)
-      : statement_{statement}, columns_{columns} {
+  BlockReader(const Handle& statement, const std::vector<Column>& columns, bool severalRows,
+              bool canReread)
+      : statement_{statement}, columns_{columns}, canReread_{canReread} {
     std::size_t rowBytes = 0;
     for (const Column& column : columns) {
       rowBytes += widthOf(column) + sizeof(SQLLEN);
@@ -83,8 +85,8 @@ class BlockReader {
     }
   }
 
-  /// Appends the next block to `values`; false behind the last one.
-  bool next(std::vector<Variant>& values) {
+  /// Appends the next block to `rows`; false behind the last one.
+  bool next(cursor::PackedRows& rows) {
     fetched_ = 0;
     const SQLRETURN result = SQLFetch(statement_.get());
     if (result == SQL_NO_DATA) {
@@ -98,8 +100,9 @@ class BlockReader {
         throw DriverFailure{diagnosticsOf(SQL_HANDLE_STMT, statement_.get(), "SQLFetch")};
       }
       for (std::size_t column = 0; column < slots_.size(); ++column) {
-        values.push_back(valueAt(row, column));
+        append(rows, row, column);
       }
+      rows.endRow();
     }
     return true;
   }
@@ -122,6 +125,8 @@ class BlockReader {
       Slot& slot = slots_[index];
       slot.carrier = columns_[index].carrier;
       slot.width = widthOf(columns_[index]);
+      slot.fixed = fixedWidth(slot.carrier);
+      slot.room = slot.width - terminatorWidth(slot.carrier);
       slot.values = std::make_unique<std::byte[]>(slot.width * rows_);
       slot.lengths.assign(rows_, 0);
       statement_.require(
@@ -131,20 +136,23 @@ class BlockReader {
     }
   }
 
-  Variant valueAt(std::size_t row, std::size_t column) {
+  void append(cursor::PackedRows& rows, std::size_t row, std::size_t column) {
     const Slot& slot = slots_[column];
     const SQLLEN length = slot.lengths[row];
     if (length == SQL_NULL_DATA) {
-      return kNull;
+      return rows.appendNull();
     }
-    if (const std::size_t fixed = fixedWidth(slot.carrier); fixed != 0) {
-      return decode(slot.carrier, slot.value(row));
+    if (slot.fixed != 0) {
+      return decodeInto(rows, slot.carrier, slot.value(row));
     }
-    const std::size_t room = slot.width - terminatorWidth(slot.carrier);
-    if (length >= 0 && static_cast<std::size_t>(length) <= room) {
-      return decode(slot.carrier, slot.value(row).first(static_cast<std::size_t>(length)));
+    if (length >= 0 && static_cast<std::size_t>(length) <= slot.room) {
+      return decodeInto(rows, slot.carrier,
+                        slot.value(row).first(static_cast<std::size_t>(length)));
     }
-    return again(row, column);
+    if (!canReread_) {
+      throw CutValue{};
+    }
+    rows.append(again(row, column));
   }
 
   /// The value of a column that did not fit.
@@ -158,6 +166,7 @@ class BlockReader {
 
   const Handle& statement_;
   const std::vector<Column>& columns_;
+  bool canReread_;
   std::size_t rows_ = 1;
   SQLULEN fetched_ = 0;
   std::vector<SQLUSMALLINT> status_;
@@ -165,7 +174,7 @@ class BlockReader {
 };
 
 void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
-                   std::vector<Variant>& values) {
+                   cursor::PackedRows& rows) {
   while (true) {
     const SQLRETURN result = SQLFetch(statement.get());
     if (result == SQL_NO_DATA) {
@@ -173,27 +182,30 @@ void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
     }
     statement.require(result, "SQLFetch");
     for (std::size_t index = 0; index < columns.size(); ++index) {
-      values.push_back(
+      rows.append(
           readInPieces(statement, static_cast<SQLUSMALLINT>(index + 1), columns[index].carrier));
     }
+    rows.endRow();
   }
 }
 
 }  // namespace
 
-std::vector<Variant> fetchAll(const Handle& statement, const std::vector<Column>& columns,
-                              RereadAbilities reread) {
-  std::vector<Variant> values;
+std::shared_ptr<const cursor::PackedRows> fetchAll(const Handle& statement,
+                                                   const std::vector<Column>& columns,
+                                                   RereadAbilities reread, Reading reading) {
+  auto rows = std::make_shared<cursor::PackedRows>();
   const bool bindable = std::all_of(columns.begin(), columns.end(), isBindable);
   const bool outgrowing = std::any_of(columns.begin(), columns.end(), mayOutgrow);
-  if (!bindable || (outgrowing && !reread.bound)) {
-    fetchInPieces(statement, columns, values);
-    return values;
+  const bool repeatable = reading == Reading::Repeatable && !reread.bound;
+  if (!bindable || (outgrowing && !reread.bound && !repeatable)) {
+    fetchInPieces(statement, columns, *rows);
+    return rows;
   }
-  BlockReader reader{statement, columns, !outgrowing || reread.inBlock};
-  while (reader.next(values)) {
+  BlockReader reader{statement, columns, !outgrowing || reread.inBlock || repeatable, reread.bound};
+  while (reader.next(*rows)) {
   }
-  return values;
+  return rows;
 }
 
 }  // namespace azcoll::odbc

@@ -175,6 +175,23 @@ std::vector<SelectShape> selectShapes(std::string_view batch) {
   return shapes;
 }
 
+bool onlyReads(std::string_view batch) {
+  // Everything that begins a statement with an effect, and what a query can do beside reading.
+  static constexpr std::array<std::string_view, 47> kEffects{
+      "INTO",      "NEXT",        "OPENQUERY",  "OPENROWSET", "OPENDATASOURCE", "INSERT",
+      "UPDATE",    "DELETE",      "MERGE",      "TRUNCATE",   "CREATE",         "ALTER",
+      "DROP",      "EXEC",        "EXECUTE",    "SET",        "DECLARE",        "BEGIN",
+      "COMMIT",    "ROLLBACK",    "SAVE",       "USE",        "BULK",           "GRANT",
+      "REVOKE",    "DENY",        "BACKUP",     "RESTORE",    "KILL",           "DBCC",
+      "RECEIVE",   "SEND",        "MOVE",       "WRITETEXT",  "UPDATETEXT",     "PRINT",
+      "RAISERROR", "THROW",       "WAITFOR",    "FETCH",      "OPEN",           "CLOSE",
+      "SHUTDOWN",  "RECONFIGURE", "CHECKPOINT", "ENABLE",     "DISABLE"};
+  const std::vector<SqlWord> words = wordsOf(batch);
+  return !words.empty() && words.front().is("SELECT") &&
+         std::none_of(words.begin(), words.end(),
+                      [](const SqlWord& word) { return isAnyOf(word, kEffects); });
+}
+
 bool leavesTablesAlone(std::string_view batch) {
   static constexpr std::array<std::string_view, 9> kChanging{
       "CREATE", "ALTER", "DROP", "EXEC", "EXECUTE", "INTO", "SP_RENAME", "TRUNCATE", "USE"};
