@@ -211,9 +211,9 @@ void readThroughProvider(benchmark::State& state, const Measured& on) {
     const double start = on.clock();
     const std::shared_ptr<Recordset> rows =
         connection->execute(kWideQuery, affected, CommandOption::Text);
-    std::size_t nulls = 0;
+    std::int64_t nulls = 0;
     for (; !rows->atEnd(); rows->moveNext()) {
-      for (std::size_t column = 0; column < kWideColumns; ++column) {
+      for (std::size_t column = 0; column < std::size_t{kWideColumns}; ++column) {
         nulls += rows->fields().item(column).value().isNull() ? 1 : 0;
       }
     }

@@ -155,9 +155,9 @@ bool registerServerJob() {
   if (server == nullptr || *server == '\0') {
     return false;
   }
-  for (const auto& [name, job] : {std::pair{"main job/component/server", component},
-                                  std::pair{"main job/provider/server", replayed},
-                                  std::pair{"main job/bare ODBC/server", bare}}) {
+  for (const auto& [name, job] : {std::pair{"main job/component/server", &component},
+                                  std::pair{"main job/provider/server", &replayed},
+                                  std::pair{"main job/bare ODBC/server", &bare}}) {
     benchmark::RegisterBenchmark(name, job)->UseManualTime()->Unit(benchmark::kMillisecond);
   }
   return true;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -12,6 +13,8 @@
 #include "data/variant.h"
 
 namespace azcoll {
+
+class Connection;
 
 /// What a provider knows of one result column.
 ///
@@ -57,12 +60,19 @@ class ColumnList {
   std::shared_ptr<const std::vector<ColumnInfo>> shared_;
 };
 
+/// Completes the columns of a result with what a change needs to know of the tables behind them.
+/// Asked when a first change is sent, with the connection that it is sent on: most results are only
+/// read, and the answer may cost questions to the database.
+using ColumnSettler =
+    std::function<std::vector<ColumnInfo>(std::vector<ColumnInfo> columns, Connection& connection)>;
+
 /// One result of an execution, all rows in memory: in `values` row after row, `columns.size()`
 /// values each, or all of them in `packed`.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;
   std::shared_ptr<const cursor::PackedRows> packed{};
+  ColumnSettler settle{};  ///< empty: the columns are complete
 
   [[nodiscard]] std::size_t rowCount() const {
     if (packed) {

@@ -15,12 +15,20 @@ RowStore::Originals::const_iterator entryOf(const RowStore::Originals& entries,
 
 RowStore::RowStore(ResultSet set)
     : columns_{std::move(set.columns)},
+      settleColumns_{std::move(set.settle)},
       packed_{std::move(set.packed)},
       packedCount_{packed_ && !columns_.empty() ? packed_->rowCount() : 0},
       values_{std::move(set.values)} {
   const std::size_t others = columns_.empty() ? 0 : values_.size() / columns_.size();
   values_.resize(others * columns_.size());  // an incomplete last row would shift added ones
   rowCount_ = packedCount_ + others;
+}
+
+void RowStore::settleColumns(Connection& connection) {
+  if (settleColumns_) {
+    columns_ = settleColumns_(columns_.all(), connection);
+    settleColumns_ = {};
+  }
 }
 
 std::span<const Variant> RowStore::row(std::size_t row) const {

@@ -36,6 +36,8 @@ class RowStore {
   explicit RowStore(ResultSet set);
 
   [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_.all(); }
+  /// Completes the columns, if that is still to be done, for a change on `connection`.
+  void settleColumns(Connection& connection);
   /// Rows without the one being added.
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }
   /// Values of a row, until another row is asked for; the row being added has the number
@@ -67,6 +69,7 @@ class RowStore {
   static constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 
   ColumnList columns_;
+  ColumnSettler settleColumns_;
   std::shared_ptr<const PackedRows> packed_;
   std::size_t packedCount_ = 0;
   std::map<std::size_t, std::vector<Variant>> changed_;  // of the packed rows

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "data/error.h"
+#include "data/messages.h"
 #include "odbc/base_columns.h"
 #include "odbc/command.h"
 #include "odbc/execution.h"
@@ -98,14 +99,37 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
   Session& session = this->session();
   return recorded(text, [&] {
     std::vector<BoundParameter> none;
-    if (!leavesTablesAlone(text)) {
+    if (!catalogue_.isEmpty() && !leavesTablesAlone(text)) {
       catalogue_.forget();
     }
     const bool repeatable = session.speaksTSql() && !session.reread().bound && onlyReads(text);
     ExecutionResult result =
         runOn(text, none, timeoutSeconds_, false, repeatable ? Reading::Repeatable : Reading::Once);
-    settleBaseColumns(result, text, session, catalogue_, timeoutSeconds_);
+    const std::size_t count = result.results.size();
+    if (count > 0) {
+      const auto batch = std::make_shared<const std::string>(text);
+      for (std::size_t index = 0; index < count; ++index) {
+        result.results[index].settle = [batch, index, count](std::vector<ColumnInfo> columns,
+                                                             Connection& connection) {
+          auto* const own = dynamic_cast<OdbcConnection*>(&connection);
+          if (own == nullptr) {
+            throw Error(std::string{messages::kWrongConnection});
+          }
+          return own->settle(std::move(columns), *batch, index, count);
+        };
+      }
+    }
     return result;
+  });
+}
+
+std::vector<ColumnInfo> OdbcConnection::settle(std::vector<ColumnInfo> columns,
+                                               std::string_view batch, std::size_t index,
+                                               std::size_t count) {
+  Session& session = this->session();
+  return recorded(batch, [&] {
+    return settledColumns(std::move(columns), batch, index, count, session, catalogue_,
+                          timeoutSeconds_);
   });
 }
 

@@ -12,6 +12,7 @@ namespace azcoll::odbc {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
+constexpr std::size_t kFirstRows = 32;  // most results are small, and buffers are not for nothing
 constexpr std::size_t kMostRows = 512;
 constexpr std::size_t kLongestBoundText = 4000;  // beyond it a column has in fact no limit
 constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fit well
@@ -56,16 +57,14 @@ std::size_t widthOf(const Column& column) {
 /// Fetches through bound columns. The bindings end with the object, before the buffers do.
 class BlockReader {
  public:
-  BlockReader(const Handle& statement, const std::vector<Column>& columns, bool severalRows,
+  BlockReader(const Handle& statement, const std::vector<Column>& columns, std::size_t mostRows,
               bool canReread)
       : statement_{statement}, columns_{columns}, canReread_{canReread} {
     std::size_t rowBytes = 0;
     for (const Column& column : columns) {
       rowBytes += widthOf(column) + sizeof(SQLLEN);
     }
-    if (severalRows) {
-      rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, kMostRows);
-    }
+    rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, mostRows);
     if (rows_ > 1 && !succeeded(setAttribute(SQL_ATTR_ROW_ARRAY_SIZE, rows_))) {
       rows_ = 1;
     }
@@ -85,12 +84,12 @@ class BlockReader {
     }
   }
 
-  /// Appends the next block to `rows`; false behind the last one.
-  bool next(cursor::PackedRows& rows) {
+  /// Appends the next block to `rows`; the rows it has, 0 behind the last one.
+  std::size_t next(cursor::PackedRows& rows) {
     fetched_ = 0;
     const SQLRETURN result = SQLFetch(statement_.get());
     if (result == SQL_NO_DATA) {
-      return false;
+      return 0;
     }
     statement_.require(result, "SQLFetch");
     // A driver that knows no blocks fetches one row and does not count.
@@ -104,8 +103,11 @@ class BlockReader {
       }
       rows.endRow();
     }
-    return true;
+    return count;
   }
+
+  /// Rows of a block.
+  [[nodiscard]] std::size_t size() const { return rows_; }
 
  private:
   SQLRETURN setAttribute(SQLINTEGER attribute, SQLULEN value) {
@@ -127,7 +129,7 @@ class BlockReader {
       slot.width = widthOf(columns_[index]);
       slot.fixed = fixedWidth(slot.carrier);
       slot.room = slot.width - terminatorWidth(slot.carrier);
-      slot.values = std::make_unique<std::byte[]>(slot.width * rows_);
+      slot.values = std::make_unique_for_overwrite<std::byte[]>(slot.width * rows_);
       slot.lengths.assign(rows_, 0);
       statement_.require(
           SQLBindCol(statement_.get(), static_cast<SQLUSMALLINT>(index + 1), cTypeOf(slot.carrier),
@@ -202,8 +204,19 @@ std::shared_ptr<const cursor::PackedRows> fetchAll(const Handle& statement,
     fetchInPieces(statement, columns, *rows);
     return rows;
   }
-  BlockReader reader{statement, columns, !outgrowing || reread.inBlock || repeatable, reread.bound};
-  while (reader.next(*rows)) {
+  const bool inBlocks = !outgrowing || reread.inBlock || repeatable;
+  if (inBlocks) {
+    BlockReader first{statement, columns, kFirstRows, reread.bound};
+    std::size_t count = 0;
+    do {
+      count = first.next(*rows);
+    } while (count > 0 && count < first.size());
+    if (count == 0) {
+      return rows;
+    }
+  }
+  BlockReader others{statement, columns, inBlocks ? kMostRows : 1, reread.bound};
+  while (others.next(*rows) > 0) {
   }
   return rows;
 }

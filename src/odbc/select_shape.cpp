@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "cursor/fold.h"
 #include "odbc/sql_words.h"
 
 namespace azcoll::odbc {
@@ -186,6 +187,11 @@ bool onlyReads(std::string_view batch) {
       "RECEIVE",   "SEND",        "MOVE",       "WRITETEXT",  "UPDATETEXT",     "PRINT",
       "RAISERROR", "THROW",       "WAITFOR",    "FETCH",      "OPEN",           "CLOSE",
       "SHUTDOWN",  "RECONFIGURE", "CHECKPOINT", "ENABLE",     "DISABLE"};
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t start = batch.find_first_not_of(kBlanks);
+  if (start == std::string_view::npos || !cursor::sameName(batch.substr(start, 6), "SELECT")) {
+    return false;  // most others, without a look at all their words
+  }
   const std::vector<SqlWord> words = wordsOf(batch);
   return !words.empty() && words.front().is("SELECT") &&
          std::none_of(words.begin(), words.end(),
