@@ -100,6 +100,7 @@ void ClientRecordset::updateBatch(Affect affect) {
   }
   // All statements first: a change that cannot be written at all sends nothing.
   std::vector<ChangeStatement> statements;
+  statements.reserve(rows.size());
   for (const std::size_t row : rows) {
     statements.push_back(changeStatement(rows_, row));
   }

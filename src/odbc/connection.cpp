@@ -87,7 +87,9 @@ ExecutionResult OdbcConnection::runOn(std::string_view text,
                                       bool escapes, Reading reading) {
   Session& session = this->session();
   session.ensureAutocommit();
-  const auto statement = session.newStatement(timeoutSeconds, escapes);
+  const bool mayEscape =
+      escapes || text.find('{') == std::string_view::npos;  // nothing to leave alone
+  const auto statement = session.newStatement(timeoutSeconds, mayEscape);
   SQLUSMALLINT number = 0;
   for (BoundParameter& parameter : parameters) {
     parameter.bind(*statement, ++number);
