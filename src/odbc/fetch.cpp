@@ -58,8 +58,8 @@ std::size_t widthOf(const Column& column) {
 class BlockReader {
  public:
   BlockReader(const Handle& statement, const std::vector<Column>& columns, std::size_t mostRows,
-              bool canReread)
-      : statement_{statement}, columns_{columns}, canReread_{canReread} {
+              bool repeatable)
+      : statement_{statement}, columns_{columns}, repeatable_{repeatable} {
     std::size_t rowBytes = 0;
     for (const Column& column : columns) {
       rowBytes += widthOf(column) + sizeof(SQLLEN);
@@ -151,7 +151,7 @@ class BlockReader {
       return decodeInto(rows, slot.carrier,
                         slot.value(row).first(static_cast<std::size_t>(length)));
     }
-    if (!canReread_) {
+    if (repeatable_) {
       throw CutValue{};
     }
     rows.append(again(row, column));
@@ -168,7 +168,7 @@ class BlockReader {
 
   const Handle& statement_;
   const std::vector<Column>& columns_;
-  bool canReread_;
+  bool repeatable_;
   std::size_t rows_ = 1;
   SQLULEN fetched_ = 0;
   std::vector<SQLUSMALLINT> status_;
@@ -206,7 +206,7 @@ std::shared_ptr<const cursor::PackedRows> fetchAll(const Handle& statement,
   }
   const bool inBlocks = !outgrowing || reread.inBlock || repeatable;
   if (inBlocks) {
-    BlockReader first{statement, columns, kFirstRows, reread.bound};
+    BlockReader first{statement, columns, kFirstRows, repeatable};
     std::size_t count = 0;
     do {
       count = first.next(*rows);
@@ -215,7 +215,7 @@ std::shared_ptr<const cursor::PackedRows> fetchAll(const Handle& statement,
       return rows;
     }
   }
-  BlockReader others{statement, columns, inBlocks ? kMostRows : 1, reread.bound};
+  BlockReader others{statement, columns, inBlocks ? kMostRows : 1, repeatable};
   while (others.next(*rows) > 0) {
   }
   return rows;

@@ -74,6 +74,16 @@ TEST_F(Reading, NothingThatMayHaveAnEffectIsEverRunTwice) {
   EXPECT_EQ(pair("COUNTERS").substr(0, 2), "1|");
 }
 
+TEST_F(Reading, ADecimalLongerThanAnyIsRefusedHoweverItIsRead) {
+  for (const char* const driver :
+       {"Reread=none", "Reread=bound", "Reread=block", "Reread=none;Server=tsql"}) {
+    connect(driver);
+    EXPECT_TRUE(failureOf([&] { run("LONG DECIMAL"); }).fromProvider()) << driver;
+    EXPECT_TRUE(failureOf([&] { run("SELECT LONG_DECIMAL"); }).fromProvider()) << driver;
+    EXPECT_EQ(state(), "1|0|0");
+  }
+}
+
 TEST_F(Reading, NoOpenResultBlocksTheConnection) {
   for (const char* const reread : {"Reread=none", "Reread=bound", "Reread=block"}) {
     connect(reread);  // the driver has room for one open result

@@ -170,6 +170,8 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
       {u"LOWER NAMES", one({.columns = {column(u"ditta", SQL_INTEGER)}, .rows = {{u"10"}}})},
       {u"LONE SURROGATE", single(SQL_WVARCHAR, std::u16string{u'a', char16_t{0xD800}, u'b'})},
       {u"HUGE DECIMAL", single(SQL_DECIMAL, u"1E400")},
+      {u"LONG DECIMAL", single(SQL_DECIMAL, std::u16string(100, u'9'))},
+      {u"SELECT LONG_DECIMAL", single(SQL_DECIMAL, std::u16string(100, u'9'))},
       {u"FINE DECIMAL", single(SQL_DECIMAL, u"-.0000000000000000000000000000000000001")},
       {u"ECHO PASSWORD",
        failing("28000", u"[Maker]refused: " + connection.connectionString, 18456)},
