@@ -94,9 +94,14 @@ void ClientRecordset::updateBatch(Affect affect) {
   if (runner_ == nullptr) {
     fail(messages::kDetached);
   }
+  const std::vector<std::size_t> rows = rowsToSend(affect);
+  if (!rows.empty()) {
+    rows_.settleColumns(*connection_);
+  }
   // All statements first: a change that cannot be written at all sends nothing.
   std::vector<ChangeStatement> statements;
-  for (const std::size_t row : rowsToSend(affect)) {
+  statements.reserve(rows.size());
+  for (const std::size_t row : rows) {
     statements.push_back(changeStatement(rows_, row));
   }
   for (const ChangeStatement& statement : statements) {

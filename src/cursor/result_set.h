@@ -2,15 +2,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cursor/packed_rows.h"
 #include "data/variant.h"
 
 namespace azcoll {
+
+class Connection;
 
 /// What a provider knows of one result column.
 ///
@@ -56,13 +60,24 @@ class ColumnList {
   std::shared_ptr<const std::vector<ColumnInfo>> shared_;
 };
 
-/// One result of an execution, all rows in memory. `rows` is row after row, `columns.size()` values
-/// each.
+/// Completes the columns of a result with what a change needs to know of the tables behind them.
+/// Asked when a first change is sent, with the connection that it is sent on: most results are only
+/// read, and the answer may cost questions to the database.
+using ColumnSettler =
+    std::function<std::vector<ColumnInfo>(std::vector<ColumnInfo> columns, Connection& connection)>;
+
+/// One result of an execution, all rows in memory: in `values` row after row, `columns.size()`
+/// values each, or all of them in `packed`.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;
+  std::shared_ptr<const cursor::PackedRows> packed{};
+  ColumnSettler settle{};  ///< empty: the columns are complete
 
   [[nodiscard]] std::size_t rowCount() const {
+    if (packed) {
+      return packed->rowCount();
+    }
     return columns.empty() ? 0 : values.size() / columns.size();
   }
 };

@@ -14,13 +14,48 @@ RowStore::Originals::const_iterator entryOf(const RowStore::Originals& entries,
 }  // namespace
 
 RowStore::RowStore(ResultSet set)
-    : columns_{std::move(set.columns)}, values_{std::move(set.values)} {
-  rowCount_ = columns_.empty() ? 0 : values_.size() / columns_.size();
-  values_.resize(rowCount_ * columns_.size());  // an incomplete last row would shift added ones
+    : columns_{std::move(set.columns)},
+      settleColumns_{std::move(set.settle)},
+      packed_{std::move(set.packed)},
+      packedCount_{packed_ && !columns_.empty() ? packed_->rowCount() : 0},
+      values_{std::move(set.values)} {
+  const std::size_t others = columns_.empty() ? 0 : values_.size() / columns_.size();
+  values_.resize(others * columns_.size());  // an incomplete last row would shift added ones
+  rowCount_ = packedCount_ + others;
+}
+
+void RowStore::settleColumns(Connection& connection) {
+  if (settleColumns_) {
+    columns_ = settleColumns_(columns_.all(), connection);
+    settleColumns_ = {};
+  }
 }
 
 std::span<const Variant> RowStore::row(std::size_t row) const {
-  return std::span{values_}.subspan(row * columns_.size(), columns_.size());
+  if (row >= packedCount_) {
+    return std::span{values_}.subspan((row - packedCount_) * columns_.size(), columns_.size());
+  }
+  if (const auto changed = changed_.find(row); changed != changed_.end()) {
+    return changed->second;
+  }
+  if (unpackedRow_ != row) {
+    unpacked_.resize(columns_.size());
+    packed_->read(row, unpacked_);
+    unpackedRow_ = row;
+  }
+  return unpacked_;
+}
+
+Variant& RowStore::at(std::size_t row, std::size_t column) {
+  if (row >= packedCount_) {
+    return values_[(row - packedCount_) * columns_.size() + column];
+  }
+  const auto [changed, isNew] = changed_.try_emplace(row);
+  if (isNew) {
+    changed->second.resize(columns_.size());
+    packed_->read(row, changed->second);
+  }
+  return changed->second[column];
 }
 
 void RowStore::add() {
@@ -37,7 +72,7 @@ void RowStore::set(std::size_t row, std::size_t column, const Variant& value) {
     at(row, column) = std::move(stored);
     return;
   }
-  if (sameValue(at(row, column), stored)) {
+  if (sameValue(this->row(row)[column], stored)) {
     const auto pending = pending_.find(row);
     if (pending == pending_.end() || !pending->second.added) {
       return;
@@ -91,7 +126,7 @@ void RowStore::settleChanged() {
 
 void RowStore::cancel() {
   if (edit_ == Edit::Adding) {
-    values_.resize(rowCount_ * columns_.size());
+    values_.resize((rowCount_ - packedCount_) * columns_.size());
   }
   for (auto& [column, before] : undo_) {
     at(editedRow_, column) = std::move(before);

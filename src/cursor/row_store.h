@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <span>
 #include <utility>
 #include <vector>
@@ -15,7 +16,8 @@ namespace azcoll::cursor {
 /// next batch update.
 ///
 /// An edit writes into the row at once and keeps what it needs to be undone; settling it moves that
-/// knowledge to the pending changes.
+/// knowledge to the pending changes. Packed rows are unpacked when they are looked at, one at a
+/// time, and for good when they are changed.
 class RowStore {
  public:
   /// Values that a column had, by column.
@@ -34,9 +36,12 @@ class RowStore {
   explicit RowStore(ResultSet set);
 
   [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_.all(); }
+  /// Completes the columns, if that is still to be done, for a change on `connection`.
+  void settleColumns(Connection& connection);
   /// Rows without the one being added.
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }
-  /// Values of a row; the row being added has the number `rowCount()`.
+  /// Values of a row, until another row is asked for; the row being added has the number
+  /// `rowCount()`.
   [[nodiscard]] std::span<const Variant> row(std::size_t row) const;
 
   [[nodiscard]] Edit edit() const { return edit_; }
@@ -57,14 +62,20 @@ class RowStore {
   void sent(std::size_t row);
 
  private:
-  [[nodiscard]] Variant& at(std::size_t row, std::size_t column) {
-    return values_[row * columns_.size() + column];
-  }
+  [[nodiscard]] Variant& at(std::size_t row, std::size_t column);
   void settleAdded();
   void settleChanged();
 
+  static constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
+
   ColumnList columns_;
-  std::vector<Variant> values_;
+  ColumnSettler settleColumns_;
+  std::shared_ptr<const PackedRows> packed_;
+  std::size_t packedCount_ = 0;
+  std::map<std::size_t, std::vector<Variant>> changed_;  // of the packed rows
+  mutable std::vector<Variant> unpacked_;                // the packed row looked at last
+  mutable std::size_t unpackedRow_ = kNoRow;
+  std::vector<Variant> values_;  // of the rows behind the packed ones
   std::size_t rowCount_ = 0;
   std::map<std::size_t, Pending> pending_;
 

@@ -164,31 +164,26 @@ void markKeys(std::vector<ColumnInfo>& columns, const TableFinder& find) {
 
 }  // namespace
 
-void settleBaseColumns(ExecutionResult& execution, std::string_view batch, const Session& session,
-                       Catalogue& catalogue, int timeoutSeconds) {
+std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns, std::string_view batch,
+                                       std::size_t index, std::size_t count, const Session& session,
+                                       Catalogue& catalogue, int timeoutSeconds) {
   const std::vector<SelectShape> shapes = selectShapes(batch);
-  const bool understood = shapes.size() == execution.results.size();
+  if (shapes.size() != count) {
+    forgetBases(columns);
+    return columns;
+  }
   const TableFinder find = [&](std::string_view table) {
     return catalogue.find(session, table, timeoutSeconds);
   };
-  for (std::size_t index = 0; index < execution.results.size(); ++index) {
-    std::vector<ColumnInfo> columns = execution.results[index].columns.all();
-    if (!understood) {
-      forgetBases(columns);
-      execution.results[index].columns = std::move(columns);
-      continue;
-    }
-    const bool told = std::any_of(columns.begin(), columns.end(), [](const ColumnInfo& column) {
-      return !column.baseTable.empty();
-    });
-    if (told) {
-      keepCertain(columns, shapes[index]);
-    } else if (!ListFollower{columns, shapes[index], find}.follow()) {
-      forgetBases(columns);
-    }
-    markKeys(columns, find);
-    execution.results[index].columns = std::move(columns);
+  const bool told = std::any_of(columns.begin(), columns.end(),
+                                [](const ColumnInfo& column) { return !column.baseTable.empty(); });
+  if (told) {
+    keepCertain(columns, shapes[index]);
+  } else if (!ListFollower{columns, shapes[index], find}.follow()) {
+    forgetBases(columns);
   }
+  markKeys(columns, find);
+  return columns;
 }
 
 }  // namespace azcoll::odbc

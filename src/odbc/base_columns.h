@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include "cursor/result_set.h"
 #include "odbc/catalogue.h"
@@ -8,13 +10,16 @@
 
 namespace azcoll::odbc {
 
-/// Settles for every result column where a change of it would be written to: base table, base
-/// column, primary key, numbered columns.
+/// Settles for every column of a result where a change of it would be written to: base table, base
+/// column, primary key, numbered columns. `columns` say what the driver told; the result was number
+/// `index` of `count` that `batch` gave.
 ///
 /// What the driver told is kept where the query names the table once. Where the driver told
 /// nothing, the query's own select list says it, if the catalogue's columns agree with the
 /// result's. In doubt a column has no base table, and a change of it is refused.
-void settleBaseColumns(ExecutionResult& execution, std::string_view batch, const Session& session,
-                       Catalogue& catalogue, int timeoutSeconds);
+[[nodiscard]] std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns,
+                                                     std::string_view batch, std::size_t index,
+                                                     std::size_t count, const Session& session,
+                                                     Catalogue& catalogue, int timeoutSeconds);
 
 }  // namespace azcoll::odbc

@@ -25,6 +25,8 @@ class Catalogue {
   [[nodiscard]] const TableInfo* find(const Session& session, std::string_view table,
                                       int timeoutSeconds);
 
+  [[nodiscard]] bool isEmpty() const { return tables_.empty(); }
+
   /// Forgets what was asked: tables may have changed.
   void forget() { tables_.clear(); }
 

@@ -49,7 +49,9 @@ Column describe(const Handle& statement, SQLUSMALLINT number) {
   column.carrier = carrierOf(type);
   column.size = size;
   column.baseTable = textAttribute(statement, number, SQL_DESC_BASE_TABLE_NAME);
-  column.baseColumn = textAttribute(statement, number, SQL_DESC_BASE_COLUMN_NAME);
+  if (!column.baseTable.empty()) {
+    column.baseColumn = textAttribute(statement, number, SQL_DESC_BASE_COLUMN_NAME);
+  }
   SQLLEN numbered = SQL_FALSE;
   if (succeeded(SQLColAttributeW(statement.get(), number, SQL_DESC_AUTO_UNIQUE_VALUE, nullptr, 0,
                                  nullptr, &numbered))) {

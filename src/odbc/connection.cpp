@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "data/error.h"
+#include "data/messages.h"
 #include "odbc/base_columns.h"
 #include "odbc/command.h"
 #include "odbc/execution.h"
@@ -83,27 +84,54 @@ void OdbcConnection::close() {
 
 ExecutionResult OdbcConnection::runOn(std::string_view text,
                                       std::vector<BoundParameter>& parameters, int timeoutSeconds,
-                                      bool escapes) {
+                                      bool escapes, Reading reading) {
   Session& session = this->session();
   session.ensureAutocommit();
-  const auto statement = session.newStatement(timeoutSeconds, escapes);
+  const bool mayEscape =
+      escapes || text.find('{') == std::string_view::npos;  // nothing to leave alone
+  const auto statement = session.newStatement(timeoutSeconds, mayEscape);
   SQLUSMALLINT number = 0;
   for (BoundParameter& parameter : parameters) {
     parameter.bind(*statement, ++number);
   }
-  return runToEnd(*statement, text, session.reread());
+  return runToEnd(*statement, text, session.reread(), reading);
 }
 
 ExecutionResult OdbcConnection::run(std::string_view text) {
   Session& session = this->session();
   return recorded(text, [&] {
     std::vector<BoundParameter> none;
-    if (!leavesTablesAlone(text)) {
+    if (!catalogue_.isEmpty() && !leavesTablesAlone(text)) {
       catalogue_.forget();
     }
-    ExecutionResult result = runOn(text, none, timeoutSeconds_, false);
-    settleBaseColumns(result, text, session, catalogue_, timeoutSeconds_);
+    const bool repeatable = session.speaksTSql() && !session.reread().bound && onlyReads(text);
+    ExecutionResult result =
+        runOn(text, none, timeoutSeconds_, false, repeatable ? Reading::Repeatable : Reading::Once);
+    const std::size_t count = result.results.size();
+    if (count > 0) {
+      const auto batch = std::make_shared<const std::string>(text);
+      for (std::size_t index = 0; index < count; ++index) {
+        result.results[index].settle = [batch, index, count](std::vector<ColumnInfo> columns,
+                                                             Connection& connection) {
+          auto* const own = dynamic_cast<OdbcConnection*>(&connection);
+          if (own == nullptr) {
+            throw Error(std::string{messages::kWrongConnection});
+          }
+          return own->settle(std::move(columns), *batch, index, count);
+        };
+      }
+    }
     return result;
+  });
+}
+
+std::vector<ColumnInfo> OdbcConnection::settle(std::vector<ColumnInfo> columns,
+                                               std::string_view batch, std::size_t index,
+                                               std::size_t count) {
+  Session& session = this->session();
+  return recorded(batch, [&] {
+    return settledColumns(std::move(columns), batch, index, count, session, catalogue_,
+                          timeoutSeconds_);
   });
 }
 
@@ -116,7 +144,8 @@ std::int64_t OdbcConnection::runChange(std::string_view text,
     for (const Variant& value : parameters) {
       bound.push_back(BoundParameter::ofValue(value, session.speaksTSql()));
     }
-    const std::int64_t changed = runOn(text, bound, timeoutSeconds_, true).recordsAffected;
+    const std::int64_t changed =
+        runOn(text, bound, timeoutSeconds_, true, Reading::Once).recordsAffected;
     if (changed < 0) {
       throw DriverFailure{"HY000", "Il driver ODBC non dice quante righe sono state modificate"};
     }
@@ -159,7 +188,7 @@ std::shared_ptr<Recordset> OdbcConnection::callProcedure(
     bound.push_back(BoundParameter::ofDeclared(declared[index], values[index]));
   }
   ExecutionResult result = recorded(text, [&] {
-    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true);
+    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true, Reading::Once);
     for (std::size_t index = 0; index < declared.size(); ++index) {
       if (declared[index].direction != ParameterDirection::Input) {
         values[index] = bound[index].output();

@@ -42,6 +42,11 @@ class OdbcConnection final : public Connection,
   ExecutionResult run(std::string_view text) override;
   std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override;
 
+  /// Completes the columns of a result for a change: number `index` of `count` of `batch`.
+  [[nodiscard]] std::vector<ColumnInfo> settle(std::vector<ColumnInfo> columns,
+                                               std::string_view batch, std::size_t index,
+                                               std::size_t count);
+
   // For the commands of this connection.
   [[nodiscard]] std::vector<DeclaredParameter> describeProcedure(std::string_view name);
   /// Calls a procedure; `values` has one value per declared parameter and receives the outputs.
@@ -57,7 +62,7 @@ class OdbcConnection final : public Connection,
   void settleTransaction(std::vector<ErrorInfo>& entries);
   [[nodiscard]] Session& session() const;
   ExecutionResult runOn(std::string_view text, std::vector<BoundParameter>& parameters,
-                        int timeoutSeconds, bool escapes);
+                        int timeoutSeconds, bool escapes, Reading reading);
   [[nodiscard]] std::shared_ptr<Recordset> handOut(ExecutionResult result);
 
   std::string connectionString_;

@@ -1,6 +1,7 @@
 #include "odbc/execution.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "odbc/columns.h"
@@ -10,9 +11,9 @@ namespace azcoll::odbc {
 namespace {
 
 ResultSet fetched(const Handle& statement, const std::vector<Column>& columns,
-                  RereadAbilities reread) {
+                  RereadAbilities reread, Reading reading) {
   ResultSet set;
-  set.values = fetchAll(statement, columns, reread);
+  set.packed = fetchAll(statement, columns, reread, reading);
   std::vector<ColumnInfo> infos;
   infos.reserve(columns.size());
   for (const Column& column : columns) {
@@ -27,10 +28,8 @@ ResultSet fetched(const Handle& statement, const std::vector<Column>& columns,
   return set;
 }
 
-}  // namespace
-
-ExecutionResult runToEnd(const Handle& statement, std::string_view text, RereadAbilities reread) {
-  std::u16string wide = wideOf(text);
+ExecutionResult runOnce(const Handle& statement, std::u16string& wide, RereadAbilities reread,
+                        Reading reading) {
   ExecutionResult execution;
   SQLRETURN result =
       SQLExecDirectW(statement.get(), units(wide), static_cast<SQLINTEGER>(wide.size()));
@@ -41,7 +40,7 @@ ExecutionResult runToEnd(const Handle& statement, std::string_view text, RereadA
   do {
     const std::vector<Column> columns = describeColumns(statement);
     if (!columns.empty()) {
-      execution.results.push_back(fetched(statement, columns, reread));
+      execution.results.push_back(fetched(statement, columns, reread, reading));
     } else {
       SQLLEN count = -1;
       if (succeeded(SQLRowCount(statement.get(), &count)) && count >= 0) {
@@ -56,8 +55,30 @@ ExecutionResult runToEnd(const Handle& statement, std::string_view text, RereadA
   return execution;
 }
 
+}  // namespace
+
+ExecutionResult runToEnd(const Handle& statement, std::string_view text, RereadAbilities reread,
+                         Reading reading) {
+  std::u16string wide = wideOf(text);
+  if (reading == Reading::Repeatable) {
+    try {
+      return runOnce(statement, wide, reread, reading);
+    } catch (const CutValue&) {
+      SQLFreeStmt(statement.get(), SQL_CLOSE);
+    }
+  }
+  return runOnce(statement, wide, reread, Reading::Once);
+}
+
 ResultSet takeResult(const Handle& statement, RereadAbilities reread) {
-  return fetched(statement, describeColumns(statement), reread);
+  ResultSet set = fetched(statement, describeColumns(statement), reread, Reading::Once);
+  const std::size_t columns = set.columns.size();
+  set.values.resize(columns * set.packed->rowCount());
+  for (std::size_t row = 0; row < set.packed->rowCount(); ++row) {
+    set.packed->read(row, std::span{set.values}.subspan(row * columns, columns));
+  }
+  set.packed.reset();
+  return set;
 }
 
 }  // namespace azcoll::odbc

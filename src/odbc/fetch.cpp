@@ -5,7 +5,6 @@
 #include <memory>
 #include <span>
 
-#include "data/text.h"
 #include "odbc/diagnostics.h"
 #include "odbc/pieces.h"
 
@@ -13,6 +12,7 @@ namespace azcoll::odbc {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
+constexpr std::size_t kFirstRows = 32;  // most results are small, and buffers are not for nothing
 constexpr std::size_t kMostRows = 512;
 constexpr std::size_t kLongestBoundText = 4000;  // beyond it a column has in fact no limit
 constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fit well
@@ -21,6 +21,8 @@ constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fi
 struct Slot {
   Carrier carrier = Carrier::Text;
   std::size_t width = 0;
+  std::size_t fixed = 0;  ///< bytes of every value, when they are always the same
+  std::size_t room = 0;   ///< bytes of the longest value that is whole
   std::unique_ptr<std::byte[]> values;
   std::vector<SQLLEN> lengths;
 
@@ -55,15 +57,14 @@ std::size_t widthOf(const Column& column) {
 /// Fetches through bound columns. The bindings end with the object, before the buffers do.
 class BlockReader {
  public:
-  BlockReader(const Handle& statement, const std::vector<Column>& columns, bool severalRows)
-      : statement_{statement}, columns_{columns} {
+  BlockReader(const Handle& statement, const std::vector<Column>& columns, std::size_t mostRows,
+              bool repeatable)
+      : statement_{statement}, columns_{columns}, repeatable_{repeatable} {
     std::size_t rowBytes = 0;
     for (const Column& column : columns) {
       rowBytes += widthOf(column) + sizeof(SQLLEN);
     }
-    if (severalRows) {
-      rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, kMostRows);
-    }
+    rows_ = std::clamp<std::size_t>(kBlockBytes / rowBytes, 1, mostRows);
     if (rows_ > 1 && !succeeded(setAttribute(SQL_ATTR_ROW_ARRAY_SIZE, rows_))) {
       rows_ = 1;
     }
@@ -83,12 +84,12 @@ class BlockReader {
     }
   }
 
-  /// Appends the next block to `values`; false behind the last one.
-  bool next(std::vector<Variant>& values) {
+  /// Appends the next block to `rows`; the rows it has, 0 behind the last one.
+  std::size_t next(cursor::PackedRows& rows) {
     fetched_ = 0;
     const SQLRETURN result = SQLFetch(statement_.get());
     if (result == SQL_NO_DATA) {
-      return false;
+      return 0;
     }
     statement_.require(result, "SQLFetch");
     // A driver that knows no blocks fetches one row and does not count.
@@ -98,11 +99,15 @@ class BlockReader {
         throw DriverFailure{diagnosticsOf(SQL_HANDLE_STMT, statement_.get(), "SQLFetch")};
       }
       for (std::size_t column = 0; column < slots_.size(); ++column) {
-        values.push_back(valueAt(row, column));
+        append(rows, row, column);
       }
+      rows.endRow();
     }
-    return true;
+    return count;
   }
+
+  /// Rows of a block.
+  [[nodiscard]] std::size_t size() const { return rows_; }
 
  private:
   SQLRETURN setAttribute(SQLINTEGER attribute, SQLULEN value) {
@@ -122,7 +127,9 @@ class BlockReader {
       Slot& slot = slots_[index];
       slot.carrier = columns_[index].carrier;
       slot.width = widthOf(columns_[index]);
-      slot.values = std::make_unique<std::byte[]>(slot.width * rows_);
+      slot.fixed = fixedWidth(slot.carrier);
+      slot.room = slot.width - terminatorWidth(slot.carrier);
+      slot.values = std::make_unique_for_overwrite<std::byte[]>(slot.width * rows_);
       slot.lengths.assign(rows_, 0);
       statement_.require(
           SQLBindCol(statement_.get(), static_cast<SQLUSMALLINT>(index + 1), cTypeOf(slot.carrier),
@@ -131,20 +138,23 @@ class BlockReader {
     }
   }
 
-  Variant valueAt(std::size_t row, std::size_t column) {
+  void append(cursor::PackedRows& rows, std::size_t row, std::size_t column) {
     const Slot& slot = slots_[column];
     const SQLLEN length = slot.lengths[row];
     if (length == SQL_NULL_DATA) {
-      return kNull;
+      return rows.appendNull();
     }
-    if (const std::size_t fixed = fixedWidth(slot.carrier); fixed != 0) {
-      return decode(slot.carrier, slot.value(row));
+    if (slot.fixed != 0) {
+      return decodeInto(rows, slot.carrier, slot.value(row));
     }
-    const std::size_t room = slot.width - terminatorWidth(slot.carrier);
-    if (length >= 0 && static_cast<std::size_t>(length) <= room) {
-      return decode(slot.carrier, slot.value(row).first(static_cast<std::size_t>(length)));
+    if (length >= 0 && static_cast<std::size_t>(length) <= slot.room) {
+      return decodeInto(rows, slot.carrier,
+                        slot.value(row).first(static_cast<std::size_t>(length)));
     }
-    return again(row, column);
+    if (repeatable_) {
+      throw CutValue{};
+    }
+    rows.append(again(row, column));
   }
 
   /// The value of a column that did not fit.
@@ -158,6 +168,7 @@ class BlockReader {
 
   const Handle& statement_;
   const std::vector<Column>& columns_;
+  bool repeatable_;
   std::size_t rows_ = 1;
   SQLULEN fetched_ = 0;
   std::vector<SQLUSMALLINT> status_;
@@ -165,7 +176,7 @@ class BlockReader {
 };
 
 void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
-                   std::vector<Variant>& values) {
+                   cursor::PackedRows& rows) {
   while (true) {
     const SQLRETURN result = SQLFetch(statement.get());
     if (result == SQL_NO_DATA) {
@@ -173,27 +184,41 @@ void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
     }
     statement.require(result, "SQLFetch");
     for (std::size_t index = 0; index < columns.size(); ++index) {
-      values.push_back(
+      rows.append(
           readInPieces(statement, static_cast<SQLUSMALLINT>(index + 1), columns[index].carrier));
     }
+    rows.endRow();
   }
 }
 
 }  // namespace
 
-std::vector<Variant> fetchAll(const Handle& statement, const std::vector<Column>& columns,
-                              RereadAbilities reread) {
-  std::vector<Variant> values;
+std::shared_ptr<const cursor::PackedRows> fetchAll(const Handle& statement,
+                                                   const std::vector<Column>& columns,
+                                                   RereadAbilities reread, Reading reading) {
+  auto rows = std::make_shared<cursor::PackedRows>();
   const bool bindable = std::all_of(columns.begin(), columns.end(), isBindable);
   const bool outgrowing = std::any_of(columns.begin(), columns.end(), mayOutgrow);
-  if (!bindable || (outgrowing && !reread.bound)) {
-    fetchInPieces(statement, columns, values);
-    return values;
+  const bool repeatable = reading == Reading::Repeatable && !reread.bound;
+  if (!bindable || (outgrowing && !reread.bound && !repeatable)) {
+    fetchInPieces(statement, columns, *rows);
+    return rows;
   }
-  BlockReader reader{statement, columns, !outgrowing || reread.inBlock};
-  while (reader.next(values)) {
+  const bool inBlocks = !outgrowing || reread.inBlock || repeatable;
+  if (inBlocks) {
+    BlockReader first{statement, columns, kFirstRows, repeatable};
+    std::size_t count = 0;
+    do {
+      count = first.next(*rows);
+    } while (count > 0 && count < first.size());
+    if (count == 0) {
+      return rows;
+    }
   }
-  return values;
+  BlockReader others{statement, columns, inBlocks ? kMostRows : 1, repeatable};
+  while (others.next(*rows) > 0) {
+  }
+  return rows;
 }
 
 }  // namespace azcoll::odbc

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "cursor/fold.h"
 #include "odbc/sql_words.h"
 
 namespace azcoll::odbc {
@@ -173,6 +174,28 @@ std::vector<SelectShape> selectShapes(std::string_view batch) {
     shapes.push_back(std::move(*shape));
   }
   return shapes;
+}
+
+bool onlyReads(std::string_view batch) {
+  // Everything that begins a statement with an effect, and what a query can do beside reading.
+  static constexpr std::array<std::string_view, 47> kEffects{
+      "INTO",      "NEXT",        "OPENQUERY",  "OPENROWSET", "OPENDATASOURCE", "INSERT",
+      "UPDATE",    "DELETE",      "MERGE",      "TRUNCATE",   "CREATE",         "ALTER",
+      "DROP",      "EXEC",        "EXECUTE",    "SET",        "DECLARE",        "BEGIN",
+      "COMMIT",    "ROLLBACK",    "SAVE",       "USE",        "BULK",           "GRANT",
+      "REVOKE",    "DENY",        "BACKUP",     "RESTORE",    "KILL",           "DBCC",
+      "RECEIVE",   "SEND",        "MOVE",       "WRITETEXT",  "UPDATETEXT",     "PRINT",
+      "RAISERROR", "THROW",       "WAITFOR",    "FETCH",      "OPEN",           "CLOSE",
+      "SHUTDOWN",  "RECONFIGURE", "CHECKPOINT", "ENABLE",     "DISABLE"};
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t start = batch.find_first_not_of(kBlanks);
+  if (start == std::string_view::npos || !cursor::sameName(batch.substr(start, 6), "SELECT")) {
+    return false;  // most others, without a look at all their words
+  }
+  const std::vector<SqlWord> words = wordsOf(batch);
+  return !words.empty() && words.front().is("SELECT") &&
+         std::none_of(words.begin(), words.end(),
+                      [](const SqlWord& word) { return isAnyOf(word, kEffects); });
 }
 
 bool leavesTablesAlone(std::string_view batch) {

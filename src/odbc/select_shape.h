@@ -38,4 +38,8 @@ struct SelectShape {
 /// Whether a batch does nothing but read or change rows, so that no table looks different after it.
 [[nodiscard]] bool leavesTablesAlone(std::string_view batch);
 
+/// Whether a batch of a T-SQL server can be run twice as well as once: it is made of queries, and
+/// none of their words can change anything.
+[[nodiscard]] bool onlyReads(std::string_view batch);
+
 }  // namespace azcoll::odbc

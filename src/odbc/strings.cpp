@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "data/error.h"
 
@@ -60,44 +61,36 @@ CodePoint decode(std::string_view text, std::size_t at) {
   return {value, length};
 }
 
-void appendUtf8(std::string& target, std::uint32_t value) {
-  const auto append = [&](std::uint32_t byte) { target += static_cast<char>(byte); };
+/// Writes a character; returns the place behind it.
+char* putUtf8(char* target, std::uint32_t value) {
+  const auto put = [&](std::uint32_t byte) { *target++ = static_cast<char>(byte); };
   if (value < 0x80) {
-    append(value);
+    put(value);
   } else if (value < 0x800) {
-    append(0xC0U | (value >> 6U));
-    append(0x80U | (value & 0x3FU));
+    put(0xC0U | (value >> 6U));
+    put(0x80U | (value & 0x3FU));
   } else if (value < kFirstBeyondBmp) {
-    append(0xE0U | (value >> 12U));
-    append(0x80U | ((value >> 6U) & 0x3FU));
-    append(0x80U | (value & 0x3FU));
+    put(0xE0U | (value >> 12U));
+    put(0x80U | ((value >> 6U) & 0x3FU));
+    put(0x80U | (value & 0x3FU));
   } else {
-    append(0xF0U | (value >> 18U));
-    append(0x80U | ((value >> 12U) & 0x3FU));
-    append(0x80U | ((value >> 6U) & 0x3FU));
-    append(0x80U | (value & 0x3FU));
+    put(0xF0U | (value >> 18U));
+    put(0x80U | ((value >> 12U) & 0x3FU));
+    put(0x80U | ((value >> 6U) & 0x3FU));
+    put(0x80U | (value & 0x3FU));
   }
+  return target;
 }
 
-/// Appends `text` as UTF-8; a lone surrogate becomes `kReplacement` and makes the result false.
-bool appendNarrow(std::string& target, std::u16string_view text) {
-  bool wellFormed = true;
-  target.reserve(target.size() + text.size());
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    std::uint32_t value = text[at];
-    if (value >= kFirstSurrogate && value <= kLastSurrogate) {
-      const std::uint32_t next = at + 1 < text.size() ? text[at + 1] : 0U;
-      if (value < kFirstLowSurrogate && next >= kFirstLowSurrogate && next <= kLastSurrogate) {
-        value = kFirstBeyondBmp + ((value - kFirstSurrogate) << 10U) + (next - kFirstLowSurrogate);
-        ++at;
-      } else {
-        value = kReplacement;
-        wellFormed = false;
-      }
-    }
-    appendUtf8(target, value);
+/// The character that begins with `unit`; empty for a surrogate that stands alone.
+std::optional<std::uint32_t> pointAt(char16_t unit, char16_t next) {
+  if (unit < kFirstSurrogate || unit > kLastSurrogate) {
+    return unit;
   }
-  return wellFormed;
+  if (unit >= kFirstLowSurrogate || next < kFirstLowSurrogate || next > kLastSurrogate) {
+    return std::nullopt;
+  }
+  return kFirstBeyondBmp + ((unit - kFirstSurrogate) << 10U) + (next - kFirstLowSurrogate);
 }
 
 }  // namespace
@@ -122,17 +115,51 @@ std::u16string wideOf(std::string_view text) {
   return wide;
 }
 
+std::optional<std::size_t> narrowTo(char* target, const std::byte* text, std::size_t units) {
+  const auto unitAt = [&](std::size_t index) {
+    char16_t unit{};
+    std::memcpy(&unit, text + index * sizeof unit, sizeof unit);
+    return unit;
+  };
+  char* out = target;
+  for (std::size_t at = 0; at < units; ++at) {
+    const char16_t unit = unitAt(at);
+    if (unit < 0x80) {
+      *out++ = static_cast<char>(unit);
+      continue;
+    }
+    const std::optional<std::uint32_t> point =
+        pointAt(unit, at + 1 < units ? unitAt(at + 1) : char16_t{0});
+    if (!point) {
+      return std::nullopt;
+    }
+    at += *point >= kFirstBeyondBmp ? 1U : 0U;
+    out = putUtf8(out, *point);
+  }
+  return static_cast<std::size_t>(out - target);
+}
+
 std::optional<std::string> narrowOf(std::u16string_view text) {
-  std::string narrow;
-  if (!appendNarrow(narrow, text)) {
+  std::string narrow(mostNarrowBytes(text.size()), '\0');
+  const std::optional<std::size_t> size =
+      narrowTo(narrow.data(), reinterpret_cast<const std::byte*>(text.data()), text.size());
+  if (!size) {
     return std::nullopt;
   }
+  narrow.resize(*size);
   return narrow;
 }
 
 std::string readableOf(std::u16string_view text) {
-  std::string narrow;
-  appendNarrow(narrow, text);
+  std::string narrow(mostNarrowBytes(text.size()), '\0');
+  char* out = narrow.data();
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::uint32_t point =
+        pointAt(text[at], at + 1 < text.size() ? text[at + 1] : u'\0').value_or(kReplacement);
+    at += point >= kFirstBeyondBmp ? 1U : 0U;
+    out = putUtf8(out, point);
+  }
+  narrow.resize(static_cast<std::size_t>(out - narrow.data()));
   return narrow;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,14 @@ namespace azcoll::odbc {
 
 /// UTF-16 as UTF-8; empty when a surrogate stands alone.
 [[nodiscard]] std::optional<std::string> narrowOf(std::u16string_view text);
+
+/// Bytes that `narrowTo` may need for a text of so many units.
+[[nodiscard]] constexpr std::size_t mostNarrowBytes(std::size_t units) { return 3 * units; }
+
+/// Writes UTF-16 (`units` of it, at any address) as UTF-8 to `target`, which has room for
+/// `mostNarrowBytes(units)`. The bytes written; empty when a surrogate stands alone.
+[[nodiscard]] std::optional<std::size_t> narrowTo(char* target, const std::byte* text,
+                                                  std::size_t units);
 
 /// UTF-16 as UTF-8, U+FFFD for a surrogate that stands alone: for texts that only people read.
 [[nodiscard]] std::string readableOf(std::u16string_view text);

@@ -50,28 +50,27 @@ Bytes storeWide(std::string_view text) {
   return bytes;
 }
 
-std::string textOf(std::span<const std::byte> bytes) {
-  std::string text(bytes.size(), '\0');
-  if (!bytes.empty()) {
-    std::memcpy(text.data(), bytes.data(), bytes.size());
+/// Writes a text to `target`, which has room for it; the bytes written.
+std::size_t decodeWideTo(char* target, std::span<const std::byte> bytes) {
+  const std::optional<std::size_t> size =
+      bytes.size() % sizeof(char16_t) == 0
+          ? narrowTo(target, bytes.data(), bytes.size() / sizeof(char16_t))
+          : std::nullopt;
+  if (!size) {
+    throw DriverFailure{"22021", "Il driver ODBC ha dato un testo che non è UTF-16"};
   }
-  return text;
+  return *size;
 }
 
 Variant decodeWide(std::span<const std::byte> bytes) {
-  std::u16string wide(bytes.size() / sizeof(char16_t), u'\0');
-  if (!wide.empty()) {
-    std::memcpy(wide.data(), bytes.data(), wide.size() * sizeof(char16_t));
-  }
-  std::optional<std::string> text = narrowOf(wide);
-  if (!text || bytes.size() % sizeof(char16_t) != 0) {
-    throw DriverFailure{"22021", "Il driver ODBC ha dato un testo che non è UTF-16"};
-  }
-  return std::move(*text);
+  std::string text(mostNarrowBytes(bytes.size() / sizeof(char16_t)), '\0');
+  text.resize(decodeWideTo(text.data(), bytes));
+  text.shrink_to_fit();
+  return text;
 }
 
-Variant decodeDecimal(std::span<const std::byte> bytes) {
-  const std::string text = textOf(bytes);
+Decimal decodeDecimal(std::span<const std::byte> bytes) {
+  const std::string_view text{reinterpret_cast<const char*>(bytes.data()), bytes.size()};
   const std::optional<Decimal> number = Decimal::parse(text);
   if (!number) {
     throw DriverFailure{"22003", join("Numero decimale non rappresentabile: ", text)};
@@ -79,7 +78,7 @@ Variant decodeDecimal(std::span<const std::byte> bytes) {
   return *number;
 }
 
-Variant decodeTimestamp(std::span<const std::byte> bytes) {
+Date decodeTimestamp(std::span<const std::byte> bytes) {
   const auto moment = load<SQL_TIMESTAMP_STRUCT>(bytes);
   const std::optional<Date> date =
       Date::of(moment.year, moment.month, moment.day, moment.hour, moment.minute, moment.second,
@@ -246,6 +245,30 @@ Variant decode(Carrier carrier, std::span<const std::byte> bytes) {
       return decodeWide(bytes);
     default:
       return decodeBinary(bytes);
+  }
+}
+
+void decodeInto(cursor::PackedRows& rows, Carrier carrier, std::span<const std::byte> bytes) {
+  switch (carrier) {
+    case Carrier::Bit:
+      return rows.append(load<SQLCHAR>(bytes) != 0);
+    case Carrier::Int16:
+      return rows.append(load<std::int16_t>(bytes));
+    case Carrier::Int32:
+      return rows.append(load<std::int32_t>(bytes));
+    case Carrier::Int64:
+      return rows.append(load<std::int64_t>(bytes));
+    case Carrier::Double:
+      return rows.append(load<double>(bytes));
+    case Carrier::Timestamp:
+      return rows.append(decodeTimestamp(bytes));
+    case Carrier::Decimal:
+      return rows.append(decodeDecimal(bytes));
+    case Carrier::Text:
+      return rows.appendWritten(mostNarrowBytes(bytes.size() / sizeof(char16_t)),
+                                [&](char* room) { return decodeWideTo(room, bytes); });
+    default:
+      return rows.append(decodeBinary(bytes));
   }
 }
 

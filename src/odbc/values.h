@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cursor/packed_rows.h"
 #include "data/variant.h"
 #include "odbc/odbc_api.h"
 
@@ -45,6 +46,9 @@ using Bytes = std::vector<std::byte>;
 /// what is finer than a millisecond is left out. Throws `DriverFailure` for malformed text, a
 /// decimal that has no exact value of 38 digits, and a date outside the calendar.
 [[nodiscard]] Variant decode(Carrier carrier, std::span<const std::byte> bytes);
+
+/// The same, added to a row.
+void decodeInto(cursor::PackedRows& rows, Carrier carrier, std::span<const std::byte> bytes);
 
 /// A value in the form of a parameter. Throws `Error` when the value does not convert.
 [[nodiscard]] Bytes encode(Carrier carrier, const Variant& value);

@@ -4,48 +4,10 @@
 
 #include "data/decimal.h"
 #include "data/tracing.h"
-#include "platform/provider_factory.h"
-#include "providers/provider.h"
-
-// The ODBC provider on a driver that misbehaves on demand (`fault_driver/`).
+#include "providers/fault_fixture.h"
 
 namespace azcoll::test {
 namespace {
-
-constexpr const char* kPassword = "Segret@9";
-
-std::string faultString(const std::string& behaviour) {
-  return std::string{"Driver="} + AZCOLL_FAULT_DRIVER + ";UID=prova;PWD=" + kPassword + ";" +
-         behaviour;
-}
-
-class Faults : public testing::Test {
- protected:
-  /// Connects to a driver of that behaviour.
-  void connect(const std::string& behaviour = {}) {
-    connection_ = newConnectionFor(faultString(behaviour));
-    connection_->open("", "", CommandOption::Unspecified);
-  }
-
-  std::shared_ptr<Recordset> run(std::string_view text) {
-    return connection_->execute(text, affected_, CommandOption::Text);
-  }
-
-  Variant value(std::string_view text) { return run(text)->fields().item(std::size_t{0}).value(); }
-
-  /// `AUTOCOMMIT|COMMITS|ROLLBACKS` as the driver sees them.
-  std::string state() {
-    const auto rows = run("STATE");
-    std::string text;
-    for (std::size_t column = 0; column < 3; ++column) {
-      text += (column == 0 ? "" : "|") + rows->fields().item(column).value().text();
-    }
-    return text;
-  }
-
-  std::shared_ptr<Connection> connection_;
-  std::int64_t affected_ = 0;
-};
 
 TEST_F(Faults, AConnectionLostInAFetchIsOneErrorAndNoHalfResult) {
   for (const char* const reread : {"Reread=none", "Reread=bound", "Reread=block"}) {
@@ -122,48 +84,6 @@ TEST_F(Faults, ClosingUndoesAnOpenTransaction) {
   EXPECT_FALSE(connection_->isOpen());
 }
 
-TEST_F(Faults, ColumnSizesThatLieCutNothing) {
-  std::string longText;
-  for (int at = 0; at < 5'000; ++at) {
-    longText += "è";
-  }
-  for (const char* const reread : {"Reread=none", "Reread=bound", "Reread=block"}) {
-    connect(reread);
-    const auto rows = run("LYING SIZES");
-    ASSERT_EQ(rows->recordCount(), 3) << reread;
-    EXPECT_EQ(rows->fields().item("C2").value(), Variant{"breve"});
-    rows->moveNext();
-    EXPECT_EQ(rows->fields().item("C1").value(), Variant{std::int32_t{2}});
-    EXPECT_EQ(rows->fields().item("C2").value(), Variant{longText}) << reread;
-    EXPECT_EQ(rows->fields().item("C3").value(), Variant{"fine"});
-    rows->moveNext();
-    EXPECT_TRUE(rows->fields().item("C2").value().isNull());
-  }
-}
-
-TEST_F(Faults, ALengthThatIsNeverToldIsReadToTheEnd) {
-  connect("Reread=none");
-  const auto rows = run("NO TOTAL");
-  ASSERT_EQ(rows->recordCount(), 3);
-  EXPECT_EQ(rows->fields().item("C1").value(), Variant{std::string(20'000, 'x')});
-  EXPECT_EQ(rows->fields().item("C2").value(), Variant{std::int32_t{7}});
-  EXPECT_EQ(rows->fields().item("C3").value(), Variant{"coda"});
-  rows->moveNext();
-  for (std::size_t column = 0; column < 3; ++column) {
-    EXPECT_TRUE(rows->fields().item(column).value().isNull());
-  }
-  rows->moveNext();
-  EXPECT_EQ(rows->fields().item("C1").value(), Variant{""});
-}
-
-TEST_F(Faults, AnImpossibleLengthIsAnError) {
-  for (const char* const reread : {"Reread=none", "Reread=bound", "Reread=block"}) {
-    connect(reread);
-    EXPECT_TRUE(failureOf([&] { run("IMPOSSIBLE LENGTH"); }).fromProvider()) << reread;
-    EXPECT_EQ(state(), "1|0|0");  // and the connection is free
-  }
-}
-
 TEST_F(Faults, DiagnosticsAreReadWholeAndAll) {
   connect();
   const Error error = failureOf([&] { run("LONG DIAGNOSTICS"); });
@@ -185,7 +105,7 @@ TEST_F(Faults, ADriverThatGivesNoReasonStillGivesAnError) {
   EXPECT_EQ(connection_->errors().count(), 1U);
 }
 
-TEST_F(Faults, LeadingRowCountsAreNotTheResult) {
+TEST_F(Faults, LeadingRowCountsOfADeclareAreNotTheResult) {
   connect();
   const auto rows = run("LEADING COUNTS");
   ASSERT_NE(rows, nullptr);
@@ -220,7 +140,7 @@ TEST_F(Faults, ADecimalWithoutAnExactValueIsRefused) {
             Variant{Decimal::parse("-0.0000000000000000000000000000000000001").value()});
 }
 
-TEST_F(Faults, StatementsAreNeverPrepared) {
+TEST_F(Faults, NoTemporaryTableIsLostByPreparing) {
   connect();  // the driver refuses to prepare
   EXPECT_EQ(value("SELECT 1 INTO #T").text(), "SELECT 1 INTO #T");
 }

@@ -30,6 +30,21 @@ std::string readAll(int file, bool oneLine) {
   std::_Exit(127);
 }
 
+/// Runs `work` in a process that is no descendant of this one: whoever kills a test with all its
+/// children must not kill the script that takes the server away.
+template <typename Work>
+void startApart(const Work& work) {
+  const pid_t between = ::fork();
+  if (between == 0) {
+    ::setsid();
+    if (::fork() == 0) {
+      work();
+    }
+    std::_Exit(0);
+  }
+  ::waitpid(between, nullptr, 0);
+}
+
 }  // namespace
 
 PostgresServer::PostgresServer() {
@@ -41,20 +56,17 @@ PostgresServer::PostgresServer() {
     failure_ = "no pipes";
     return;
   }
-  script_ = ::fork();
-  if (script_ == 0) {
-    runScript(input[0], output[1], errors[1]);
-  }
+  startApart([&] { runScript(input[0], output[1], errors[1]); });
   ::close(input[0]);
   ::close(output[1]);
   ::close(errors[1]);
   lifeline_ = input[1];
+  output_ = output[0];
   connectionString_ = readAll(output[0], true);
   if (connectionString_.empty()) {
     failure_ = readAll(errors[0], false);
     failure_ = failure_.substr(0, failure_.find('\n'));
   }
-  ::close(output[0]);
   ::close(errors[0]);
 }
 
@@ -62,8 +74,9 @@ PostgresServer::~PostgresServer() {
   if (lifeline_ >= 0) {
     ::close(lifeline_);
   }
-  if (script_ > 0) {
-    ::waitpid(script_, nullptr, 0);
+  if (output_ >= 0) {
+    readAll(output_, false);  // until the server is gone
+    ::close(output_);
   }
 }
 

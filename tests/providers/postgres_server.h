@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <sys/types.h>
 
 namespace azcoll::test {
 
@@ -21,8 +20,8 @@ class PostgresServer {
   [[nodiscard]] const std::string& failure() const { return failure_; }
 
  private:
-  pid_t script_ = -1;
   int lifeline_ = -1;  // the script serves until this end is closed
+  int output_ = -1;    // and closes its own when it is done
   std::string connectionString_;
   std::string failure_;
 };

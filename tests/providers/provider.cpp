@@ -9,6 +9,7 @@
 #include "platform/provider_factory.h"
 #include "providers/postgres_server.h"
 #include "providers/scratch.h"
+#include "support/server_database.h"
 
 namespace azcoll::test {
 namespace {
@@ -126,9 +127,11 @@ Provider postgresql() {
 Provider server() {
   Provider provider{.name = "server"};
   const char* const value = std::getenv("AZCOLL_TEST_CONNESSIONE");
-  provider.connectionString = value == nullptr ? "" : value;
-  if (provider.connectionString.empty()) {
+  if (value == nullptr || *value == '\0') {
     provider.absent = "AZCOLL_TEST_CONNESSIONE names no server.";
+  } else {
+    static const ServerDatabase own{value};
+    provider.connectionString = own.connectionString();
   }
   provider.words = serverWords();
   addServerProcedure(provider);

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -20,6 +19,7 @@
 #include "ado/connection.h"
 #endif
 #include "platform/provider_factory.h"
+#include "support/server_database.h"
 #include "tsql/ast.h"
 #include "tsql/parser.h"
 
@@ -27,10 +27,16 @@
 /// memory, or on the server that the environment variable AZCOLL_TEST_CONNESSIONE names.
 namespace azcoll::test {
 
-/// Connection string of the server under test; empty when the tests run on the embedded engine.
-inline std::string serverConnectionString() {
-  const char* const value = std::getenv("AZCOLL_TEST_CONNESSIONE");
-  return value == nullptr ? std::string{} : std::string{value};
+/// Connection string of a database of this process's own on the server under test, which is created
+/// at the first question and dropped at the end; empty when the tests run on the embedded engine.
+inline const std::string& serverConnectionString() {
+  static const std::unique_ptr<const ServerDatabase> own = [] {
+    const char* const server = std::getenv("AZCOLL_TEST_CONNESSIONE");
+    return server == nullptr || *server == '\0' ? nullptr
+                                                : std::make_unique<const ServerDatabase>(server);
+  }();
+  static const std::string none;
+  return own ? own->connectionString() : none;
 }
 
 /// Whole content of a file; throws `std::runtime_error` when it cannot be read.
@@ -66,10 +72,6 @@ inline void runScript(Connection& connection, const std::string& path) {
 
 namespace detail {
 
-// A server's database is emptied before every test program that asks for a fresh one. Only a
-// database that was filled from here carries this table; any other is refused, whatever it holds.
-inline constexpr std::string_view kMarkerTable = "AZCOLL_DATABASE_DI_PROVA";
-
 // Routines and tables that a broken run did not reach are not there to be dropped.
 inline void dropIfThere(Connection& connection, const std::string& text) {
   try {
@@ -77,22 +79,6 @@ inline void dropIfThere(Connection& connection, const std::string& text) {
     connection.execute(text, affected, CommandOption::Text);
   } catch (const Error&) {
     return;
-  }
-}
-
-// Only "invalid object name" means that the table is missing; not being allowed to look is an
-// error.
-inline bool hasTable(Connection& connection, std::string_view name) {
-  constexpr int kInvalidObjectName = 208;
-  try {
-    std::int64_t affected = 0;
-    connection.execute("SELECT COUNT(1) FROM " + std::string{name}, affected, CommandOption::Text);
-    return true;
-  } catch (const Error& error) {
-    if (error.info().nativeNumber != kInvalidObjectName) {
-      throw;
-    }
-    return false;
   }
 }
 
@@ -118,25 +104,15 @@ inline const std::vector<std::string>& testTables() {
   return names;
 }
 
+/// Empties the server's database, which is this process's own, before the next test fills it.
 inline void emptyTestDatabase(Connection& connection) {
   const std::vector<std::string>& tables = testTables();
-  if (hasTable(connection, kMarkerTable)) {
-    dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
-    dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
-    for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
-      dropIfThere(connection, "DROP TABLE " + *table);
-    }
-    return;
+  dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
+  dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
+  for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
+    dropIfThere(connection, "DROP TABLE " + *table);
   }
-  for (const std::string& table : tables) {
-    if (hasTable(connection, table)) {
-      throw std::runtime_error{"AZCOLL_TEST_CONNESSIONE names a database that holds " + table +
-                               " and was not made by these tests: it is left alone"};
-    }
-  }
-  std::int64_t affected = 0;
-  connection.execute("CREATE TABLE " + std::string{kMarkerTable} + " (ID INT NOT NULL PRIMARY KEY)",
-                     affected, CommandOption::Text);
+  connection.errors().clear();
 }
 
 /// The embedded engine; in the Windows tests behind automation objects, as callers hand them over.
@@ -149,13 +125,12 @@ inline std::shared_ptr<Connection> newEmbedded() {
 }
 
 inline std::shared_ptr<Connection> openConnection() {
-  const std::string server = serverConnectionString();
+  const std::string& server = serverConnectionString();
   std::shared_ptr<Connection> connection;
   if (server.empty()) {
     connection = newEmbedded();
     connection->setConnectionString("Provider=embedded;Data Source=:memory:");
   } else {
-    std::cout << "running on the database of AZCOLL_TEST_CONNESSIONE\n";
     connection = newConnectionFor(server);
   }
   connection->setCommandTimeout(100);
@@ -185,8 +160,7 @@ inline void fillExample(Connection& connection) {
 }
 
 /// An open connection to a fresh database with the tables, the procedure and the function, but
-/// without rows. On a server the database is emptied first; one that was not made by these tests is
-/// refused with `std::runtime_error`.
+/// without rows. On a server it is this process's own database, emptied first.
 inline std::shared_ptr<Connection> openSchema() {
   std::shared_ptr<Connection> connection = detail::openConnection();
   fillSchema(*connection);

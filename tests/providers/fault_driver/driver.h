@@ -67,6 +67,9 @@ struct Connection : Handle {
   int commits = 0;
   int rollbacks = 0;
   int openResults = 0;
+  SQLULEN loginTimeout = 0;
+  int executions = 0;           ///< since they were asked for
+  int fetches = 0;              ///< since they were asked for
   std::u16string lastChange{};  ///< text and parameters of the last INSERT or UPDATE
 
   [[nodiscard]] bool has(std::u16string_view key, std::u16string_view value) const {
@@ -96,6 +99,7 @@ struct Statement : Handle {
   std::size_t current = 0;  ///< row within the block
   SQLUSMALLINT column = 0;  ///< read last with SQLGetData
   std::size_t offset = 0;   ///< bytes of it already given
+  SQLULEN queryTimeout = 0;
   SQLULEN arraySize = 1;
   SQLULEN* fetched = nullptr;
   SQLUSMALLINT* status = nullptr;

@@ -122,6 +122,8 @@ SQLRETURN SQLSetConnectAttrW(SQLHDBC handle, SQLINTEGER attribute, SQLPOINTER va
       return connection.fail("HY000", u"no transactions today");
     }
     connection.autocommit = on;
+  } else if (attribute == SQL_ATTR_LOGIN_TIMEOUT) {
+    connection.loginTimeout = reinterpret_cast<SQLULEN>(value);
   }
   return SQL_SUCCESS;
 }

@@ -83,6 +83,9 @@ SQLRETURN SQLSetStmtAttrW(SQLHSTMT handle, SQLINTEGER attribute, SQLPOINTER valu
     case SQL_ATTR_ROWS_FETCHED_PTR:
       statement.fetched = static_cast<SQLULEN*>(value);
       return SQL_SUCCESS;
+    case SQL_ATTR_QUERY_TIMEOUT:
+      statement.queryTimeout = reinterpret_cast<SQLULEN>(value);
+      return SQL_SUCCESS;
     case SQL_ATTR_ROW_STATUS_PTR:
       statement.status = static_cast<SQLUSMALLINT*>(value);
       return SQL_SUCCESS;
@@ -101,6 +104,7 @@ SQLRETURN SQLExecDirectW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER length) {
   if (wanted.starts_with(u"UPDATE") || wanted.starts_with(u"INSERT")) {
     statement.connection.lastChange = wanted + u" <-" + shownParameters(statement);
   }
+  ++statement.connection.executions;
   return begin(statement, scenarioFor(wanted, statement));
 }
 
@@ -188,6 +192,7 @@ SQLRETURN SQLFreeStmt(SQLHSTMT handle, SQLUSMALLINT option) {
 
 SQLRETURN SQLFetch(SQLHSTMT handle) {
   Statement& statement = statementOf(handle);
+  ++statement.connection.fetches;
   const FaultResult& result = statement.now();
   statement.row += statement.blockRows;
   statement.column = 0;

@@ -101,6 +101,33 @@ Scenario state(const Connection& connection) {
   return one(std::move(result));
 }
 
+std::u16string count(SQLULEN value) { return number(static_cast<std::size_t>(value)); }
+
+/// Executions and fetches since the last time this was asked, itself not counted.
+Scenario counters(Connection& connection) {
+  FaultResult result{
+      .columns = {column(u"EXECUTIONS", SQL_INTEGER), column(u"FETCHES", SQL_INTEGER)}};
+  result.rows.push_back({count(static_cast<SQLULEN>(connection.executions - 1)),
+                         count(static_cast<SQLULEN>(connection.fetches))});
+  connection.executions = 0;
+  connection.fetches = -2;  // those of this result
+  return one(std::move(result));
+}
+
+Scenario timeLimits(const Statement& statement) {
+  FaultResult result{.columns = {column(u"LOGIN", SQL_INTEGER), column(u"QUERY", SQL_INTEGER)}};
+  result.rows.push_back({count(statement.connection.loginTimeout), count(statement.queryTimeout)});
+  return one(std::move(result));
+}
+
+Scenario manyRows() {
+  FaultResult result{.columns = {column(u"C1", SQL_INTEGER), column(u"C2", SQL_WVARCHAR, 20)}};
+  for (std::size_t row = 1; row <= 3'000; ++row) {
+    result.rows.push_back({number(row), row % 3 == 0 ? Cell{} : Cell{u"riga " + number(row)}});
+  }
+  return one(std::move(result));
+}
+
 Scenario echo(const std::u16string& text, const Statement& statement) {
   FaultResult result{
       .columns = {column(u"TESTO", SQL_WLONGVARCHAR, 0), column(u"PARAMETRI", SQL_INTEGER)}};
@@ -123,10 +150,17 @@ Scenario single(SQLSMALLINT type, std::u16string value) {
 }  // namespace
 
 Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
-  const Connection& connection = statement.connection;
+  Connection& connection = statement.connection;
+  if (text == u"COUNTERS") {
+    return counters(connection);
+  }
   const std::map<std::u16string, Scenario> known{
       {u"LINK LOST", linkLostInAFetch()},
       {u"LYING SIZES", lyingSizes()},
+      {u"SELECT * FROM LYING_SIZES", lyingSizes()},
+      {u"EXEC LYING_SIZES", lyingSizes()},
+      {u"SELECT * FROM MANY_ROWS", manyRows()},
+      {u"TIME LIMITS", timeLimits(statement)},
       {u"NO TOTAL", noTotal()},
       {u"IMPOSSIBLE LENGTH", impossibleLength()},
       {u"LONG DIAGNOSTICS", longDiagnostics()},
@@ -136,6 +170,8 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
       {u"LOWER NAMES", one({.columns = {column(u"ditta", SQL_INTEGER)}, .rows = {{u"10"}}})},
       {u"LONE SURROGATE", single(SQL_WVARCHAR, std::u16string{u'a', char16_t{0xD800}, u'b'})},
       {u"HUGE DECIMAL", single(SQL_DECIMAL, u"1E400")},
+      {u"LONG DECIMAL", single(SQL_DECIMAL, std::u16string(100, u'9'))},
+      {u"SELECT LONG_DECIMAL", single(SQL_DECIMAL, std::u16string(100, u'9'))},
       {u"FINE DECIMAL", single(SQL_DECIMAL, u"-.0000000000000000000000000000000000001")},
       {u"ECHO PASSWORD",
        failing("28000", u"[Maker]refused: " + connection.connectionString, 18456)},

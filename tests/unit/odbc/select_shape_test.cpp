@@ -96,5 +96,19 @@ TEST(SelectShape, BatchesThatMayChangeTablesAreKnown) {
   }
 }
 
+TEST(SelectShape, OnlyQueriesCanBeRunTwice) {
+  for (const char* const text :
+       {"SELECT 1", "select A, 'INSERT' from T with(updlock) where [UPDATE] = 1",
+        "SELECT A FROM T UNION SELECT B FROM U; SELECT 2 -- EXEC", "SELECT DBO.F(1) /* SET */"}) {
+    EXPECT_TRUE(onlyReads(text)) << text;
+  }
+  for (const char* const text :
+       {"", "UPDATE T SET A = 1", "SELECT 1 INTO #T", "SELECT A FROM T DELETE FROM T",
+        "SELECT NEXT VALUE FOR S", "DECLARE @a INT = 1 SELECT @a", "P_PROVA", "EXEC P_PROVA",
+        "SELECT * FROM OPENQUERY(X, 'y')", "WITH A AS (SELECT 1 X) DELETE FROM A"}) {
+    EXPECT_FALSE(onlyReads(text)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace azcoll::odbc

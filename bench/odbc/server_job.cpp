@@ -1,0 +1,166 @@
+// The main job at 100 linked companies on a server that speaks T-SQL: the component, its operations
+// sent again through the provider, and the same texts through bare ODBC calls.
+
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bare_odbc.h"
+#include "bench_database.h"
+#include "data/text.h"
+#include "job_script.h"
+#include "measured.h"
+#include "support/server_database.h"
+#include "wall_time.h"
+
+namespace azcoll::bench {
+namespace {
+
+constexpr int kLinked = 100;
+
+/// The database of this process's own on the server, with the group in it.
+const std::string& serverDatabase() {
+  static const test::ServerDatabase own{std::getenv("AZCOLL_TEST_CONNESSIONE")};
+  static const bool filled = [] {
+    const std::shared_ptr<Connection> connection =
+        openOdbc({.connectionString = own.connectionString()});
+    for (const char* name : {"tabelle.sql", "procedure.sql", "esempio.sql"}) {
+      runScript(*connection, name);
+    }
+    addGroup(*connection, kLinked);
+    return true;
+  }();
+  static_cast<void>(filled);
+  return own.connectionString();
+}
+
+std::shared_ptr<Connection> openServer() {
+  return openOdbc({.connectionString = serverDatabase()});
+}
+
+std::int64_t nextCode() {
+  static std::int64_t code = kFirstCode;
+  return ++code;
+}
+
+/// A constant of T-SQL.
+std::string literal(const Variant& value) {
+  if (value.isNull() || value.isEmpty()) {
+    return "NULL";
+  }
+  if (const Date* const date = value.get<Date>()) {
+    return join("'", date->databaseText(), "'");
+  }
+  std::string text = "N'";
+  for (const char character : value.text()) {
+    text.append(character == '\'' ? 2 : 1, character);
+  }
+  return text + "'";
+}
+
+/// A call of the procedure as a text, with the values that the component gave it.
+std::string callText(const TraceEntry& entry) {
+  std::string text = join("DECLARE @uscita VARCHAR(8000) EXEC ", entry.sql);
+  std::string separator = " ";
+  for (const auto& [name, value] : entry.parameters) {
+    const bool isOutput = name == "@DitteCollegate" || name == "@dittecollegate";
+    text += join(separator, name, " = ", isOutput ? "@uscita OUTPUT" : literal(value));
+    separator = ", ";
+  }
+  return text + " SELECT @uscita";
+}
+
+/// Reads every result of a statement as text, in pieces of no interest to anybody.
+void runBareToEnd(const BareConnection& connection, const std::string& text) {
+  const BareStatement statement{connection};
+  statement.execute(text);
+  do {
+    SQLSMALLINT columns = 0;
+    statement.check(SQLNumResultCols(statement.get(), &columns));
+    std::vector<std::array<char16_t, 256>> values(static_cast<std::size_t>(columns));
+    std::vector<SQLLEN> lengths(static_cast<std::size_t>(columns));
+    for (std::size_t column = 0; column < values.size(); ++column) {
+      statement.check(SQLBindCol(statement.get(), static_cast<SQLUSMALLINT>(column + 1),
+                                 SQL_C_WCHAR, values[column].data(), sizeof values[column],
+                                 &lengths[column]));
+    }
+    while (columns > 0 && statement.fetch()) {
+      benchmark::DoNotOptimize(values);
+    }
+    SQLFreeStmt(statement.get(), SQL_UNBIND);
+  } while (SQLMoreResults(statement.get()) == SQL_SUCCESS);
+}
+
+template <typename Job>
+void timeServerJobs(benchmark::State& state, const std::shared_ptr<Connection>& connection,
+                    const Job& job) {
+  for (auto _ : state) {
+    const std::int64_t code = nextCode();
+    addCustomer(*connection, code);
+    const auto work = job(code);
+    const double start = wallTime();
+    work();
+    state.SetIterationTime(wallTime() - start);
+    if (companiesWith(*connection, code) != kLinked + 1) {
+      state.SkipWithError("the copies are not all there");
+      return;
+    }
+  }
+}
+
+void component(benchmark::State& state) {
+  const std::shared_ptr<Connection> connection = openServer();
+  CLSCO_AZIENDECOLL service;
+  timeServerJobs(state, connection, [&](std::int64_t code) {
+    return [&, code] { spread(service, connection, code); };
+  });
+}
+
+void replayed(benchmark::State& state) {
+  const std::shared_ptr<Connection> connection = openServer();
+  const Script script{connection};
+  timeServerJobs(state, connection, [&](std::int64_t code) {
+    return [&, texts = script.texts(code)] { script.replay(connection, texts); };
+  });
+}
+
+void bare(benchmark::State& state) {
+  const std::shared_ptr<Connection> connection = openServer();
+  const Script script{connection};
+  BareConnection floor{serverDatabase()};
+  timeServerJobs(state, connection, [&](std::int64_t code) {
+    return [&, texts = script.texts(code)] {
+      for (std::size_t at = 0; at < script.steps.size(); ++at) {
+        const TraceEntry& entry = script.steps[at].entry;
+        if (entry.operation == "Execute") {
+          runBareToEnd(floor, texts[at]);
+        } else if (entry.operation == "CommandExecute") {
+          runBareToEnd(floor, callText(entry));
+        } else if (entry.operation == "BeginTrans") {
+          floor.begin();
+        } else if (entry.operation == "CommitTrans") {
+          floor.commit();
+        }
+      }
+    };
+  });
+}
+
+}  // namespace
+
+bool registerServerJob() {
+  const char* const server = std::getenv("AZCOLL_TEST_CONNESSIONE");
+  if (server == nullptr || *server == '\0') {
+    return false;
+  }
+  for (const auto& [name, job] : {std::pair{"main job/component/server", &component},
+                                  std::pair{"main job/provider/server", &replayed},
+                                  std::pair{"main job/bare ODBC/server", &bare}}) {
+    benchmark::RegisterBenchmark(name, job)->UseManualTime()->Unit(benchmark::kMillisecond);
+  }
+  return true;
+}
+
+}  // namespace azcoll::bench

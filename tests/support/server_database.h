@@ -1,0 +1,113 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+#include "data/connection.h"
+#include "data/error.h"
+#include "platform/provider_factory.h"
+
+namespace azcoll::test {
+
+/// The connection string with another database in it.
+inline std::string withDatabase(std::string_view text, std::string_view database) {
+  const auto isDatabaseKey = [](std::string_view pair) {
+    std::string key;
+    for (const char byte : pair.substr(0, pair.find('='))) {
+      key += byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+    }
+    key.erase(0, key.find_first_not_of(' '));
+    key.erase(key.find_last_not_of(' ') + 1);
+    return key == "database" || key == "initial catalog";
+  };
+  std::string result;
+  while (!text.empty()) {
+    std::size_t end = 0;  // of this pair: a semicolon that stands in no braces
+    for (bool inBraces = false; end < text.size() && (inBraces || text[end] != ';'); ++end) {
+      inBraces = text[end] == '{' || (inBraces && text[end] != '}');
+    }
+    const std::string_view pair = text.substr(0, end);
+    if (!pair.empty() && !isDatabaseKey(pair)) {
+      result += std::string{pair} + ";";
+    }
+    text.remove_prefix(end < text.size() ? end + 1 : end);
+  }
+  return result + "Database=" + std::string{database} + ";";
+}
+
+/// A database of this process's own on a server: created with the object, dropped with it. What a
+/// killed process left behind is dropped by a later one.
+class ServerDatabase {
+ public:
+  /// `server` is a connection string whose user may create databases. Throws `Error`.
+  explicit ServerDatabase(std::string server) : server_{std::move(server)} {
+    std::random_device random;
+    std::array<char, 64> name{};
+    std::snprintf(name.data(), name.size(), "azcoll_prova_%d_%08x", static_cast<int>(::getpid()),
+                  static_cast<unsigned>(random()));
+    name_ = name.data();
+    const std::shared_ptr<Connection> connection = open();
+    dropForgotten(*connection);
+    run(*connection, "CREATE DATABASE " + name_);
+    connectionString_ = withDatabase(server_, name_);
+  }
+  ServerDatabase(const ServerDatabase&) = delete;
+  ServerDatabase(ServerDatabase&&) = delete;
+  ServerDatabase& operator=(const ServerDatabase&) = delete;
+  ServerDatabase& operator=(ServerDatabase&&) = delete;
+  ~ServerDatabase() {
+    try {
+      drop(*open(), name_);
+    } catch (const Error& error) {
+      std::fprintf(stderr, "%s was not dropped: %s\n", name_.c_str(), error.what());
+    }
+  }
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] const std::string& connectionString() const { return connectionString_; }
+
+ private:
+  [[nodiscard]] std::shared_ptr<Connection> open() const {
+    std::shared_ptr<Connection> connection = newConnectionFor(server_);
+    connection->setCommandTimeout(100);
+    connection->open("", "", CommandOption::Unspecified);
+    return connection;
+  }
+  static std::shared_ptr<Recordset> run(Connection& connection, const std::string& text) {
+    std::int64_t affected = 0;
+    return connection.execute(text, affected, CommandOption::Text);
+  }
+  static void drop(Connection& connection, const std::string& name) {
+    try {  // connections that a failed test left open
+      run(connection, "ALTER DATABASE " + name + " SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
+    } catch (const Error&) {
+      connection.errors().clear();
+    }
+    run(connection, "DROP DATABASE " + name);
+  }
+  static void dropForgotten(Connection& connection) {
+    try {
+      const std::shared_ptr<Recordset> names =
+          run(connection,
+              "SELECT name FROM sys.databases WHERE name LIKE 'azcoll[_]prova[_]%' AND create_date"
+              " < DATEADD(HOUR, -12, GETDATE())");
+      for (; names && !names->atEnd(); names->moveNext()) {
+        drop(connection, names->fields().item(std::size_t{0}).value().text());
+      }
+    } catch (const Error&) {  // one that tidies up is no reason for a test to fail
+      connection.errors().clear();
+    }
+  }
+
+  std::string server_;
+  std::string name_;
+  std::string connectionString_;
+};
+
+}  // namespace azcoll::test
