@@ -33,7 +33,7 @@ register() {
 
 run_programs() {
   local program
-  for program in data cursor service_frame service_statement ado automation ado_scenario; do
+  for program in data cursor service_frame service_statement ado automation scenario; do
     say "${program}_tests"
     (cd "$build/tests/windows" &&
       AZCOLL_TEST_DATABASE="Z:$scratch/esempio.db" \

@@ -77,7 +77,7 @@ class AdoCommand final : public Command, public Automated {
     const ComPtr<IDispatch> rows =
         ado_.getObject(L"Execute", {Argument::out(affected.raw()), Argument::missing(), options});
     recordsAffected = affectedRows(affected);
-    return openRecordset(rows);
+    return wrapRecordset(rows);
   }
 
  private:
