@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ado/automated.h"
+#include "ado/connection.h"
 #include "ado/dispatch.h"
 #include "ado/recordset.h"
 #include "ado/variants.h"

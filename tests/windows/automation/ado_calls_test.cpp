@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ado/wide_text.h"
 #include "component/members.h"
 #include "windows/calls.h"
 
@@ -62,11 +63,11 @@ const std::vector<MethodCall>& methodCalls() {
       {"StringaSQLAttivitaCollegate", {{kDitta, 40}}},
       {"DuplicaAttività", {{kDitta, 40}, {kAnno, 2026}, {kAnnoOrigine, 2025}}},
       {"InserisciAttività", {{kDitta, 20}, {kAnno, 2024}}},
-      {"AggiornaAttività", {{kDitta, 40}}},
+      {"AggiornaAttività", {{kDitta, 12}, {kAnno, 2024}}},
       {"AggiornaDatiGestionaliPerAttività", {{kDitta, 40}}},
       {"StringaSQLEliminazioneAttività", {{kDitta, 40}, {kAttivita, 4001}}},
       {"EliminaAttivitàSingolaCollegamentoMultiAzienda", {{kDitta, 12}, {kAnno, 2024}}},
-      {"GetCodiceAttivitàDaSezionale", {{kDitta, 10}, {L"Sezionale", "01"}}},
+      {"GetCodiceAttivitàDaSezionale", {{kDitta, 10}, {kAnno, 2024}, {L"Sezionale", "01"}}},
       {"AggiornaDatiGestionaliPerAnagraficaAttività", {{kDitta, 40}, {kAttivita, 4001}}},
       {"InserisciAttivitàDaPeriodoPrecedente",
        {{kDitta, 10}, {kAnno, 2026}, {L"InserisciAttivitàDaPeriodoPrecedente", true}}},
@@ -135,29 +136,65 @@ std::string fieldCall(const std::string& call) {
   return (member == ".Name()" ? "name " : member == ".Value()" ? "get " : "let ") + column;
 }
 
+/// The calls that copy one column, as one.
+void foldCopies(Lines& fields) {
+  Lines folded;
+  for (std::size_t at = 0; at < fields.size();) {
+    const auto is = [&](std::size_t ahead, const std::string& text) {
+      return at + ahead < fields.size() && fields[at + ahead] == text;
+    };
+    const std::string column = at + 1 < fields.size() && fields[at + 1].starts_with("name ")
+                                   ? fields[at + 1].substr(5)
+                                   : std::string{};
+    if (is(0, "count") && is(2, "get " + column) && is(3, "let " + column)) {
+      folded.push_back("copy " + column);
+      at += 4;
+    } else {
+      folded.push_back(fields[at]);
+      ++at;
+    }
+  }
+  fields = folded;
+}
+
 bool leadsToAField(const std::string& call) {
   return call == "Recordset.Fields()" || call.starts_with("Fields.Item(");
 }
 
+void appendFields(Lines& lines, Lines& fields) {
+  constexpr std::size_t kWidth = 110;
+  foldCopies(fields);
+  std::string line = "Fields:";
+  for (std::size_t index = 0; index < fields.size(); ++index) {
+    if (line.size() + fields[index].size() > kWidth) {
+      lines.push_back(line);
+      line = "       ";
+    }
+    line += " " + fields[index] + (index + 1 < fields.size() ? "," : "");
+  }
+  if (!fields.empty()) {
+    lines.push_back(line);
+  }
+  fields.clear();
+}
+
 /// The calls as the file shows them: one line each, those on fields together.
 Lines shown(const Lines& calls) {
-  constexpr std::size_t kWidth = 110;
   Lines lines;
-  bool amongFields = false;
+  Lines fields;
   for (const std::string& call : calls) {
     if (leadsToAField(call)) {
       continue;
     }
     const std::string field = fieldCall(call);
     if (field.empty()) {
+      appendFields(lines, fields);
       lines.push_back(shownCall(call));
-    } else if (amongFields && lines.back().size() + field.size() < kWidth) {
-      lines.back() += ", " + field;
     } else {
-      lines.push_back((amongFields ? "        " : "Fields: ") + field);
+      fields.push_back(field);
     }
-    amongFields = !field.empty();
   }
+  appendFields(lines, fields);
   return lines;
 }
 
@@ -296,9 +333,7 @@ std::string withoutAccents(std::string name) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, AdoCallsOfTheDll, ::testing::ValuesIn(methodCalls()),
-                         [](const ::testing::TestParamInfo<MethodCall>& info) {
-                           return withoutAccents(info.param.method);
-                         });
+                         [](const auto& call) { return withoutAccents(call.param.method); });
 
 }  // namespace
 }  // namespace azcoll::test

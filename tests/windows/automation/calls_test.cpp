@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "windows/watcher.h"
+
 namespace azcoll::test {
 namespace {
 
@@ -121,6 +123,50 @@ TEST_F(CallsOfTheDll, LetGoOfEveryObjectOfTheCaller) {
   output = ado::Dispatch{service.getObject(L"CPOutput")};
   EXPECT_EQ(caller.liveObjects(), 1);  // the caller's own connection
   input.putRef(L"Connessione", caller.object());
+}
+
+TEST_F(CallsOfTheDll, AskThePersonInFrontOfTheScreen) {
+  input.put(L"Pvar_Ditta", 5);
+  input.put(L"AnnoSolare", 2030);
+  Watcher watcher{IDNO};
+  EXPECT_FALSE(service.getFlag(L"ControllaDittaNonCollegata"));
+  EXPECT_EQ(read(service, L"Stato"), Variant{std::int16_t{0}});
+  EXPECT_TRUE(watcher.asksYesOrNo());
+  const std::string text = watcher.text();
+  EXPECT_TRUE(text.starts_with(
+      "L'azienda corrente gestisce l'esercizio delle multi attività su più aziende, ma non "
+      "esistono collegamenti per l'anno 2030."))
+      << text;
+  EXPECT_TRUE(text.ends_with("Si vuole procedere al collegamento?")) << text;
+}
+
+TEST_F(CallsOfTheDll, HandOverTheVeryRecordsetThatTheyOpened) {
+  input.put(L"Pvar_Ditta", 10);
+  service.call(L"RecordsetDitteCollegatePiuPrincipale");
+  ado::Dispatch rows{output.getObject(L"Grst_DitteCollegate")};
+  EXPECT_EQ(output.getObject(L"Grst_DitteCollegate").get(), rows.object().get());
+  EXPECT_GT(rows.getNumber(L"RecordCount"), 1);
+  EXPECT_EQ(rows.getNumber(L"CursorLocation"), 3);
+  EXPECT_EQ(rows.getNumber(L"CursorType"), 1);
+  EXPECT_EQ(rows.getNumber(L"LockType"), 4);
+  service = created(kService);
+  rows.call(L"MoveFirst");
+  ado::Dispatch field{rows.getObject(L"Fields", {"DITTA"})};
+  EXPECT_EQ(field.getNumber(L"Value"), 10) << "the caller's, when the service is gone";
+}
+
+TEST_F(CallsOfTheDll, TakeValuesGivenByReference) {
+  ado::ScopedVariant company = ado::toVariant(5);
+  ado::ScopedVariant reference;
+  reference.raw().vt = VT_BYREF | VT_VARIANT;
+  reference.raw().pvarVal = &company.raw();
+  DISPID assigned = DISPID_PROPERTYPUT;
+  DISPPARAMS parameters{&reference.raw(), &assigned, 1, 1};
+  constexpr DISPID kDitta = 3;
+  EXPECT_EQ(input.object()->Invoke(kDitta, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT,
+                                   &parameters, nullptr, nullptr, nullptr),
+            S_OK);
+  EXPECT_EQ(service.getText(L"GetDittaPrincipale"), "10");
 }
 
 }  // namespace

@@ -29,10 +29,13 @@ std::wstring textOf(HWND window) {
 
 /// The style value that a box was made with, told by its buttons and its icon.
 int styleOf(HWND box) {
+  // Windows and Wine number the icon differently.
   constexpr int kIconOfABox = 20;
+  constexpr int kIconOfAWineBox = 0x440;
+  const int place = GetDlgItem(box, kIconOfABox) != nullptr ? kIconOfABox : kIconOfAWineBox;
   const auto has = [box](int button) { return GetDlgItem(box, button) != nullptr; };
   const bool yesNo = has(IDYES) && has(IDNO) && !has(IDOK) && !has(IDCANCEL) && !has(IDRETRY);
-  const auto icon = SendDlgItemMessageW(box, kIconOfABox, STM_GETICON, 0, 0);
+  const auto icon = SendDlgItemMessageW(box, place, STM_GETICON, 0, 0);
   const bool question =
       icon != 0 && icon == reinterpret_cast<LRESULT>(LoadIconW(nullptr, IDI_QUESTION));
   return (yesNo ? MB_YESNO : 0) | (question ? MB_ICONQUESTION : 0);
