@@ -311,7 +311,12 @@ TEST_P(AdoCallsOfTheDll, AreTheOnesPinnedForTheMethod) {
     lines.push_back("(none)");
   }
   writeSection(GetParam(), lines);
-  EXPECT_EQ(lines, pinnedCalls()[GetParam().method]);
+  const Lines pinned = pinnedCalls()[GetParam().method];
+  const auto [now, then] = std::ranges::mismatch(lines, pinned);
+  EXPECT_TRUE(now == lines.end() && then == pinned.end())
+      << "line " << now - lines.begin() + 1 << " is now\n  "
+      << (now == lines.end() ? "(no more)" : *now) << "\nand was\n  "
+      << (then == pinned.end() ? "(no more)" : *then);
 }
 
 TEST(AdoCallsOfTheDllFile, HasEveryMethodOfTheTableInItsOrder) {
