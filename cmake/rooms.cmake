@@ -23,7 +23,7 @@ if(AZCOLL_FUZZ)
   target_compile_definitions(azcoll_settings INTERFACE _GLIBCXX_ASSERTIONS)
 endif()
 if(AZCOLL_COVERAGE)
-  target_compile_options(azcoll_settings INTERFACE --coverage -fprofile-update=atomic)
+  target_compile_options(azcoll_settings INTERFACE --coverage)
   target_link_options(azcoll_settings INTERFACE --coverage)
 endif()
 

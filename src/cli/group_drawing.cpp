@@ -155,8 +155,11 @@ std::string Drawing::nameMarkup(std::int32_t company, std::string_view lineEnd) 
   const std::string code = std::to_string(company);
   std::string markup;
   for (const std::string& line : wrapped(companyText(company, view_.names), kLineLength)) {
-    markup += markup.empty() ? fmt::format("<B>{}</B>{}", code, labelText(line.substr(code.size())))
-                             : labelText(line);
+    // A blank at the edge of a piece of text is dropped by some viewers of SVG.
+    markup += markup.empty()
+                  ? fmt::format("<B>{}</B>&#160;{}", code,
+                                labelText(line.substr(std::min(code.size() + 1, line.size()))))
+                  : labelText(line);
     markup += lineEnd;
   }
   return markup;

@@ -42,13 +42,10 @@ std::string customerFor(const Case& each) {
   } else {
     // Whatever the example holds, each company has both.
     for (const char* const one : {"5", "10", "12", "15"}) {
-      sql += join(
-          "DELETE FROM CG44_CLIFOR WHERE 1 = 2 IF NOT EXISTS (SELECT 1 FROM "
-          "CG31_ANADITTASEDI WHERE CG31_DITTA_CG18 = ",
-          one,
-          " AND CG31_CODICE = 1) INSERT "
-          "INTO CG31_ANADITTASEDI (CG31_DITTA_CG18, CG31_CODICE) VALUES (",
-          one, ", 1) ");
+      sql += join("IF NOT EXISTS (SELECT 1 FROM CG31_ANADITTASEDI WHERE CG31_DITTA_CG18 = ", one,
+                  " AND CG31_CODICE = 1) INSERT "
+                  "INTO CG31_ANADITTASEDI (CG31_DITTA_CG18, CG31_CODICE) VALUES (",
+                  one, ", 1) ");
       sql += join("IF NOT EXISTS (SELECT 1 FROM CG40_ANADITTAINTER WHERE CG40_DITTA_CG18 = ", one,
                   " AND CG40_TIPOCF = 0 AND CG40_INTERMEDIO = 1) INSERT INTO CG40_ANADITTAINTER "
                   "(CG40_DITTA_CG18, CG40_TIPOCF, CG40_INTERMEDIO) VALUES (",

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
+#include <iostream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <utility>
@@ -157,6 +159,10 @@ std::string testName(const std::string& scenario) {
 }
 
 void expectDocumentedOutcomes(const FaultScenario& scenario) {
+  if (!serverConnectionString().empty()) {
+    GTEST_SKIP() << "a server words its errors in its own way; the outcomes are compared exactly, "
+                    "with the embedded engine's";
+  }
   Bench bench{scenario};
   Reference reference{.before = bench.before(), .outcome = {}, .operations = {}, .states = {}};
   Run whole = bench.withoutFault(reference.states);
@@ -177,6 +183,8 @@ void expectDocumentedOutcomes(const FaultScenario& scenario) {
       expectSame(documented ? *documented : ruled(scenario, fault, reference), run.outcome, where);
     }
   }
+  std::cout << scenario.name << ": " << reference.operations.size() << " operations, "
+            << reference.operations.size() * std::size(kAllWays) << " faults\n";
 }
 
 Outcome asWithoutFault(const Reference& reference) { return reference.outcome; }

@@ -96,10 +96,7 @@ inline bool hasTable(Connection& connection, std::string_view name) {
   }
 }
 
-}  // namespace detail
-
-/// The tables of an example database for tests, in the order in which they are made.
-inline std::vector<std::string> testTables() {
+inline std::vector<std::string> readTableNames() {
   std::vector<std::string> names;
   for (const std::string& path : {schemaPath("tabelle.sql"), documentsPath()}) {
     for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(path))) {
@@ -114,10 +111,15 @@ inline std::vector<std::string> testTables() {
   return names;
 }
 
-namespace detail {
+/// The tables of an example database for tests, in the order in which they are made. The scripts
+/// are read once: a picture of the database is taken after every fault.
+inline const std::vector<std::string>& testTables() {
+  static const std::vector<std::string> names = readTableNames();
+  return names;
+}
 
 inline void emptyTestDatabase(Connection& connection) {
-  const std::vector<std::string> tables = testTables();
+  const std::vector<std::string>& tables = testTables();
   if (hasTable(connection, kMarkerTable)) {
     dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
     dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
@@ -166,6 +168,8 @@ inline std::shared_ptr<Connection> openConnection() {
 }
 
 }  // namespace detail
+
+using detail::testTables;
 
 /// Fills an empty database: tables, procedure and function.
 inline void fillSchema(Connection& connection) {

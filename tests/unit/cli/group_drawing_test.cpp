@@ -59,7 +59,7 @@ class Disegno : public GroupTest {
 
 TEST_F(Disegno, HasTheMainCompanyAndABoxForEachAccountingType) {
   const std::string text = dot(10, "--anno", "2025");
-  EXPECT_THAT(text, AllOf(HasSubstr("<B>10</B> Alfa Società per Azioni"),
+  EXPECT_THAT(text, AllOf(HasSubstr("<B>10</B>&#160;Alfa Società per Azioni"),
                           HasSubstr("azienda principale, tipo contabile 0"),
                           HasSubstr("<B>Tipo contabile 0: 2 aziende</B>"),
                           HasSubstr("<B>Tipo contabile 2: 1 azienda</B>"),
