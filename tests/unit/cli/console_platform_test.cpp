@@ -138,7 +138,7 @@ TEST(ConsolePlatform, ChoosesTheProviderByTheConnectionString) {
   EXPECT_THROW(
       {
         const std::shared_ptr<Connection> unknown = platform.newConnection("Provider=nessuno");
-        unknown->open();
+        unknown->open("", "", CommandOption::Unspecified);
       },
       Error);
 }
