@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ado/automated.h"
+#include "ado/connection.h"
 #include "ado/dispatch.h"
 #include "ado/recordset.h"
 #include "ado/variants.h"
@@ -77,7 +78,7 @@ class AdoCommand final : public Command, public Automated {
     const ComPtr<IDispatch> rows =
         ado_.getObject(L"Execute", {Argument::out(affected.raw()), Argument::missing(), options});
     recordsAffected = affectedRows(affected);
-    return openRecordset(rows);
+    return wrapRecordset(rows);
   }
 
  private:

@@ -65,7 +65,7 @@ class AdoConnection final : public Connection, public Automated {
     const ComPtr<IDispatch> rows =
         ado_.getObject(L"Execute", {commandText, Argument::out(affected.raw()), options});
     recordsAffected = affectedRows(affected);
-    return openRecordset(rows);
+    return wrapRecordset(rows);
   }
 
   void beginTrans() override { ado_.call(L"BeginTrans"); }

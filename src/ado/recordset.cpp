@@ -118,7 +118,10 @@ class AdoRecordset final : public Recordset, public Automated {
   void updateBatch(Affect affect) override { ado_.call(L"UpdateBatch", {affect}); }
 
   [[nodiscard]] std::shared_ptr<Recordset> nextRecordset() override {
-    return openRecordset(ado_.getObject(L"NextRecordset"));
+    // Behind the last result stands Nothing, or a recordset that is closed.
+    const ComPtr<IDispatch> next = ado_.getObject(L"NextRecordset");
+    auto rows = next ? std::make_shared<AdoRecordset>(next) : nullptr;
+    return rows && rows->isOpen() ? rows : nullptr;
   }
 
  private:
@@ -129,14 +132,6 @@ class AdoRecordset final : public Recordset, public Automated {
 }  // namespace
 
 bool stateIsOpen(Dispatch& object) { return (object.getNumber(L"State") & kStateOpen) != 0; }
-
-std::shared_ptr<Recordset> openRecordset(const ComPtr<IDispatch>& object) {
-  if (!object) {
-    return nullptr;
-  }
-  auto rows = std::make_shared<AdoRecordset>(object);
-  return rows->isOpen() ? rows : nullptr;
-}
 
 std::int64_t affectedRows(const ScopedVariant& written) {
   try {

@@ -82,11 +82,6 @@ class Kept {
   ado::ComPtr<IDispatch> reference_;
 };
 
-HRESULT refuseAbsent(ServiceObject* self, std::string_view name) {
-  return reportFailure(self->origin(), E_NOTIMPL,
-                       join("Metodo non presente in questa versione: ", name));
-}
-
 /// The function behind one method of the table, by what the method gives back.
 template <std::size_t kMethod>
 struct MethodSlot {
@@ -98,40 +93,27 @@ struct MethodSlot {
   }
 
   static HRESULT STDMETHODCALLTYPE run(ServiceObject* self) {
-    if constexpr (kEntry.present()) {
-      const Kept kept{self};
-      (self->members().service().*member<void>())();
-      return S_OK;
-    } else {
-      return refuseAbsent(self, kEntry.name);
-    }
+    const Kept kept{self};
+    (self->members().service().*member<void>())();
+    return S_OK;
   }
   static HRESULT STDMETHODCALLTYPE runForTruth(ServiceObject* self, VARIANT_BOOL* result) {
     if (result == nullptr) {
       return E_POINTER;
     }
     *result = VARIANT_FALSE;
-    if constexpr (kEntry.present()) {
-      const Kept kept{self};
-      writeOut((self->members().service().*member<bool>())(), result);
-      return S_OK;
-    } else {
-      return refuseAbsent(self, kEntry.name);
-    }
+    const Kept kept{self};
+    writeOut((self->members().service().*member<bool>())(), result);
+    return S_OK;
   }
   static HRESULT STDMETHODCALLTYPE runForText(ServiceObject* self, BSTR* result) {
     if (result == nullptr) {
       return E_POINTER;
     }
     *result = nullptr;
-    if constexpr (kEntry.present()) {
-      const Kept kept{self};
-      return guarded(self->origin(), [&] {
-        writeOut((self->members().service().*member<std::string>())(), result);
-      });
-    } else {
-      return refuseAbsent(self, kEntry.name);
-    }
+    const Kept kept{self};
+    return guarded(self->origin(),
+                   [&] { writeOut((self->members().service().*member<std::string>())(), result); });
   }
 
   static Slot slot() {

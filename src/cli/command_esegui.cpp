@@ -30,11 +30,7 @@ const MethodEntry& methodNamed(std::string_view name) {
         fmt::format("Il metodo «{}» non esiste.{} L'elenco dei metodi è dato da: azcoll metodi",
                     name, suggestion(name, names)));
   }
-  const MethodEntry& method = kMethods[*found];
-  if (!method.present()) {
-    throw UsageError(fmt::format("Questa versione non ha ancora il metodo {}.", method.name));
-  }
-  return method;
+  return kMethods[*found];
 }
 
 void fillInput(CLSCO_INPUTAZCOLL& input, const CommandEsegui& command) {
@@ -96,9 +92,7 @@ std::optional<TraceWriter> openTrace(const CommandEsegui& command, std::ostream&
 Variant call(CLSCO_AZIENDECOLL& service, const MethodMember& member) {
   return std::visit(
       [&service](auto method) -> Variant {
-        if constexpr (std::is_same_v<decltype(method), std::monostate>) {
-          return {};
-        } else if constexpr (std::is_void_v<decltype((service.*method)())>) {
+        if constexpr (std::is_void_v<decltype((service.*method)())>) {
           (service.*method)();
           return {};
         } else {

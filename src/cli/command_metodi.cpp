@@ -18,17 +18,15 @@ Json methodsAsJson() {
     entry["nome"] = method.name;
     entry["risultato"] =
         method.result == MethodResult::None ? Json(nullptr) : Json(typeName(method.result));
-    entry["presente"] = method.present();
     entry["descrizione"] = method.meaning;
   }
   return methods;
 }
 
 Rows methodsAsRows() {
-  Rows methods{{"Metodo", "Risultato", "Presente", "Descrizione"}, {}};
+  Rows methods{{"Metodo", "Risultato", "Descrizione"}, {}};
   for (const MethodEntry& method : kMethods) {
-    methods.rows.push_back(
-        {method.name, typeName(method.result), method.present() ? "sì" : "no", method.meaning});
+    methods.rows.push_back({method.name, typeName(method.result), method.meaning});
   }
   return methods;
 }

@@ -137,10 +137,10 @@ inline constexpr std::array kOutputFields{
 inline constexpr std::array<std::string_view, 4> kServiceFields{"CPInput", "CPOutput", "Stato",
                                                                 "Errore"};
 
-/// A method of the service: how to call it, or nothing when this version does not have it yet.
-using MethodMember = std::variant<std::monostate, void (CLSCO_AZIENDECOLL::*)() noexcept,
-                                  bool (CLSCO_AZIENDECOLL::*)() noexcept,
-                                  std::string (CLSCO_AZIENDECOLL::*)() noexcept>;
+/// A method of the service: how to call it, by what it gives back.
+using MethodMember =
+    std::variant<void (CLSCO_AZIENDECOLL::*)() noexcept, bool (CLSCO_AZIENDECOLL::*)() noexcept,
+                 std::string (CLSCO_AZIENDECOLL::*)() noexcept>;
 
 enum class MethodResult { None, Boolean, Text };
 
@@ -149,8 +149,6 @@ struct MethodEntry {
   MethodResult result;
   MethodMember member;
   std::string_view meaning;  ///< one line in Italian
-
-  [[nodiscard]] constexpr bool present() const { return member.index() != 0; }
 };
 
 /// Type name of a method result, as the interface publishes it; "" for none.

@@ -3,6 +3,7 @@
 #include <compare>
 #include <concepts>
 #include <cstdint>
+#include <optional>
 
 namespace azcoll {
 
@@ -177,15 +178,48 @@ class Int128 {
   UInt128 bits_;
 };
 
+/// The sum; nothing when it needs more than 128 bits.
+[[nodiscard]] constexpr std::optional<Int128> sumWithin(Int128 a, Int128 b) {
+  const Int128 sum = a + b;
+  const bool overflow = (a < Int128{}) == (b < Int128{}) && (sum < Int128{}) != (a < Int128{});
+  return overflow ? std::nullopt : std::optional{sum};
+}
+
+/// The product; nothing when it needs more than 128 bits.
+[[nodiscard]] constexpr std::optional<Int128> productWithin(Int128 a, Int128 b) {
+  const Int128 zero;
+  const bool negative = (a < zero) != (b < zero);
+  const auto first = static_cast<UInt128>(a < zero ? -a : a);
+  const auto second = static_cast<UInt128>(b < zero ? -b : b);
+  const UInt128 largest = (~UInt128{} >> 1) + UInt128{negative ? 1 : 0};
+  if (second != UInt128{} && first > largest / second) {
+    return std::nullopt;
+  }
+  const Int128 product{first * second};
+  return negative ? -product : product;
+}
+
 }  // namespace portable
 
 // Signed and unsigned 128-bit integers: wide enough for the 38 digits of a database decimal.
 #ifdef __SIZEOF_INT128__
 __extension__ using Int128 = __int128;
 __extension__ using UInt128 = unsigned __int128;
+
+/// The sum or the product; nothing when it needs more than 128 bits.
+[[nodiscard]] constexpr std::optional<Int128> sumWithin(Int128 a, Int128 b) {
+  Int128 sum = 0;
+  return __builtin_add_overflow(a, b, &sum) ? std::nullopt : std::optional{sum};
+}
+[[nodiscard]] constexpr std::optional<Int128> productWithin(Int128 a, Int128 b) {
+  Int128 product = 0;
+  return __builtin_mul_overflow(a, b, &product) ? std::nullopt : std::optional{product};
+}
 #else
 using Int128 = portable::Int128;
 using UInt128 = portable::UInt128;
+using portable::productWithin;
+using portable::sumWithin;
 #endif
 
 }  // namespace azcoll

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include "embedded/functions.h"
 #include "embedded/number_values.h"
@@ -84,11 +85,11 @@ void divideFloats(const FunctionCallFrame& frame) {
 }
 
 Int128 multiply(Int128 a, Int128 b) {
-  Int128 product = 0;
-  if (__builtin_mul_overflow(a, b, &product)) {
+  const std::optional<Int128> product = productWithin(a, b);
+  if (!product) {
     failDecimalOverflow();
   }
-  return product;
+  return *product;
 }
 
 template <typename Operation>
@@ -146,11 +147,11 @@ void addToSum(const FunctionCallFrame& frame) {
   if (sum == nullptr) {
     throw std::bad_alloc();
   }
-  Int128 total = 0;
-  if (__builtin_add_overflow(sum->total(), frame.digits(0), &total)) {
+  const std::optional<Int128> total = sumWithin(sum->total(), frame.digits(0));
+  if (!total) {
     failDecimalOverflow();
   }
-  sum->setTotal(total);
+  sum->setTotal(*total);
   ++sum->count;
 }
 

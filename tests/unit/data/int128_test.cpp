@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 
 namespace azcoll {
@@ -77,6 +78,30 @@ TEST(PortableInt128, CalculatesWithSignsAsTheCompilersOwn) {
     ASSERT_EQ(x > y, p > q);
     ASSERT_DOUBLE_EQ(static_cast<double>(x), static_cast<double>(p));
   }
+}
+
+TEST(PortableInt128, NoticesSumsAndProductsThatDoNotFit) {
+  Numbers numbers;
+  int fitting = 0;
+  const auto agree = [&](const std::optional<portable::Int128>& got,
+                         const std::optional<SignedWide>& expected) {
+    ASSERT_EQ(got.has_value(), expected.has_value());
+    if (got) {
+      ++fitting;
+      ASSERT_TRUE(builtIn(*got) == *expected);
+    }
+  };
+  const Wide least = Wide{1} << 127U;
+  for (int round = 0; round < 20000; ++round) {
+    const Wide p = round % 50 == 0 ? least - static_cast<Wide>(round % 100 / 50) : numbers.next();
+    const Wide q = round % 70 == 0 ? Wide{0} - static_cast<Wide>(round % 140 / 70) : numbers.next();
+    const auto a = static_cast<SignedWide>(p);
+    const auto b = static_cast<SignedWide>(q);
+    agree(sumWithin(signedOf(p), signedOf(q)), sumWithin(a, b));
+    agree(productWithin(signedOf(p), signedOf(q)), productWithin(a, b));
+  }
+  EXPECT_GT(fitting, 10000);
+  EXPECT_LT(fitting, 40000);
 }
 
 TEST(PortableInt128, ShiftsByEveryCount) {

@@ -13,11 +13,11 @@ class Preamble : public ServiceTest {
  protected:
   /// Calls the method behind a table entry and drops its result.
   void call(const MethodEntry& method) const {
-    if (const auto* none = std::get_if<1>(&method.member)) {
+    if (const auto* none = std::get_if<0>(&method.member)) {
       (service.get()->**none)();
-    } else if (const auto* truth = std::get_if<2>(&method.member)) {
+    } else if (const auto* truth = std::get_if<1>(&method.member)) {
       EXPECT_FALSE((service.get()->**truth)()) << method.name;
-    } else if (const auto* text = std::get_if<3>(&method.member)) {
+    } else if (const auto* text = std::get_if<2>(&method.member)) {
       EXPECT_EQ((service.get()->**text)(), "") << method.name;
     }
   }
@@ -128,9 +128,6 @@ TEST_F(Preamble, TheMissingConnectionIsReportedBeforeTheMissingCompany) {
 TEST_F(Preamble, EveryMethodRefusesToWorkWithoutACompany) {
   for (const MethodEntry& method : kMethods) {
     for (const Variant& missing : {Variant{""}, Variant{kNull}, Variant{}}) {
-      if (!method.present()) {
-        continue;
-      }
       service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
       const auto given = giveConnection();
       given->rows = oneLink();

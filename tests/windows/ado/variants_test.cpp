@@ -157,6 +157,41 @@ TEST(AutomationValues, FollowsReferencesOfEveryKind) {
             Variant{"città"});
 }
 
+TEST(AutomationValues, FollowsAReferenceToWhateverItReads) {
+  const ScopedVariant number = toVariant(decimal("-12.50"));
+  const ScopedVariant text = toVariant("città 𝄞");
+  for (const ScopedVariant* const given : {&number, &text}) {
+    EXPECT_EQ(read(made(VT_BYREF | VT_VARIANT,
+                        [&](VARIANT& v) { v.pvarVal = const_cast<VARIANT*>(&given->value()); })),
+              read(*given));
+  }
+  DECIMAL amount = number.value().decVal;
+  EXPECT_EQ(read(made(VT_BYREF | VT_DECIMAL, [&](VARIANT& v) { v.pdecVal = &amount; })).text(),
+            "-12.50");
+  BSTR word = text.value().bstrVal;
+  EXPECT_EQ(read(made(VT_BYREF | VT_BSTR, [&](VARIANT& v) { v.pbstrVal = &word; })),
+            Variant{"città 𝄞"});
+  VARIANT_BOOL truth = VARIANT_TRUE;
+  EXPECT_EQ(read(made(VT_BYREF | VT_BOOL, [&](VARIANT& v) { v.pboolVal = &truth; })),
+            Variant{true});
+  SHORT small = -3;
+  EXPECT_EQ(read(made(VT_BYREF | VT_I2, [&](VARIANT& v) { v.piVal = &small; })),
+            Variant{std::int16_t{-3}});
+  LONGLONG large = 5'000'000'000;
+  EXPECT_EQ(read(made(VT_BYREF | VT_I8, [&](VARIANT& v) { v.pllVal = &large; })),
+            Variant{std::int64_t{5'000'000'000}});
+  FLOAT single = 0.1F;
+  EXPECT_EQ(read(made(VT_BYREF | VT_R4, [&](VARIANT& v) { v.pfltVal = &single; })), Variant{0.1});
+  DOUBLE twice = 0.5;
+  EXPECT_EQ(read(made(VT_BYREF | VT_R8, [&](VARIANT& v) { v.pdblVal = &twice; })), Variant{0.5});
+  BYTE byte = 200;
+  EXPECT_EQ(read(made(VT_BYREF | VT_UI1, [&](VARIANT& v) { v.pbVal = &byte; })),
+            Variant{std::int16_t{200}});
+  IDispatch* nobody = nullptr;
+  EXPECT_EQ(read(made(VT_BYREF | VT_DISPATCH, [&](VARIANT& v) { v.ppdispVal = &nobody; })).object(),
+            nullptr);
+}
+
 TEST(AutomationValues, RefusesErrorsMissingArgumentsAndArrays) {
   EXPECT_THROW(
       static_cast<void>(read(made(VT_ERROR, [](VARIANT& v) { v.scode = DISP_E_PARAMNOTFOUND; }))),
@@ -168,6 +203,14 @@ TEST(AutomationValues, RefusesErrorsMissingArgumentsAndArrays) {
     v.parray = SafeArrayCreate(VT_I4, 1, &bound);
   });
   EXPECT_THROW(static_cast<void>(read(array)), Error);
+  SAFEARRAY* behind = array.value().parray;
+  EXPECT_THROW(static_cast<void>(read(
+                   made(VT_BYREF | VT_ARRAY | VT_I4, [&](VARIANT& v) { v.pparray = &behind; }))),
+               Error);
+  SCODE code = E_FAIL;
+  EXPECT_THROW(
+      static_cast<void>(read(made(VT_BYREF | VT_ERROR, [&](VARIANT& v) { v.pscode = &code; }))),
+      Error);
 }
 
 TEST(AutomationValues, NothingIsTheNullObject) {

@@ -1,54 +1,15 @@
 // Calls through the registered library on the caller's own ADO objects.
 
-#include <cstdlib>
+#include "windows/calls.h"
+
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-#include "windows/client.h"
+#include "windows/watcher.h"
 
 namespace azcoll::test {
 namespace {
-
-/// The example database in a file of its own for each test: AZCOLL_TEST_DATABASE is copied.
-class CallsOfTheDll : public ::testing::Test {
- protected:
-  void SetUp() override {
-    const char* const original = std::getenv("AZCOLL_TEST_DATABASE");
-    ASSERT_NE(original, nullptr) << "tools/windows-tests.sh sets it";
-    file_ = std::string{original} + "." +
-            ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    ASSERT_TRUE(CopyFileA(original, file_.c_str(), FALSE));
-    caller.open(file_);
-    input.putRef(L"Connessione", caller.object());
-    input.put(L"AnnoSolare", 2025);
-    caller.clearRegister();
-  }
-  void TearDown() override {
-    input.putRef(L"Connessione", nullptr);
-    caller.connection().call(L"Close");
-    DeleteFileA(file_.c_str());
-  }
-
-  void duplicate(int company, int code) {
-    input.put(L"Pvar_Ditta", company);
-    input.put(L"Pvar_CliFor", code);
-    service.call(L"DuplicaCliFor");
-  }
-
-  /// The first column of the first row.
-  Variant single(const std::string& sql) {
-    ado::Dispatch rows{caller.connection().getObject(L"Execute", {sql})};
-    ado::Dispatch field{rows.getObject(L"Fields", {0})};
-    return read(field, L"Value");
-  }
-
-  std::string file_;
-  AdoCaller caller;
-  ado::Dispatch service = created(kService);
-  ado::Dispatch input{service.getObject(L"CPInput")};
-  ado::Dispatch output{service.getObject(L"CPOutput")};
-};
 
 TEST_F(CallsOfTheDll, SpreadACustomerOverTheGroup) {
   duplicate(5, 120);
@@ -83,11 +44,11 @@ TEST_F(CallsOfTheDll, AskTheProcedureThroughACommandWithTheOptionsOfTheContract)
   EXPECT_EQ(
       caller.calls({"Command.", "Recordset.ActiveConnection", "Recordset.Find"}),
       (std::vector<std::string>{
-          "Command.ActiveConnection set(Object)", "Command.CommandText let(PC_GetDitteCollegate)",
-          "Command.CommandType let(4)", "Command.CommandTimeout let(0)",
-          "Command.Prepared let(True)", "Command.Parameters()", "Command.Execute(out|-|4)",
-          "Command.ActiveConnection set(Nothing)", "Recordset.ActiveConnection set(Nothing)",
-          "Recordset.Find(PRINCIPALE = 1|0|1|1)"}));
+          "Command.ActiveConnection set(Connection)",
+          "Command.CommandText let(PC_GetDitteCollegate)", "Command.CommandType let(4)",
+          "Command.CommandTimeout let(0)", "Command.Prepared let(True)", "Command.Parameters()",
+          "Command.Execute(out|-|4)", "Command.ActiveConnection set(Nothing)",
+          "Recordset.ActiveConnection set(Nothing)", "Recordset.Find(PRINCIPALE = 1|0|1|1)"}));
 }
 
 TEST_F(CallsOfTheDll, OpenRecordsetsWithTheOptionsOfTheContract) {
@@ -97,7 +58,7 @@ TEST_F(CallsOfTheDll, OpenRecordsetsWithTheOptionsOfTheContract) {
       {"Recordset.ActiveConnection", "Recordset.Source", "Recordset.Cursor", "Recordset.Lock",
        "Recordset.Open", "Recordset.RecordCount", "Recordset.MoveFirst"});
   ASSERT_EQ(calls.size(), 8U);
-  EXPECT_EQ(calls[0], "Recordset.ActiveConnection set(Object)");
+  EXPECT_EQ(calls[0], "Recordset.ActiveConnection set(Connection)");
   EXPECT_TRUE(calls[1].starts_with("Recordset.Source let(SELECT CG86_DITTACOLL_CG18 AS DITTA"));
   EXPECT_EQ(calls[2], "Recordset.CursorLocation let(3)");
   EXPECT_EQ(calls[3], "Recordset.CursorType let(1)");
@@ -162,6 +123,50 @@ TEST_F(CallsOfTheDll, LetGoOfEveryObjectOfTheCaller) {
   output = ado::Dispatch{service.getObject(L"CPOutput")};
   EXPECT_EQ(caller.liveObjects(), 1);  // the caller's own connection
   input.putRef(L"Connessione", caller.object());
+}
+
+TEST_F(CallsOfTheDll, AskThePersonInFrontOfTheScreen) {
+  input.put(L"Pvar_Ditta", 5);
+  input.put(L"AnnoSolare", 2030);
+  Watcher watcher{IDNO};
+  EXPECT_FALSE(service.getFlag(L"ControllaDittaNonCollegata"));
+  EXPECT_EQ(read(service, L"Stato"), Variant{std::int16_t{0}});
+  EXPECT_TRUE(watcher.asksYesOrNo());
+  const std::string text = watcher.text();
+  EXPECT_TRUE(text.starts_with(
+      "L'azienda corrente gestisce l'esercizio delle multi attività su più aziende, ma non "
+      "esistono collegamenti per l'anno 2030."))
+      << text;
+  EXPECT_TRUE(text.ends_with("Si vuole procedere al collegamento?")) << text;
+}
+
+TEST_F(CallsOfTheDll, HandOverTheVeryRecordsetThatTheyOpened) {
+  input.put(L"Pvar_Ditta", 10);
+  service.call(L"RecordsetDitteCollegatePiuPrincipale");
+  ado::Dispatch rows{output.getObject(L"Grst_DitteCollegate")};
+  EXPECT_EQ(output.getObject(L"Grst_DitteCollegate").get(), rows.object().get());
+  EXPECT_GT(rows.getNumber(L"RecordCount"), 1);
+  EXPECT_EQ(rows.getNumber(L"CursorLocation"), 3);
+  EXPECT_EQ(rows.getNumber(L"CursorType"), 1);
+  EXPECT_EQ(rows.getNumber(L"LockType"), 4);
+  service = created(kService);
+  rows.call(L"MoveFirst");
+  ado::Dispatch field{rows.getObject(L"Fields", {"DITTA"})};
+  EXPECT_EQ(field.getNumber(L"Value"), 10) << "the caller's, when the service is gone";
+}
+
+TEST_F(CallsOfTheDll, TakeValuesGivenByReference) {
+  ado::ScopedVariant company = ado::toVariant(5);
+  ado::ScopedVariant reference;
+  reference.raw().vt = VT_BYREF | VT_VARIANT;
+  reference.raw().pvarVal = &company.raw();
+  DISPID assigned = DISPID_PROPERTYPUT;
+  DISPPARAMS parameters{&reference.raw(), &assigned, 1, 1};
+  constexpr DISPID kDitta = 3;
+  EXPECT_EQ(input.object()->Invoke(kDitta, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT,
+                                   &parameters, nullptr, nullptr, nullptr),
+            S_OK);
+  EXPECT_EQ(service.getText(L"GetDittaPrincipale"), "10");
 }
 
 }  // namespace

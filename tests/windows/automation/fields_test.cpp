@@ -133,20 +133,5 @@ TEST(ServiceOfTheDll, StartsWithStateZeroAndNoMessage) {
   EXPECT_TRUE(read(service, L"Errore").isEmpty());
 }
 
-TEST(ServiceOfTheDll, SaysWhichMethodsItDoesNotHave) {
-  ado::Dispatch service = created(kService);
-  for (const MethodEntry& method : kMethods) {
-    if (!method.present()) {
-      try {
-        service.get(ado::wideText(method.name));
-        ADD_FAILURE() << method.name;
-      } catch (const Error& error) {
-        EXPECT_EQ(error.description(),
-                  "Metodo non presente in questa versione: " + std::string{method.name});
-      }
-    }
-  }
-}
-
 }  // namespace
 }  // namespace azcoll::test

@@ -1,75 +1,39 @@
 // The services of Windows that the library asks for.
 
-#include <atomic>
 #include <gtest/gtest.h>
 #include <string>
-#include <thread>
 
-#include "ado/wide_text.h"
 #include "automation/windows_platform.h"
 #include "data/error.h"
+#include "windows/watcher.h"
 
 namespace azcoll::automation {
 namespace {
 
 constexpr int kYesNoQuestion = 36;
 
-/// Waits for this process's message box of that title, notes its text and gives an answer.
-class Watcher {
- public:
-  explicit Watcher(int answer) : thread_{[this, answer] { watch(answer); }} {}
-  Watcher(const Watcher&) = delete;
-  Watcher(Watcher&&) = delete;
-  Watcher& operator=(const Watcher&) = delete;
-  Watcher& operator=(Watcher&&) = delete;
-  ~Watcher() { join(); }
-
-  std::string text() {
-    join();
-    return text_;
-  }
-
- private:
-  void join() {
-    if (thread_.joinable()) {
-      thread_.join();
-    }
-  }
-  void watch(int answer) {
-    for (int round = 0; round < 500; ++round) {
-      HWND const box = FindWindowW(L"#32770", L"Richiesta");
-      DWORD process = 0;
-      GetWindowThreadProcessId(box, &process);
-      if (box != nullptr && process == GetCurrentProcessId()) {
-        std::wstring text(1000, L'\0');
-        constexpr int kTextOfABox = 0xFFFF;
-        text.resize(static_cast<std::size_t>(
-            GetWindowTextW(GetDlgItem(box, kTextOfABox), text.data(), 1000)));
-        text_ = ado::narrowText(text);
-        PostMessageW(box, WM_COMMAND, MAKEWPARAM(answer, 0), 0);
-        return;
-      }
-      Sleep(20);
-    }
-  }
-
-  std::string text_;
-  std::thread thread_;
-};
-
 TEST(WindowsPlatform, AsksWithAMessageBoxAndTakesYes) {
-  Watcher watcher{IDYES};
+  test::Watcher watcher{IDYES};
   WindowsPlatform platform;
   EXPECT_EQ(
       platform.messageBox("Configurare l’attività?\r\nÈ una prova.", kYesNoQuestion, "Richiesta"),
       Answer::Yes);
   EXPECT_NE(watcher.text().find("Configurare l’attività?"), std::string::npos) << watcher.text();
+  EXPECT_TRUE(watcher.asksYesOrNo());
 }
 
 TEST(WindowsPlatform, TakesNoForNo) {
-  Watcher watcher{IDNO};
+  test::Watcher watcher{IDNO};
   WindowsPlatform platform;
   EXPECT_EQ(platform.messageBox("Procedere?", kYesNoQuestion, "Richiesta"), Answer::No);
+}
+
+TEST(WindowsPlatform, TakesEveryOtherResultForNo) {
+  for (const int result : {IDCANCEL, IDOK, IDIGNORE}) {
+    test::Watcher watcher{result};
+    WindowsPlatform platform;
+    EXPECT_EQ(platform.messageBox("Procedere?", kYesNoQuestion, "Richiesta"), Answer::No);
+  }
 }
 
 TEST(WindowsPlatform, SaysWhichClassCannotBeCreated) {

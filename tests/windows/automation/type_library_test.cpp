@@ -177,6 +177,76 @@ TEST(TypeLibraryOfTheDll, AnObjectDoesNotAnswerAnotherClassesIdentifier) {
   }
 }
 
+struct Known {
+  std::string name;
+  std::string identifier;
+};
+
+/// What callers were compiled against: never to be changed, only to be added to.
+const std::vector<Known> kIdentifiers{
+    Known{"EnumTipoCF", "{92D416FD-1E23-43BB-AB49-210204C49289}"},
+    Known{"EnumTipoMsgAziendeColl", "{DE757D5F-3BFD-4AF8-B0C2-7BD5B299FD11}"},
+    Known{"EnumTipoCollegamentoCG86", "{A83DE29A-D6A6-4C80-A9E5-FC5019379CCF}"},
+    Known{"_CLSCO_INPUTAZCOLL", "{EEA125E5-C35D-4A16-9A49-0591D5F6241D}"},
+    Known{"_CLSCO_OUTPUTAZCOLL", "{73B9AE36-CF82-4DEA-B930-0E8A6A41D3C4}"},
+    Known{"_CLSCO_AZIENDECOLL", "{01C15948-420E-4A97-A341-E57F40D8EE7B}"},
+    Known{"CLSCO_AZIENDECOLL_v1", "{03D27F87-B59D-4313-856E-F8D2A620EB44}"},
+    Known{"CLSCO_AZIENDECOLL_v2", "{CF957441-8917-4C7E-B50F-5D0416832786}"},
+    Known{"CLSCO_AZIENDECOLL_v3", "{1E516D3D-79ED-4CAB-AA98-D19E485F1999}"},
+    Known{"CLSCO_AZIENDECOLL_v4", "{C61C64E5-0363-45F5-B59C-40DB1AA51F75}"},
+    Known{"CLSCO_AZIENDECOLL_v5", "{FE83A651-383E-4633-B183-895DFAF5BEB9}"},
+    Known{"CLSCO_AZIENDECOLL_v6", "{000C8AB6-B02D-4D65-A72D-1D663B6F0B69}"},
+    Known{"CLSCO_AZIENDECOLL_v7", "{2FDA5160-8634-4D82-A5FE-FD0234808B61}"},
+    Known{"CLSCO_AZIENDECOLL_v8", "{ED44814E-C475-499F-8AE0-D0B3810146BF}"},
+    Known{"CLSCO_AZIENDECOLL_v9", "{AD8CE8D3-BDD9-4EF3-9349-7173EEB0BA38}"},
+    Known{"CLSCO_AZIENDECOLL_v10", "{EFB42DEF-8556-4C22-A4AF-D1AC132270D8}"},
+    Known{"CLSCO_AZIENDECOLL_v11", "{5FBF750F-1653-4847-B59C-387A53FE1663}"},
+    Known{"CLSCO_INPUTAZCOLL_v1", "{D97EDC0A-E5EB-4206-B5AC-D66D7EA31458}"},
+    Known{"CLSCO_INPUTAZCOLL_v2", "{1DF348CC-4770-4443-AAEF-E68775A9B1A7}"},
+    Known{"CLSCO_INPUTAZCOLL_v3", "{7AC023C9-9A4D-4FB5-B140-40D324031DC2}"},
+    Known{"CLSCO_INPUTAZCOLL_v4", "{E806FEE8-7A2F-4E12-A947-02D34FC71A9C}"},
+    Known{"CLSCO_INPUTAZCOLL_v5", "{21F4C113-3438-4D80-A54C-D6CB2E487A96}"},
+    Known{"CLSCO_INPUTAZCOLL_v6", "{A79B4C51-31F8-49CE-AA45-AD201FAFE273}"},
+    Known{"CLSCO_INPUTAZCOLL_v7", "{A90F9719-D1B6-496D-8ABE-6C17516E03F7}"},
+    Known{"CLSCO_INPUTAZCOLL_v8", "{A86B0C30-CB1F-46E2-A397-399B4D03CE81}"},
+    Known{"CLSCO_INPUTAZCOLL_v9", "{87916DBE-3947-46BA-8ED2-81E8048EB55A}"},
+    Known{"CLSCO_INPUTAZCOLL_v10", "{3E8DCCD7-BAE0-4C43-B9F9-C4E0342C8471}"},
+    Known{"CLSCO_INPUTAZCOLL_v11", "{BD7E2DD5-370F-4C3B-8A63-1F4F21DA7D0C}"},
+    Known{"CLSCO_OUTPUTAZCOLL_v1", "{818559CD-3D43-4F1E-8123-16B388635592}"},
+    Known{"CLSCO_OUTPUTAZCOLL_v2", "{FBDDFF43-E94C-4919-99EF-6985AD31B8C9}"},
+    Known{"CLSCO_OUTPUTAZCOLL_v3", "{973C65B8-5167-4EC9-86D9-7D90E16F2C0F}"},
+    Known{"CLSCO_AZIENDECOLL", "{C2409E04-A6BF-4C25-BF29-F41F74A4E3DE}"},
+    Known{"CLSCO_INPUTAZCOLL", "{0D085CC9-1598-49A8-BB7E-13892BDE8847}"},
+    Known{"CLSCO_OUTPUTAZCOLL", "{44777FA0-35FB-41E7-B8B8-0AFFE0C457FE}"},
+};
+
+std::string textOf(REFGUID identifier) {
+  wchar_t text[40]{};
+  StringFromGUID2(identifier, text, 40);
+  return ado::narrowText(text);
+}
+
+TEST(TypeLibraryOfTheDll, KeepsEveryIdentifierThatWasEverGivenOut) {
+  const ComPtr<ITypeLib> all = library();
+  TLIBATTR* attributes = nullptr;
+  ASSERT_EQ(all->GetLibAttr(&attributes), S_OK);
+  EXPECT_EQ(textOf(attributes->guid), "{78587500-948A-496B-A647-F65021C5C09F}");
+  EXPECT_EQ(attributes->wMajorVerNum, 1);
+  EXPECT_EQ(attributes->wMinorVerNum, 0);
+  all->ReleaseTLibAttr(attributes);
+  for (const Known& known : kIdentifiers) {
+    CLSID identifier{};
+    CLSIDFromString(ado::wideText(known.identifier).c_str(), &identifier);
+    ComPtr<ITypeInfo> info;
+    ASSERT_EQ(all->GetTypeInfoOfGuid(identifier, info.receive()), S_OK) << known.name;
+    BSTR name = nullptr;
+    EXPECT_EQ(info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(ado::textOf(name), known.name);
+    SysFreeString(name);
+  }
+  EXPECT_EQ(all->GetTypeInfoCount(), kIdentifiers.size());
+}
+
 TEST(TypeLibraryOfTheDll, HasTheEnumerations) {
   const ComPtr<ITypeLib> all = library();
   for (const EnumMember& member : kEnumMembers) {

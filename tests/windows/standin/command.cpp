@@ -8,7 +8,9 @@ namespace {
 class StandInParameter final : public LateObject {
  public:
   StandInParameter(std::shared_ptr<Command> command, Parameter& parameter)
-      : LateObject{"Parameter"}, command_{std::move(command)}, parameter_{parameter} {
+      : LateObject{"Parameter " + parameter.name()},
+        command_{std::move(command)},
+        parameter_{parameter} {
     setMembers({{L"Value",
                  [this](const CallArguments& arguments) {
                    if (!arguments.assigns()) {

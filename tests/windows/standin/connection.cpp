@@ -52,8 +52,10 @@ std::string registerText() {
 
 }  // namespace
 
-StandInConnection::StandInConnection()
-    : LateObject{"Connection"}, inner_{embedded::newConnection()} {
+StandInConnection::StandInConnection() : StandInConnection{embedded::newConnection()} {}
+
+StandInConnection::StandInConnection(std::shared_ptr<Connection> inner)
+    : LateObject{"Connection"}, inner_{std::move(inner)} {
   Members members = properties();
   for (LateMember& method : methods()) {
     members.push_back(std::move(method));
@@ -68,9 +70,6 @@ StandInConnection& StandInConnection::from(IDispatch* object) {
   }
   return *connection;
 }
-
-// The engine keeps its own error collection.
-void StandInConnection::noteFailure(const std::string&) {}
 
 LateObject::Members StandInConnection::properties() {
   return {{L"ConnectionString",
@@ -108,7 +107,7 @@ LateObject::Members StandInConnection::properties() {
              return nothing();
            }},
           {L"OggettiVivi",
-           [](const auto&) { return result(static_cast<std::int32_t>(liveObjects())); }}};
+           [](const auto&) { return result(static_cast<std::int32_t>(liveObjects().size())); }}};
 }
 
 LateObject::Members StandInConnection::methods() {

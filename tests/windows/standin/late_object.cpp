@@ -1,5 +1,6 @@
 #include "windows/standin/late_object.h"
 
+#include <algorithm>
 #include <cwchar>
 
 #include "ado/variants.h"
@@ -13,6 +14,13 @@ namespace {
 constexpr HRESULT kOwnFailure = static_cast<HRESULT>(0x800A0BB9);
 constexpr HRESULT kProviderFailure = static_cast<HRESULT>(0x80040E14);
 
+std::string kindOf(const IDispatch* object) {
+  if (object == nullptr) {
+    return "Nothing";
+  }
+  return liveObjects().contains(object) ? static_cast<const LateObject*>(object)->kind() : "Object";
+}
+
 }  // namespace
 
 std::vector<std::string>& callRegister() {
@@ -20,9 +28,10 @@ std::vector<std::string>& callRegister() {
   return calls;
 }
 
-std::atomic<long>& liveObjects() {
-  static std::atomic<long> count{0};
-  return count;
+std::set<const IDispatch*>& liveObjects() {
+  // Never destroyed: some objects end after everything else.
+  static auto* const objects = new std::set<const IDispatch*>;
+  return *objects;
 }
 
 VARIANT* CallArguments::at(std::size_t index) const {
@@ -87,7 +96,7 @@ std::string CallArguments::shown() const {
     if (given == nullptr) {
       all += "-";
     } else if (given->vt == VT_DISPATCH) {
-      all += given->pdispVal == nullptr ? "Nothing" : "Object";
+      all += kindOf(given->pdispVal);
     } else if ((given->vt & VT_BYREF) != 0) {
       all += "out";
     } else if (given->vt == VT_NULL) {
@@ -96,12 +105,15 @@ std::string CallArguments::shown() const {
       ado::fromVariant(*given).appendTo(all);
     }
   }
+  // One call, one line.
+  std::ranges::replace_if(
+      all, [](char c) { return c == '\r' || c == '\n'; }, ' ');
   return all;
 }
 
-LateObject::LateObject(const char* kind) : kind_{kind} { ++liveObjects(); }
+LateObject::LateObject(std::string kind) : kind_{std::move(kind)} { liveObjects().insert(this); }
 
-LateObject::~LateObject() { --liveObjects(); }
+LateObject::~LateObject() { liveObjects().erase(this); }
 
 HRESULT LateObject::QueryInterface(REFIID identifier, void** result) {
   if (!IsEqualGUID(identifier, IID_IUnknown) && !IsEqualGUID(identifier, IID_IDispatch)) {
@@ -128,8 +140,15 @@ HRESULT LateObject::GetTypeInfoCount(UINT* count) {
 
 HRESULT LateObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* identifiers) {
   for (std::size_t index = 0; count == 1 && index < members_.size(); ++index) {
-    if (_wcsicmp(names[0], members_[index].name) == 0) {
+    if (_wcsicmp(names[0], members_[index].name.c_str()) == 0) {
       *identifiers = static_cast<DISPID>(index + 1);
+      return S_OK;
+    }
+  }
+  if (count == 1) {
+    if (std::optional<LateMember> further = furtherMember(names[0])) {
+      members_.push_back(std::move(*further));
+      *identifiers = static_cast<DISPID>(members_.size());
       return S_OK;
     }
   }
@@ -142,13 +161,13 @@ HRESULT LateObject::Invoke(DISPID identifier, REFIID, LCID, WORD flags, DISPPARA
   if (index < 1 || index > members_.size()) {
     return DISP_E_MEMBERNOTFOUND;
   }
-  const LateMember& member = members_[index - 1];
+  const LateMember member = members_[index - 1];  // a copy: the object may end during the call
   const CallArguments arguments{*parameters, flags};
   HRESULT code = S_OK;
   std::string description;
   try {
     const bool reference = (flags & DISPATCH_PROPERTYPUTREF) != 0;
-    callRegister().push_back(std::string{kind_} + "." + ado::narrowText(member.name) +
+    callRegister().push_back(kind_ + "." + ado::narrowText(member.name) +
                              (reference             ? " set("
                               : arguments.assigns() ? " let("
                                                     : "(") +
@@ -161,9 +180,6 @@ HRESULT LateObject::Invoke(DISPID identifier, REFIID, LCID, WORD flags, DISPPARA
   } catch (const Error& error) {
     description = error.description();
     code = error.fromProvider() ? kProviderFailure : kOwnFailure;
-    if (error.fromProvider()) {
-      noteFailure(description);
-    }
   } catch (const std::exception& error) {
     description = error.what();
     code = kOwnFailure;

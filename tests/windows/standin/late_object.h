@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,7 @@ class CallArguments {
 
 /// One member: called, read or assigned.
 struct LateMember {
-  const wchar_t* name;
+  std::wstring name;
   std::function<ado::ScopedVariant(const CallArguments&)> run;
 };
 
@@ -51,11 +52,13 @@ struct LateMember {
 /// entered into the register before it runs; failures come back as ADO's do.
 class LateObject : public IDispatch {
  public:
-  explicit LateObject(const char* kind);
+  explicit LateObject(std::string kind);
   LateObject(const LateObject&) = delete;
   LateObject(LateObject&&) = delete;
   LateObject& operator=(const LateObject&) = delete;
   LateObject& operator=(LateObject&&) = delete;
+
+  [[nodiscard]] const std::string& kind() const { return kind_; }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID identifier, void** result) override;
   ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
@@ -74,18 +77,20 @@ class LateObject : public IDispatch {
   using Members = std::vector<LateMember>;
   /// The first member is also the default one.
   void setMembers(Members members) { members_ = std::move(members); }
-  /// Called with a failure that the database reported, before it goes out.
-  virtual void noteFailure(const std::string& /*description*/) {}
+  /// A member that is not in the list, for objects whose members come as they are asked for.
+  [[nodiscard]] virtual std::optional<LateMember> furtherMember(const std::wstring& /*name*/) {
+    return std::nullopt;
+  }
 
  private:
-  const char* kind_;
+  std::string kind_;
   Members members_;
   std::atomic<ULONG> references_{1};
 };
 
-/// The register of all calls, and how many stand-ins are alive.
+/// The register of all calls, and the stand-ins that are alive.
 std::vector<std::string>& callRegister();
-std::atomic<long>& liveObjects();
+std::set<const IDispatch*>& liveObjects();
 
 /// Results of members.
 [[nodiscard]] ado::ScopedVariant nothing();

@@ -13,12 +13,11 @@ namespace azcoll::test {
 class StandInConnection final : public LateObject {
  public:
   StandInConnection();
+  /// Over a connection of the tests, whatever it is.
+  explicit StandInConnection(std::shared_ptr<Connection> inner);
   [[nodiscard]] const std::shared_ptr<Connection>& inner() const { return inner_; }
   /// The stand-in behind an automation object; throws `Error` when there is none.
   static StandInConnection& from(IDispatch* object);
-
- protected:
-  void noteFailure(const std::string& description) override;
 
  private:
   [[nodiscard]] Members properties();

@@ -9,7 +9,7 @@ namespace {
 class StandInField final : public LateObject {
  public:
   StandInField(std::shared_ptr<Recordset> rows, Field& field)
-      : LateObject{"Field"}, rows_{std::move(rows)}, field_{field} {
+      : LateObject{"Field " + field.name()}, rows_{std::move(rows)}, field_{field} {
     setMembers({{L"Value",
                  [this](const CallArguments& arguments) {
                    if (!arguments.assigns()) {
@@ -100,26 +100,33 @@ void StandInRecordset::setConnection(IDispatch* connection) {
   }
 }
 
+// What was set before stays for the engine's recordset to settle, as ADO's own settles it.
 void StandInRecordset::open(const CallArguments& arguments) {
-  if (arguments.at(0) != nullptr) {
-    source_ = arguments.text(0);
-  }
-  if (arguments.at(1) != nullptr) {
+  const auto cursor = static_cast<CursorType>(arguments.number(2, -1));
+  const auto lock = static_cast<LockType>(arguments.number(3, -1));
+  const auto options = static_cast<CommandOption>(arguments.number(4, -1));
+  const bool given = arguments.at(1) != nullptr;
+  if (given) {
     connection_ = ado::ComPtr<IDispatch>::share(arguments.object(1));
   }
   if (!connection_) {
     throw Error(std::string{messages::kNoConnection});
   }
-  const auto given = [&arguments](std::size_t index, int kept) {
-    const int value = arguments.number(index, -1);
-    return value == -1 ? kept : value;
-  };
-  cursor_ = static_cast<CursorType>(given(2, static_cast<int>(cursor_)));
-  lock_ = static_cast<LockType>(given(3, static_cast<int>(lock_)));
   const std::shared_ptr<Connection>& inner = StandInConnection::from(connection_.get()).inner();
   std::shared_ptr<Recordset> rows = inner->newRecordset();
   rows->setCursorLocation(location_);
-  rows->open(source_, inner, cursor_, lock_, static_cast<CommandOption>(arguments.number(4, -1)));
+  rows->setCursorType(cursor_);
+  rows->setLockType(lock_);
+  if (arguments.at(0) != nullptr) {
+    source_ = arguments.text(0);
+  }
+  if (given) {
+    rows->open(source_, inner, cursor, lock, options);
+  } else {
+    rows->setActiveConnection(inner);
+    rows->setSource(source_);
+    rows->open(cursor, lock, options);
+  }
   rows_ = std::move(rows);
 }
 
