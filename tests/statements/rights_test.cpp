@@ -189,7 +189,6 @@ void call(Recorder& recorder, const MethodEntry& method, int company, int year, 
 Rights rightsOfAllMethods() {
   Rights all;
   for (const MethodEntry& method : kMethods) {
-    EXPECT_TRUE(method.present()) << method.name;
     Recorder recorder;
     for (const int company : {5, 10, 12, 15, 20, 30, 31, 40}) {
       for (const int year : {2024, 2025, 2026}) {

@@ -36,7 +36,8 @@ TEST_F(YearDuplication, TheYearToDuplicateIsRequired) {
 }
 
 TEST_F(YearDuplication, TheTargetYearIsRequired) {
-  // A year 0 is refused here and not taken for the current year, whose activities would be replaced.
+  // A year 0 is refused here and not taken for the current year, whose activities would be
+  // replaced.
   service.CPInput->DataInizioElaborazione = Date{.year = 2024, .month = 7, .day = 1};
   for (const Variant& year : {Variant{std::int32_t{-3}}, Variant{std::int16_t{0}}, Variant{"0"}}) {
     service.CPInput->AnnoSolare = year;
