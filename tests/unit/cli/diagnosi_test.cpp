@@ -29,7 +29,7 @@ TEST(ExpectedSchema, HoldsWhatTheScriptsDefine) {
   const SchemaTable* const links = schema.table("cg86_aziendecoll");
   ASSERT_NE(links, nullptr);
   EXPECT_TRUE(links->columns.front().identity);
-  EXPECT_THAT(links->definitions, SizeIs(5));  // with its four indexes
+  EXPECT_THAT(links->definitions, SizeIs(6));  // with its five indexes
   EXPECT_THAT(links->definitions.back(),
               StartsWith("CREATE INDEX IX_CG86_DITTACOLL ON CG86_AZIENDECOLL"));
   const SchemaRoutine* const procedure = schema.routine("PC_GetDitteCollegate");
