@@ -26,11 +26,13 @@ fail() { printf '%s\n' "$*" >&2; exit 1; }
 # The server stays up between the programs, away from our pipes: who waits for them would wait for it.
 start_wine() {
   mkdir -p "$WINEPREFIX"
-  "$server" -p </dev/null >/dev/null 2>&1
-  [ -f "$WINEPREFIX/system.reg" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
-  # Windows exist without a display, so that a message box waits for its answer.
+  # Windows exist without a display, so that a message box waits for its answer. A desktop that runs
+  # has made up its mind about that, so this one ends.
   "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /t REG_SZ /d null /f \
     </dev/null >/dev/null 2>&1
+  "$server" -k || true
+  "$server" -w
+  "$server" -p </dev/null >/dev/null 2>&1
 }
 
 registered() { "$wine" reg query 'HKCR\AZCOLLSRV.CLSCO_AZIENDECOLL\CLSID' >/dev/null 2>&1; }
