@@ -174,10 +174,10 @@ std::optional<Decimal> Decimal::parse(std::string_view text) {
     }
     anyDigit = true;
     scale += afterPoint ? 1 : 0;
-    value = value * 10 + static_cast<unsigned>(character - '0');
-    if (value >= kLimit || scale > kMaxDigits) {
-      return std::nullopt;
+    if (value >= kLimit / 10 || scale > kMaxDigits) {
+      return std::nullopt;  // before it is multiplied: 39 digits may not fit
     }
+    value = value * 10 + static_cast<unsigned>(character - '0');
   }
   return anyDigit ? make(negative, value, scale) : std::nullopt;
 }

@@ -61,6 +61,17 @@ TEST(Decimal, HoldsThirtyEightDigitsAndNoMore) {
   EXPECT_EQ(number(std::string(100000, '0') + "1").text(), "1");
 }
 
+TEST(Decimal, RefusesThirtyNineDigitsWhateverTheyAre) {
+  // Ten times this, cut to 128 bits, is a number of 38 digits again.
+  const std::string digits = "68547700000000000000014471134863163078";
+  EXPECT_TRUE(Decimal::parse(digits).has_value());
+  for (const char last : {'0', '1', '7', '9'}) {
+    EXPECT_EQ(Decimal::parse(digits + last), std::nullopt) << last;
+    EXPECT_EQ(Decimal::parse("-" + digits + last), std::nullopt) << last;
+    EXPECT_EQ(Decimal::parse(digits + "." + last), std::nullopt) << last;
+  }
+}
+
 TEST(Decimal, ChecksTheBoundsOfItsParts) {
   const Int128 largest = number(kLargest).unscaled();
   EXPECT_TRUE(Decimal::fromUnscaled(largest, 38).has_value());
