@@ -20,7 +20,7 @@ inline constexpr std::array<std::wstring_view, 3> kClassNames{
 class Classes {
  public:
   Classes();
-  [[nodiscard]] const TypeLibrary& library() const { return library_; }
+  [[nodiscard]] const TypeLibrary& typeLibrary() const { return library_; }
   [[nodiscard]] const ClassInfo& info(ClassIndex index) const {
     return infos_[static_cast<std::size_t>(index)];
   }

@@ -65,7 +65,7 @@ void planInterface(Plan& plan, ClassIndex index, REFIID identifier, const std::w
 std::wstring libraryKey(const std::wstring& library) { return L"TypeLib\\" + library; }
 
 Plan planFor(const Classes& known) {
-  const std::wstring library = textOf(known.library().identifier());
+  const std::wstring library = textOf(known.typeLibrary().identifier());
   Plan plan;
   for (const ClassIndex index : {ClassIndex::Service, ClassIndex::Input, ClassIndex::Output}) {
     const ClassInfo& info = known.info(index);
@@ -135,7 +135,7 @@ LSTATUS removeAll(const ClassesRoot& root, const Classes& known) {
     note(root.remove(key));
   }
   // The entry of the type library is shared by both word sizes.
-  const std::wstring library = libraryKey(textOf(known.library().identifier()));
+  const std::wstring library = libraryKey(textOf(known.typeLibrary().identifier()));
   const std::wstring places = library + L"\\" + kVersion + L"\\0";
   note(root.remove(places + L"\\" + kWordSize));
   if (!root.has(places + L"\\win32") && !root.has(places + L"\\win64")) {

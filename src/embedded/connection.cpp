@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "data/error.h"
-#include "embedded/command.h"
 #include "embedded/embedded_connection.h"
 #include "embedded/sql_error.h"
 #include "tsql/parser.h"
@@ -129,7 +128,7 @@ std::shared_ptr<Recordset> EmbeddedConnection::execute(std::string_view commandT
                                                        CommandOption options) {
   if (options == CommandOption::StoredProcedure) {
     const auto routine = findProcedure(commandText);
-    std::vector<std::optional<Variant>> values(routine->parameters.size());
+    std::vector<Variant> values(routine->parameters.size());
     return callProcedure(*routine, values, recordsAffected, timeoutSeconds_);
   }
   ExecutionResult result = run(commandText);
@@ -142,9 +141,20 @@ std::shared_ptr<const Routine> EmbeddedConnection::findProcedure(std::string_vie
   return recorded(name, [&] { return engine.findProcedure(name); });
 }
 
-std::shared_ptr<Recordset> EmbeddedConnection::callProcedure(
-    const Routine& routine, std::vector<std::optional<Variant>>& values,
-    std::int64_t& recordsAffected, int timeoutSeconds) {
+std::vector<cursor::ProcedureParameter> EmbeddedConnection::parametersOf(const Routine& routine) {
+  std::vector<cursor::ProcedureParameter> parameters;
+  parameters.reserve(routine.parameters.size());
+  for (const RoutineParameter& each : routine.parameters) {
+    parameters.push_back(
+        {each.name, each.output ? ParameterDirection::InputOutput : ParameterDirection::Input});
+  }
+  return parameters;
+}
+
+std::shared_ptr<Recordset> EmbeddedConnection::callProcedure(const Routine& routine,
+                                                             std::vector<Variant>& values,
+                                                             std::int64_t& recordsAffected,
+                                                             int timeoutSeconds) {
   Engine& engine = this->engine();
   engine.setTimeout(timeoutSeconds);
   try {
@@ -175,6 +185,8 @@ void EmbeddedConnection::rollbackTrans() {
 
 std::shared_ptr<Recordset> EmbeddedConnection::newRecordset() { return newClientCursor(); }
 
-std::shared_ptr<Command> EmbeddedConnection::newCommand() { return newEmbeddedCommand(); }
+std::shared_ptr<Command> EmbeddedConnection::newCommand() {
+  return std::make_shared<cursor::ClientCommand<EmbeddedConnection>>();
+}
 
 }  // namespace azcoll::embedded

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "cursor/client_command.h"
 #include "cursor/client_cursor.h"
 #include "data/connection.h"
 #include "data/error_list.h"
@@ -40,11 +40,14 @@ class EmbeddedConnection final : public Connection,
   ExecutionResult run(std::string_view text) override;
   std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override;
 
-  /// For the commands of this connection.
+  // For the commands of this connection.
   [[nodiscard]] std::shared_ptr<const Routine> findProcedure(std::string_view name);
-  [[nodiscard]] std::shared_ptr<Recordset> callProcedure(
-      const Routine& routine, std::vector<std::optional<Variant>>& values,
-      std::int64_t& recordsAffected, int timeoutSeconds);
+  [[nodiscard]] static std::vector<cursor::ProcedureParameter> parametersOf(const Routine& routine);
+  /// A parameter whose value is Empty is not passed: its default counts.
+  [[nodiscard]] std::shared_ptr<Recordset> callProcedure(const Routine& routine,
+                                                         std::vector<Variant>& values,
+                                                         std::int64_t& recordsAffected,
+                                                         int timeoutSeconds);
 
   /// See `storedDefinitions`.
   [[nodiscard]] std::vector<std::string> definitions();

@@ -269,7 +269,7 @@ std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
   return plan;
 }
 
-ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<Variant>>& values) {
+ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& values) {
   return translated([&] {
     if (!inTransaction()) {
       refreshCatalogue();
@@ -288,8 +288,8 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<std::optional<V
     BatchRunner runner(*this, *plan, result);
     std::vector<std::optional<Value>> arguments(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
-      if (values[i]) {
-        arguments[i] = valueFromVariant(*values[i], routine.parameters[i].type, Conversion::Cut);
+      if (!values[i].isEmpty()) {
+        arguments[i] = valueFromVariant(values[i], routine.parameters[i].type, Conversion::Cut);
       }
     }
     runner.runProcedure(routine, arguments);

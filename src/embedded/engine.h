@@ -40,10 +40,9 @@ class Engine {
   [[nodiscard]] ExecutionResult run(std::string_view text);
   /// Runs a text whose `?` markers take `parameters`.
   [[nodiscard]] ExecutionResult run(std::string_view text, const std::vector<Variant>& parameters);
-  /// Calls a procedure; `values` holds one value for each parameter (nothing: its default) and
+  /// Calls a procedure; `values` holds one value for each parameter (Empty: its default) and
   /// takes those of the output parameters.
-  [[nodiscard]] ExecutionResult call(const Routine& routine,
-                                     std::vector<std::optional<Variant>>& values);
+  [[nodiscard]] ExecutionResult call(const Routine& routine, std::vector<Variant>& values);
   /// The procedure of this name; throws `SqlError` 2812.
   [[nodiscard]] std::shared_ptr<const Routine> findProcedure(std::string_view name);
 

@@ -6,7 +6,6 @@
 #include "data/error.h"
 #include "data/messages.h"
 #include "odbc/base_columns.h"
-#include "odbc/command.h"
 #include "odbc/execution.h"
 #include "odbc/odbc_connection.h"
 #include "odbc/procedures.h"
@@ -165,22 +164,37 @@ std::shared_ptr<Recordset> OdbcConnection::execute(std::string_view commandText,
                                                    CommandOption options) {
   if (options == CommandOption::StoredProcedure) {
     std::vector<Variant> none;
-    return callProcedure(commandText, {}, none, recordsAffected, timeoutSeconds_);
+    const Procedure procedure{.name = std::string{commandText}, .parameters = {}};
+    return callProcedure(procedure, none, recordsAffected, timeoutSeconds_);
   }
   ExecutionResult result = run(commandText);
   recordsAffected = result.recordsAffected;
   return handOut(std::move(result));
 }
 
-std::vector<DeclaredParameter> OdbcConnection::describeProcedure(std::string_view name) {
+std::shared_ptr<const Procedure> OdbcConnection::findProcedure(std::string_view name) {
   Session& session = this->session();
-  return recorded(name, [&] { return declaredParameters(session, name, timeoutSeconds_); });
+  return recorded(name, [&] {
+    return std::make_shared<const Procedure>(
+        Procedure{std::string{name}, declaredParameters(session, name, timeoutSeconds_)});
+  });
 }
 
-std::shared_ptr<Recordset> OdbcConnection::callProcedure(
-    std::string_view name, const std::vector<DeclaredParameter>& declared,
-    std::vector<Variant>& values, std::int64_t& recordsAffected, int timeoutSeconds) {
-  const std::string text = callText(name, declared.size());
+std::vector<cursor::ProcedureParameter> OdbcConnection::parametersOf(const Procedure& procedure) {
+  std::vector<cursor::ProcedureParameter> parameters;
+  parameters.reserve(procedure.parameters.size());
+  for (const DeclaredParameter& each : procedure.parameters) {
+    parameters.push_back({each.name, each.direction});
+  }
+  return parameters;
+}
+
+std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& procedure,
+                                                         std::vector<Variant>& values,
+                                                         std::int64_t& recordsAffected,
+                                                         int timeoutSeconds) {
+  const std::vector<DeclaredParameter>& declared = procedure.parameters;
+  const std::string text = callText(procedure.name, declared.size());
   catalogue_.forget();  // a procedure may do anything
   std::vector<BoundParameter> bound;
   bound.reserve(declared.size());
@@ -226,6 +240,8 @@ void OdbcConnection::rollbackTrans() {
 
 std::shared_ptr<Recordset> OdbcConnection::newRecordset() { return newClientCursor(); }
 
-std::shared_ptr<Command> OdbcConnection::newCommand() { return newOdbcCommand(); }
+std::shared_ptr<Command> OdbcConnection::newCommand() {
+  return std::make_shared<cursor::ClientCommand<OdbcConnection>>();
+}
 
 }  // namespace azcoll::odbc

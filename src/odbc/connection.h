@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cursor/client_command.h"
 #include "cursor/client_cursor.h"
 #include "data/connection.h"
 #include "data/error_list.h"
@@ -16,6 +17,12 @@
 #include "odbc/session.h"
 
 namespace azcoll::odbc {
+
+/// A procedure by the name that it is called by, with what the server says of its parameters.
+struct Procedure {
+  std::string name;
+  std::vector<DeclaredParameter> parameters;
+};
 
 /// The connection that callers hold: a session of the driver manager behind the contract of the
 /// data layer. Every failure of the driver is recorded in `errors()`, without passwords.
@@ -48,11 +55,10 @@ class OdbcConnection final : public Connection,
                                                std::size_t count);
 
   // For the commands of this connection.
-  [[nodiscard]] std::vector<DeclaredParameter> describeProcedure(std::string_view name);
-  /// Calls a procedure; `values` has one value per declared parameter and receives the outputs.
-  std::shared_ptr<Recordset> callProcedure(std::string_view name,
-                                           const std::vector<DeclaredParameter>& declared,
-                                           std::vector<Variant>& values,
+  [[nodiscard]] std::shared_ptr<const Procedure> findProcedure(std::string_view name);
+  [[nodiscard]] static std::vector<cursor::ProcedureParameter> parametersOf(
+      const Procedure& procedure);
+  std::shared_ptr<Recordset> callProcedure(const Procedure& procedure, std::vector<Variant>& values,
                                            std::int64_t& recordsAffected, int timeoutSeconds);
 
  private:

@@ -8,7 +8,7 @@
 
 #include "platform/provider_factory.h"
 #include "providers/postgres_server.h"
-#include "providers/scratch.h"
+#include "support/scratch_folder.h"
 #include "support/server_database.h"
 
 namespace azcoll::test {

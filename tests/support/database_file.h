@@ -1,42 +1,16 @@
 #pragma once
 
-#include <atomic>
-#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
-#include <unistd.h>
 
 #include "embedded/functions.h"
 #include "support/picture.h"
+#include "support/scratch_folder.h"
 #include "support/test_database.h"
 
 /// Databases of the embedded engine in files, for the tests that need more than one process.
 namespace azcoll::test {
-
-/// A folder of this process's own below the system's folder for such things, removed at the end.
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    static std::atomic<int> count = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            join("azcoll-test-", static_cast<std::int64_t>(::getpid()), "-", ++count);
-    std::filesystem::create_directories(path_);
-  }
-  ScratchFolder(const ScratchFolder&) = delete;
-  ScratchFolder(ScratchFolder&&) = delete;
-  ScratchFolder& operator=(const ScratchFolder&) = delete;
-  ScratchFolder& operator=(ScratchFolder&&) = delete;
-  ~ScratchFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-
-  [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// An open connection to a database file; `more` is added to the connection string.
 inline std::shared_ptr<Connection> openFile(const std::string& path, const std::string& more = "") {

@@ -1,21 +1,20 @@
 #pragma once
 
+#include <atomic>
 #include <filesystem>
-#include <stdexcept>
-#include <stdlib.h>
 #include <string>
+#include <unistd.h>
 
 namespace azcoll::test {
 
-/// A folder of this process's own, removed at the end.
+/// A folder of this process's own below the system's folder for such things, removed at the end.
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "azcoll-odbc-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
-      throw std::runtime_error{"no scratch folder"};
-    }
-    path_ = pattern;
+    static std::atomic<int> count = 0;
+    path_ = std::filesystem::temp_directory_path() /
+            ("azcoll-test-" + std::to_string(::getpid()) + "-" + std::to_string(++count));
+    std::filesystem::create_directories(path_);
   }
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder(ScratchFolder&&) = delete;
