@@ -139,7 +139,7 @@ BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& p
   if (operand.type.isDate() && type.isNumber()) {
     refuse(context_.text, position, "a date as a number");
   }
-  requireConvertible(operand.type, type, position);
+  requireConvertible(operand, type, position);
   if (node.style) {
     const auto* const style = std::get_if<tsql::Literal>(&node.style->node);
     if (style == nullptr || style->kind != tsql::LiteralKind::Integer) {
@@ -174,7 +174,7 @@ std::string Binder::bindText(const tsql::Expression& expression, const Scope& sc
   if (bound.type.isText()) {
     return natural(bound);
   }
-  requireConvertible(bound.type, kVarChar, expression.position);
+  requireConvertible(bound, kVarChar, expression.position);
   return coerce(bound, kVarChar, Conversion::Compare);
 }
 
@@ -230,7 +230,7 @@ BoundExpression Binder::bindTextCall(std::string_view name, const tsql::Function
       length = i == 0 && type.isText() ? type.length : length;
     } else {
       BoundExpression number = bind(*call.arguments[i], scope);
-      requireConvertible(number.type, kBigInt, position);
+      requireConvertible(number, kBigInt, position);
       sql += coerce(number, kBigInt, Conversion::Compare);
     }
   }

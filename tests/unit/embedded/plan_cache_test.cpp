@@ -201,6 +201,34 @@ TEST(PlanCache, RunsNothingOfATextThatHoldsAConstantWithoutAValue) {
   }
 }
 
+TEST(PlanCache, RefusesANumberThatIsNoDateBeforeAnyStatementRuns) {
+  // A whole number of type INT is a day since 1900; one of more digits is a NUMERIC, and none.
+  for (const bool planCache : {true, false}) {
+    const auto connection = openVaried({.planCache = planCache});
+    connection->run(
+        "CREATE FUNCTION DBO.FN (@A DATETIME) RETURNS TABLE AS RETURN (SELECT I FROM V WHERE A = "
+        "@A)");
+    for (const char* statement :
+         {"UPDATE V SET T = '%t', A = %n WHERE I = 1",
+          "SELECT CAST('%t' AS CHAR(1)), CAST(%n AS DATETIME)", "SELECT '%t', YEAR(%n)",
+          "SELECT '%t', DATEADD(day, 1, %n)",
+          "SELECT * FROM V WHERE T = '%t' AND I IN (SELECT I FROM DBO.FN(%n))",
+          "SELECT V.I FROM V CROSS APPLY DBO.FN(%n) AS F WHERE V.T = '%t'",
+          "DECLARE @D DATETIME = %n SELECT '%t'", "DECLARE @D DATETIME SET @D = %n SELECT '%t'",
+          "DECLARE @D DATETIME SELECT @D = %n SELECT '%t'"}) {
+      const auto batch = [statement](const std::string& text, const std::string& number) {
+        std::string filled = std::string("INSERT INTO V (I) VALUES (50) ") + statement;
+        filled.replace(filled.find("%t"), 2, text);
+        return filled.replace(filled.find("%n"), 2, number);
+      };
+      EXPECT_EQ(failure(*connection, batch("z", "1")), "no error") << statement;
+      connection->run("DELETE FROM V WHERE I = 50");
+      EXPECT_EQ(failureNumber(*connection, batch("too long", "12345678901")), 206) << statement;
+      EXPECT_EQ(rows(*connection, "SELECT COUNT(*) FROM V WHERE I = 50"), "0") << statement;
+    }
+  }
+}
+
 TEST(PlanCache, LetsAProcedureHoldAConstantThatDoesNotConvert) {
   const auto connection = openMemory();
   connection->run(
