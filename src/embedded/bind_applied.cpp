@@ -1,5 +1,7 @@
 // Table-valued functions: their body is written out where they are called.
 
+#include <utility>
+
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
@@ -75,13 +77,16 @@ void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& fu
   body.hasArguments_ = true;
   for (std::size_t i = 0; i < function.arguments.size(); ++i) {
     const RoutineParameter& parameter = routine.parameters[i];
+    const std::uint64_t touched = std::exchange(emission_.touchedLevels, 0);
     BoundExpression argument = bind(*function.arguments[i], scope);
+    const bool isOfRow = emission_.touchedLevels != 0;
+    emission_.touchedLevels |= touched;
     BoundExpression value;
     value.isColumn = argument.isColumn;
     value.type = parameter.type;
     requireConvertible(argument, parameter.type, function.arguments[i]->position);
     value.sql = coerce(argument, parameter.type, Conversion::Cut);
-    body.arguments_[foldText(parameter.name)] = std::move(value);
+    body.arguments_[foldText(parameter.name)] = {std::move(value), isOfRow};
   }
 }
 

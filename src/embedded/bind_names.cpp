@@ -122,7 +122,8 @@ BoundExpression Binder::bindVariable(const tsql::Variable& variable) {
   if (hasArguments_) {
     const auto found = arguments_.find(foldText(variable.name));
     if (found != arguments_.end()) {
-      return found->second;
+      emission_.touchedArgument = emission_.touchedArgument || found->second.isOfRow;
+      return found->second.value;
     }
   }
   BoundExpression bound;

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <utility>
+
 #include "embedded/ast_walk.h"
 #include "embedded/binder.h"
 #include "embedded/collation.h"
@@ -40,18 +43,17 @@ bool namesOneValue(const tsql::Expression& condition) {
          isConstant(*binary->right);
 }
 
+bool selectsAggregate(const tsql::QuerySpecification& specification) {
+  return std::any_of(
+      specification.items.begin(), specification.items.end(),
+      [](const tsql::SelectItem& item) { return containsAggregate(*item.expression); });
+}
+
 bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query& query) {
-  for (const tsql::SelectItem& item : specification.items) {
-    if (containsAggregate(*item.expression)) {
-      return true;
-    }
-  }
-  for (const tsql::OrderItem& item : query.orderBy) {
-    if (containsAggregate(*item.expression)) {
-      return true;
-    }
-  }
-  return specification.having != nullptr;
+  return selectsAggregate(specification) || specification.having != nullptr ||
+         std::any_of(query.orderBy.begin(), query.orderBy.end(), [](const tsql::OrderItem& item) {
+           return containsAggregate(*item.expression);
+         });
 }
 
 }  // namespace
@@ -105,6 +107,7 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
   }
   bindGroupBy(specification, scope, select);
   select.grouped = grouped;
+  select.oneGroup = grouped && specification.groupBy.empty() && !selectsAggregate(specification);
   if (grouped) {
     scope.grouping.active = true;
     scope.aggregatesAllowed = true;
@@ -307,15 +310,31 @@ bool Binder::bindAlternatives(const tsql::Expression& conjunct, const Scope& sco
   return true;
 }
 
+/// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
+/// in those around it.
+BoundExpression Binder::bindKey(const tsql::Expression& key, const Scope& scope, bool groups) {
+  const std::uint64_t levels = std::exchange(emission_.touchedLevels, 0);
+  const bool argument = std::exchange(emission_.touchedArgument, false);
+  BoundExpression bound = bind(key, scope);
+  const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
+  if (groups && emission_.touchedLevels == outside) {
+    throw SqlError(164,
+                   "Each GROUP BY expression must contain at least one column that is not an "
+                   "outer reference.");
+  }
+  if (outside != 0 || emission_.touchedArgument) {
+    refuse(context_.text, key.position,
+           std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
+  }
+  emission_.touchedLevels |= levels;
+  emission_.touchedArgument = argument;
+  return bound;
+}
+
 void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
                          BoundSelect& select) {
   for (const tsql::ExpressionPtr& key : specification.groupBy) {
-    if (std::holds_alternative<tsql::Literal>(key->node)) {
-      throw SqlError(164,
-                     "Each GROUP BY expression must contain at least one column that is not an "
-                     "outer reference.");
-    }
-    BoundExpression bound = bind(*key, scope);
+    BoundExpression bound = bindKey(*key, scope, true);
     std::string sql = natural(bound);
     if (bound.isColumn) {
       scope.grouping.columns.insert(sql);
@@ -391,7 +410,7 @@ std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scop
   }
   const bool checks = select.distinct;
   const std::string printed = checks ? foldText(tsql::print(*item.expression)) : "";
-  BoundExpression bound = bind(*item.expression, scope);
+  BoundExpression bound = bindKey(*item.expression, scope, false);
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
   }

@@ -159,7 +159,7 @@ void Binder::checkFunction(const Routine& routine) {
     BoundExpression nothing;
     nothing.sql = "NULL";
     nothing.type = parameter.type;
-    arguments_[foldText(parameter.name)] = std::move(nothing);
+    arguments_[foldText(parameter.name)] = {std::move(nothing), false};
   }
   BoundQuery query = bindQuery(*routine.function().body, nullptr, {});
   settle(query);

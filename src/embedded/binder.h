@@ -25,6 +25,7 @@ struct Emission {
   std::vector<Guard>* guards = nullptr;
   std::size_t nextAlias = 1;
   std::uint64_t touchedLevels = 0;  ///< scopes that a column was found in, a bit each
+  bool touchedArgument = false;     ///< a parameter of a function that stands for a column was used
   std::size_t functionDepth = 0;
   std::size_t queries = 0;  ///< SELECTs bound so far
   /// A constant that does not convert: told when the statement runs, not when it is compiled.
@@ -204,6 +205,8 @@ class Binder {
   bool bindAlternatives(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
   void bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
                    BoundSelect& select);
+  [[nodiscard]] BoundExpression bindKey(const tsql::Expression& key, const Scope& scope,
+                                        bool groups);
   void bindTop(const tsql::Top& top, BoundSelect& select);
   void bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select);
   [[nodiscard]] std::string bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
@@ -246,8 +249,11 @@ class Binder {
 
   const BindContext& context_;
   Emission& emission_;
-  /// Of the body of an inlined function: its parameters, already of their types.
-  std::unordered_map<std::string, BoundExpression> arguments_;
+  struct Argument {
+    BoundExpression value;  ///< already of the parameter's type
+    bool isOfRow = false;   ///< differs from row to row of the query around the function
+  };
+  std::unordered_map<std::string, Argument> arguments_;  ///< of the body of an inlined function
   bool hasArguments_ = false;
   /// Variables that the statement changes from row to row: read when a row is reckoned.
   std::unordered_set<std::size_t> liveVariables_;

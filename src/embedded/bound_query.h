@@ -40,6 +40,7 @@ struct BoundSelect {
   std::string orderBy;
   std::string limit;
   bool grouped = false;
+  bool oneGroup = false;  ///< one row over all rows, which no column of it shows by an aggregate
   bool atMostOneRow = false;
   bool correlated = false;  ///< what is left depends on the surroundings
   std::vector<Correlation> correlations;

@@ -1,4 +1,5 @@
 #include "embedded/bound_query.h"
+#include "embedded/collation.h"
 
 namespace azcoll::embedded {
 
@@ -52,6 +53,12 @@ std::string renderTail(const BoundSelect& select, const std::string& besides) {
   return sql;
 }
 
+/// SQLite takes a query for one over all rows only where the list of its columns says so.
+std::string asOneGroup(const OutputColumn& column) {
+  return "iif(count(*) < 0,NULL," + column.sql + ")" +
+         (column.type.isText() ? std::string(kCollateClause) : "");
+}
+
 }  // namespace
 
 std::string renderTail(const BoundSelect& select) { return renderTail(select, ""); }
@@ -59,7 +66,10 @@ std::string renderTail(const BoundSelect& select) { return renderTail(select, ""
 std::string render(const BoundSelect& select) {
   std::string columns = select.distinct ? "SELECT DISTINCT " : "SELECT ";
   for (std::size_t i = 0; i < select.columns.size(); ++i) {
-    columns += (i == 0 ? "" : ",") + select.columns[i].sql + " AS c" + std::to_string(i + 1);
+    const OutputColumn& column = select.columns[i];
+    columns += i == 0 ? "" : ",";
+    columns += i == 0 && select.oneGroup ? asOneGroup(column) : column.sql;
+    columns += " AS c" + std::to_string(i + 1);
   }
   if (select.alternatives.empty()) {
     return columns + renderTail(select);
