@@ -14,7 +14,7 @@
 namespace azcoll::bench {
 namespace {
 
-int nextCode() {
+int nextJobCode() {
   static int code = 0;
   return ++code;
 }
@@ -44,7 +44,7 @@ std::vector<std::pair<std::string, bool>> jobTexts(int code) {
 void jobThroughProvider(benchmark::State& state, const Measured& on) {
   const std::shared_ptr<Connection> connection = openOdbc(on.database());
   for (auto _ : state) {
-    const auto texts = jobTexts(nextCode());
+    const auto texts = jobTexts(nextJobCode());
     std::int64_t affected = 0;
     const double start = on.clock();
     connection->beginTrans();
@@ -85,7 +85,7 @@ void runBare(const BareConnection& connection, const std::string& text, bool giv
 void jobThroughBareOdbc(benchmark::State& state, const Measured& on) {
   BareConnection connection{on.database().connectionString};
   for (auto _ : state) {
-    const auto texts = jobTexts(nextCode());
+    const auto texts = jobTexts(nextJobCode());
     const double start = on.clock();
     connection.begin();
     for (const auto& [text, givesRows] : texts) {

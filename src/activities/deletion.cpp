@@ -7,7 +7,6 @@
 
 namespace azcoll {
 
-using activities::kLineBreak;
 using activities::lines;
 
 /// The condition that a row is a company's own while in its year the company is linked under

@@ -3,12 +3,11 @@
 #include <string>
 #include <string_view>
 
+#include "component/values.h"
 #include "data/tables.h"
 
 /// Pieces that several statements about activities have in common.
 namespace azcoll::activities {
-
-inline constexpr std::string_view kLineBreak = "\r\n";
 
 /// Lines of a statement, parted by line breaks (none behind the last one).
 template <typename... Lines>

@@ -13,11 +13,6 @@ using activities::lines;
 
 constexpr std::int16_t kRegisterCodeWidth = 2;
 
-// Regimes of a company: `CG25_FLGIVAQUATER`.
-constexpr std::int16_t kOneActivity = 0;
-constexpr std::int16_t kOverSeveralCompanies = 1;
-constexpr std::int16_t kWithinOneCompany = 2;
-
 /// The activity of a register: the one that it names, else the first one of its company and year,
 /// which only the regimes 0 and 1 have.
 std::string registerStatement(const Variant& company, const Variant& year,
@@ -127,13 +122,13 @@ bool CLSCO_AZIENDECOLL::VerificaEsistenzaAttivita() noexcept {
     // end whatever came of it.
     const Variant lookup = Stato;
     switch (LeggiFlagIvaQuater()) {
-      case kOneActivity:
+      case regimes::kOneActivity:
         InserisciAttivitàDaPeriodoPrecedente();
         break;
-      case kOverSeveralCompanies:
+      case regimes::kOverSeveralCompanies:
         exists = ControllaDittaNonCollegata();
         break;
-      case kWithinOneCompany:
+      case regimes::kWithinOneCompany:
         exists = ControllaAttivitaNonCollegata();
         break;
       default:

@@ -21,7 +21,7 @@ std::string earlierRows(std::string_view columns, const Variant& year, const Var
 }
 
 /// The rows of `year` of the main companies that have earlier ones.
-std::string rowsOfYear(const Variant& year, const Variant& company) {
+std::string groupRowsOfYear(const Variant& year, const Variant& company) {
   return lines(
       " SELECT *",                                      //
       " FROM   CG86_AZIENDECOLL AS CG86 WITH(NOLOCK)",  //
@@ -61,7 +61,7 @@ void CLSCO_AZIENDECOLL::InserisciAttivitàDaPeriodoPrecedente() noexcept {
     const Variant year = annoAttività();
     const std::shared_ptr<Recordset> earlier =
         leggi(lines(earlierRows("*", year, in.Pvar_Ditta), " ORDER BY CG86_ANNOIVA DESC"));
-    if (earlier->atEnd() || !leggi(rowsOfYear(year, in.Pvar_Ditta))->atEnd()) {
+    if (earlier->atEnd() || !leggi(groupRowsOfYear(year, in.Pvar_Ditta))->atEnd()) {
       InserisciAttività();
       return;
     }

@@ -11,7 +11,6 @@ namespace azcoll {
 namespace {
 
 using activities::groupFilter;
-using activities::kLineBreak;
 using activities::lines;
 using activities::mainActivity;
 

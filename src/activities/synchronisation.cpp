@@ -13,8 +13,6 @@ using activities::assignments;
 using activities::lines;
 using activities::mainActivity;
 
-constexpr std::int16_t kWithinOneCompany = 2;  // CG25_FLGIVAQUATER
-
 /// Every registry entry of the company takes the company's values.
 std::string registryUpdate(const Variant& company) {
   return lines(" UPDATE CG96_ANAGATTIVITA",                       //
@@ -127,7 +125,7 @@ std::string registryBatch(const Variant& company, const Variant& code) {
 
 void CLSCO_AZIENDECOLL::AggiornaAttività() noexcept {
   metodo(" in AggiornaAttività", [this] {
-    if (LeggiFlagIvaQuater() == kWithinOneCompany) {
+    if (LeggiFlagIvaQuater() == regimes::kWithinOneCompany) {
       return;
     }
     const std::string where = ComponiWhereAttività("", true);
@@ -147,7 +145,7 @@ void CLSCO_AZIENDECOLL::AggiornaAttività() noexcept {
 
 void CLSCO_AZIENDECOLL::AggiornaDateRegistriAnagraficaAttività() noexcept {
   metodo(" in AggiornaDateRegistriAnagraficaAttività", [this] {
-    if (LeggiFlagIvaQuater() == kWithinOneCompany) {
+    if (LeggiFlagIvaQuater() == regimes::kWithinOneCompany) {
       return;
     }
     const std::string where = registrySelection(input().Pvar_Ditta, testo(input().CodiceAttività));

@@ -13,7 +13,6 @@
 namespace azcoll {
 namespace {
 
-using activities::kLineBreak;
 using activities::lines;
 
 /// The columns that the copy writes. The letter-of-intent flag is left to the database's default.

@@ -11,7 +11,7 @@ namespace {
 
 int lengthFor(std::size_t size) {
   if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-    throw Error(std::string{messages::kOverflow});
+    throw Error(messages::kOverflow);
   }
   return static_cast<int>(size);
 }

@@ -21,7 +21,7 @@ void assign(IDispatch* given, ado::ComPtr<IDispatch>& held, std::shared_ptr<Data
   Object* const object = Object::behind(given);
   if (object == nullptr) {
     // Only this library's own objects: the fields of another one could not be reached.
-    throw Error(std::string{messages::kTypeMismatch});
+    throw Error(messages::kTypeMismatch);
   }
   held = ado::ComPtr<IDispatch>::share(given);
   used = object->members().shared();

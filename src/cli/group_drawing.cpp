@@ -28,7 +28,7 @@ constexpr std::size_t kLineLength = 28;
 constexpr int kCellWidth = 180;  // of a company, in points
 
 /// One company in a box.
-struct Cell {
+struct DrawnCell {
   std::int32_t company = 0;
   std::string remark;             ///< small text under the name, may be empty
   std::string_view remarkColour;  ///< of the remark and of the border
@@ -41,7 +41,7 @@ struct Box {
   std::string_view headFill;
   std::string_view fill;
   bool dashed = false;
-  std::vector<Cell> cells;
+  std::vector<DrawnCell> cells;
   std::size_t columns = 1;
   std::size_t rows = 1;
 };
@@ -74,9 +74,10 @@ class Drawing {
   [[nodiscard]] std::vector<Box> boxesOf(std::size_t index, const Group& group) const;
   [[nodiscard]] Box leftBox(std::size_t index, const Group& group) const;
   [[nodiscard]] static std::string headMarkup(const Box& box, std::size_t place);
-  [[nodiscard]] std::string cellMarkup(const Cell& cell, std::string_view fill) const;
+  [[nodiscard]] std::string cellMarkup(const DrawnCell& cell, std::string_view fill) const;
   [[nodiscard]] std::string nameMarkup(std::int32_t company, std::string_view lineEnd) const;
-  [[nodiscard]] Cell cellOf(std::size_t index, const Group& group, const GroupMember& member) const;
+  [[nodiscard]] DrawnCell cellOf(std::size_t index, const Group& group,
+                                 const GroupMember& member) const;
   [[nodiscard]] std::size_t longestColumn() const;
   [[nodiscard]] int heightOf(const std::vector<Box>& boxes) const;
   [[nodiscard]] int tallest() const;
@@ -167,7 +168,7 @@ std::string Drawing::nameMarkup(std::int32_t company, std::string_view lineEnd) 
 
 void Drawing::mainNode(const std::string& id, std::size_t index, const Group& group) {
   const GroupMember& main = group.members.front();
-  const Cell cell = cellOf(index, group, main);
+  const DrawnCell cell = cellOf(index, group, main);
   const bool asked = group.main == view_.company;
   dot_ += fmt::format(
       "    {} [label=<<TABLE BORDER=\"{}\" COLOR=\"{}\" CELLBORDER=\"0\" CELLSPACING=\"0\" "
@@ -184,8 +185,8 @@ const GroupHistory& Drawing::historyOf(std::int32_t main) const {
                        [main](const GroupHistory& group) { return group.front().main == main; });
 }
 
-Cell Drawing::cellOf(std::size_t index, const Group& group, const GroupMember& member) const {
-  Cell cell{member.company, {}, kInk};
+DrawnCell Drawing::cellOf(std::size_t index, const Group& group, const GroupMember& member) const {
+  DrawnCell cell{member.company, {}, kInk};
   const GroupHistory& histories = historyOf(group.main);
   const auto history =
       std::find_if(histories.begin(), histories.end(),
@@ -285,7 +286,7 @@ int Drawing::heightOf(const std::vector<Box>& boxes) const {
     int lines = 0;
     for (const Box& box : boxes) {
       for (std::size_t place = row; row < box.rows && place < box.cells.size(); place += box.rows) {
-        const Cell& cell = box.cells[place];
+        const DrawnCell& cell = box.cells[place];
         const auto name = wrapped(companyText(cell.company, view_.names), kLineLength).size();
         lines = std::max(lines, static_cast<int>(name) + (cell.remark.empty() ? 0 : 1));
       }
@@ -305,7 +306,7 @@ int Drawing::tallest() const {
   return height;
 }
 
-std::string Drawing::cellMarkup(const Cell& cell, std::string_view fill) const {
+std::string Drawing::cellMarkup(const DrawnCell& cell, std::string_view fill) const {
   const bool asked = cell.company == view_.company;
   const bool marked = cell.remarkColour != kInk;
   std::string remark;

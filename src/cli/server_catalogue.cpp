@@ -13,7 +13,7 @@
 namespace azcoll::cli {
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string asSqlText(std::string_view text) {
   std::string constant = "N'";
   for (const char c : text) {
     constant += c == '\'' ? "''" : std::string_view{&c, 1};
@@ -101,7 +101,7 @@ class Answer {
 std::string namesOf(const Schema& schema) {
   std::string names;
   const auto add = [&names](const std::string& name) {
-    names += (names.empty() ? "" : ", ") + quoted(name);
+    names += (names.empty() ? "" : ", ") + asSqlText(name);
   };
   for (const SchemaTable& table : schema.tables) {
     add(table.name);
@@ -169,7 +169,7 @@ auto* ownedObject(Objects& all, const Answer& answer) {
 }  // namespace
 
 ServerUser readServerUser(Connection& connection, std::string_view role) {
-  Answer answer{connection, fmt::format(kUser, quoted(role))};
+  Answer answer{connection, fmt::format(kUser, asSqlText(role))};
   ServerUser user;
   if (answer.next()) {
     user.name = answer.text("UTENTE");
@@ -235,7 +235,7 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
     const std::string& owner = table != nullptr ? table->owner : routine->owner;
     question += question.empty() ? "" : " UNION ALL ";
     question +=
-        fmt::format(kRight, asked.size(), quoted(qualified(owner, grant.object)), grant.right);
+        fmt::format(kRight, asked.size(), asSqlText(qualified(owner, grant.object)), grant.right);
     asked.push_back({grant.right, owner, grant.object});
   }
   if (asked.empty()) {

@@ -12,8 +12,6 @@ namespace {
 
 constexpr std::int16_t kCustomerNumbering = 901;
 constexpr std::int16_t kSupplierNumbering = 902;
-constexpr std::int16_t kRecordUsedNumber = 3;
-
 /// The companies of the group without the current one; ", " only between elements.
 std::string companies(const Variant& elenco, const std::string& principale) {
   std::string list = join(elenco);
@@ -107,7 +105,7 @@ void CLSCO_AZIENDECOLL::NumeraCliFor(const std::string& /*ditta*/,
     }
     numbering->TipoDocumento = in.Pint_TipoCF == Cliente ? kCustomerNumbering : kSupplierNumbering;
     numbering->Ditta = company;
-    numbering->Modo = kRecordUsedNumber;
+    numbering->Modo = NumerazioneDocumenti::kRecordUsedNumber;
     numbering->Sezione = "00";
     numbering->Anno = 0;
     numbering->Data = today;

@@ -6,8 +6,6 @@
 namespace azcoll {
 namespace {
 
-constexpr std::int16_t kRecordUsedNumber = 3;
-
 bool isWhole(const Variant& value) {
   try {
     return !value.isEmpty() && value.toDecimal().toInteger().has_value();

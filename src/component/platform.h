@@ -40,9 +40,12 @@ class NumerazioneDocumenti {
   NumerazioneDocumenti& operator=(NumerazioneDocumenti&&) = delete;
   virtual ~NumerazioneDocumenti() = default;
 
+  /// `Modo`: a number that is in use already is recorded.
+  static constexpr std::int16_t kRecordUsedNumber = 3;
+
   std::int16_t TipoDocumento = 0;  ///< 901 customer codes, 902 supplier codes
   Variant Ditta;                   ///< company
-  std::int16_t Modo = 0;           ///< 3: record a number that is already in use
+  std::int16_t Modo = 0;           ///< what to do: `kRecordUsedNumber`
   std::string Sezione;             ///< numbering section, "00" for customer/supplier codes
   std::int16_t Anno = 0;           ///< numbering year, 0 for customer/supplier codes
   Date Data;                       ///< date of the numbering

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "data/date.h"
@@ -12,6 +13,16 @@ namespace azcoll {
 /// `Stato` of a call refused for missing or invalid input, and of a trapped failure.
 inline constexpr std::int16_t kRefused = 1;
 inline constexpr std::int16_t kTrapped = 99;
+
+/// What parts the lines of a statement or of a message.
+inline constexpr std::string_view kLineBreak = "\r\n";
+
+/// VAT regimes of a company, `CG25_FLGIVAQUATER`.
+namespace regimes {
+inline constexpr std::int16_t kOneActivity = 0;
+inline constexpr std::int16_t kOverSeveralCompanies = 1;
+inline constexpr std::int16_t kWithinOneCompany = 2;
+}  // namespace regimes
 
 /// Runs `step` and goes on whatever happens in it: for the routines in which a failing statement is
 /// skipped and the next one runs.

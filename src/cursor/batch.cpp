@@ -101,7 +101,7 @@ ChangeStatement insertStatement(const RowStore& rows, std::size_t row,
     }
   }
   if (columns.empty()) {
-    throw Error(std::string{messages::kNoValueToInsert});
+    throw Error(messages::kNoValueToInsert);
   }
   ChangeStatement statement{.row = row, .table = tableOf(rows, columns)};
   statement.text = "INSERT INTO ";

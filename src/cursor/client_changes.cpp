@@ -12,8 +12,6 @@
 namespace azcoll::cursor {
 namespace {
 
-[[noreturn]] void fail(std::string_view message) { throw Error(std::string{message}); }
-
 /// The failure of an update that did not change exactly one row. It counts as one of the
 /// connection's own, because callers decide by the connection's errors whether to undo.
 [[noreturn]] void failUpdate(Connection& connection, const ChangeStatement& statement,
@@ -35,7 +33,7 @@ namespace {
 void ClientRecordset::requireWritable() const {
   requireOpen();
   if (lock_ != LockType::BatchOptimistic) {
-    fail(messages::kReadOnly);
+    throw Error(messages::kReadOnly);
   }
 }
 
@@ -92,7 +90,7 @@ void ClientRecordset::updateBatch(Affect affect) {
   requireWritable();
   settle();
   if (runner_ == nullptr) {
-    fail(messages::kDetached);
+    throw Error(messages::kDetached);
   }
   const std::vector<std::size_t> rows = rowsToSend(affect);
   if (!rows.empty()) {
@@ -142,7 +140,7 @@ const Variant& ClientRecordset::value(std::size_t column) const {
 void ClientRecordset::setValue(std::size_t column, const Variant& value) {
   requireWritable();
   if (value.kind() == Variant::Kind::Object) {
-    fail(messages::kTypeMismatch);
+    throw Error(messages::kTypeMismatch);
   }
   rows_.set(currentRow(), column, value);
 }

@@ -39,7 +39,7 @@ class ClientCommand final : public Command, private Parameters {
     }
     auto own = std::dynamic_pointer_cast<Provider>(connection);
     if (!own) {
-      throw Error(std::string{messages::kWrongConnection});
+      throw Error(messages::kWrongConnection);
     }
     if (own != connection_) {
       forget();
@@ -118,7 +118,7 @@ class ClientCommand final : public Command, private Parameters {
 
   Provider& requireConnection() {
     if (!connection_) {
-      throw Error(std::string{messages::kNoConnection});
+      throw Error(messages::kNoConnection);
     }
     return *connection_;
   }

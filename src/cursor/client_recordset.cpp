@@ -10,12 +10,10 @@
 namespace azcoll::cursor {
 namespace {
 
-[[noreturn]] void fail(std::string_view message) { throw Error(std::string{message}); }
-
 StatementRunner& runnerOf(Connection& connection) {
   auto* const runner = dynamic_cast<StatementRunner*>(&connection);
   if (runner == nullptr) {
-    fail(messages::kWrongConnection);
+    throw Error(messages::kWrongConnection);
   }
   return *runner;
 }
@@ -56,7 +54,7 @@ void ClientRecordset::setLockType(LockType type) {
       lock_ = type;
       break;
     default:
-      fail(messages::kUnsupportedLock);
+      throw Error(messages::kUnsupportedLock);
   }
 }
 
@@ -64,13 +62,13 @@ void ClientRecordset::open(CursorType type, LockType lock, CommandOption options
   setCursorType(type);
   setLockType(lock);
   if (options == CommandOption::StoredProcedure) {
-    fail(messages::kUnsupportedOption);
+    throw Error(messages::kUnsupportedOption);
   }
   if (runner_ == nullptr) {
-    fail(messages::kNoConnection);
+    throw Error(messages::kNoConnection);
   }
   if (source_.empty()) {
-    fail(messages::kNoSource);
+    throw Error(messages::kNoSource);
   }
   ExecutionResult result = runner_->run(source_);
   if (result.results.empty()) {
@@ -109,13 +107,13 @@ void ClientRecordset::load(ResultSet rows) {
 
 void ClientRecordset::requireOpen() const {
   if (!open_) {
-    fail(messages::kRecordsetClosed);
+    throw Error(messages::kRecordsetClosed);
   }
 }
 
 void ClientRecordset::requireClosed() const {
   if (open_) {
-    fail(messages::kRecordsetOpen);
+    throw Error(messages::kRecordsetOpen);
   }
 }
 
@@ -133,7 +131,7 @@ std::size_t ClientRecordset::currentRow() const {
     return rows_.rowCount();
   }
   if (position_ < 0 || position_ >= shownCount()) {
-    fail(messages::kNoCurrentRow);
+    throw Error(messages::kNoCurrentRow);
   }
   return shownRow(position_);
 }
@@ -157,7 +155,7 @@ void ClientRecordset::moveFirst() {
   requireOpen();
   settle();
   if (shownCount() == 0) {
-    fail(messages::kNoCurrentRow);
+    throw Error(messages::kNoCurrentRow);
   }
   position_ = 0;
 }
@@ -166,7 +164,7 @@ void ClientRecordset::moveNext() {
   requireOpen();
   settle();
   if (position_ >= shownCount()) {
-    fail(messages::kMoveBeyondEnd);
+    throw Error(messages::kMoveBeyondEnd);
   }
   ++position_;
 }

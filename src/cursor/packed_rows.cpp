@@ -198,7 +198,7 @@ void PackedRows::append(const Variant& value) {
     case Variant::Kind::Text:
       return append(std::string_view{*value.get<std::string>()});
     default:
-      throw Error(std::string{messages::kTypeMismatch});
+      throw Error(messages::kTypeMismatch);
   }
 }
 

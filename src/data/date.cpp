@@ -61,7 +61,7 @@ class Reader {
   std::string_view rest_;
 };
 
-struct Fields {
+struct DateParts {
   int year = 0;
   int month = 0;
   int day = 0;
@@ -71,7 +71,7 @@ struct Fields {
   int millisecond = 0;
 };
 
-bool readTime(Reader& reader, Fields& fields) {
+bool readTime(Reader& reader, DateParts& fields) {
   if (!reader.number(2, 2, fields.hour) || !reader.take(':') ||
       !reader.number(2, 2, fields.minute)) {
     return false;
@@ -96,7 +96,7 @@ bool readTime(Reader& reader, Fields& fields) {
 }
 
 /// The date part. `dashed` tells whether it was written with dashes.
-bool readDay(Reader& reader, Fields& fields, bool& dashed) {
+bool readDay(Reader& reader, DateParts& fields, bool& dashed) {
   switch (reader.digitsAhead()) {
     case 8:
       fields.year = reader.takeDigits(4);
@@ -150,7 +150,7 @@ std::optional<Date> Date::of(int year, int month, int day, int hour, int minute,
 
 std::optional<Date> Date::parse(std::string_view text) {
   Reader reader{text};
-  Fields fields;
+  DateParts fields;
   bool dashed = false;
   if (!readDay(reader, fields, dashed)) {
     return std::nullopt;

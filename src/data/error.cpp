@@ -8,8 +8,8 @@
 
 namespace azcoll {
 
-Error::Error(std::string description) {
-  info_.description = std::move(description);
+Error::Error(std::string_view description) {
+  info_.description = description;
   info_.source = "AZCOLLSRV";
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <exception>
 #include <string>
+#include <string_view>
 
 namespace azcoll {
 
@@ -26,7 +27,7 @@ struct ErrorInfo {
 class Error : public std::exception {
  public:
   /// A failure of this system's own, with its Italian description.
-  explicit Error(std::string description);
+  explicit Error(std::string_view description);
 
   /// A failure reported by a provider.
   static Error provider(ErrorInfo info);

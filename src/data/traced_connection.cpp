@@ -30,7 +30,7 @@ ConnessioneTracciata::ConnessioneTracciata(std::shared_ptr<Connection> inner, Tr
 ConnessioneTracciata::ConnessioneTracciata(std::shared_ptr<Connection> inner, TraceHooks hooks)
     : inner_{std::move(inner)}, hooks_{std::make_shared<const TraceHooks>(std::move(hooks))} {
   if (!inner_) {
-    throw Error(std::string{messages::kNoConnection});
+    throw Error(messages::kNoConnection);
   }
 }
 

@@ -9,13 +9,6 @@ namespace azcoll::embedded {
 
 namespace {
 
-BoundExpression computed(std::string sql, const Type& type) {
-  BoundExpression bound;
-  bound.sql = std::move(sql);
-  bound.type = type;
-  return bound;
-}
-
 std::string inType(const std::string& sql, const Type& type) {
   return "ts_integer(" + sql + "," + std::to_string(encodeType(type)) + ")";
 }

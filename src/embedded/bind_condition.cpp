@@ -8,7 +8,7 @@ namespace azcoll::embedded {
 
 namespace {
 
-std::string_view symbolOf(tsql::BinaryOperator op) {
+std::string_view comparisonSymbol(tsql::BinaryOperator op) {
   switch (op) {
     case tsql::BinaryOperator::Equal:
       return " = ";
@@ -91,7 +91,7 @@ std::string Binder::bindComparison(const tsql::Binary& node, const tsql::Positio
   }
   BoundExpression left = bind(*node.left, scope);
   BoundExpression right = bind(*node.right, scope);
-  return compare(symbolOf(node.op), left, right, position);
+  return compare(comparisonSymbol(node.op), left, right, position);
 }
 
 /// `0 = 1` and the like, of whole numbers: decided here, so that SQLite sees a condition that never

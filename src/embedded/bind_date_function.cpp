@@ -8,13 +8,6 @@ namespace azcoll::embedded {
 
 namespace {
 
-BoundExpression computed(std::string sql, const Type& type) {
-  BoundExpression bound;
-  bound.sql = std::move(sql);
-  bound.type = type;
-  return bound;
-}
-
 /// The one-letter code by which the functions know a part of a date; 0 for a word that is none.
 char partCode(const tsql::Expression& expression) {
   const auto* const word = std::get_if<tsql::ColumnReference>(&expression.node);

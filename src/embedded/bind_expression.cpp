@@ -9,7 +9,7 @@ namespace azcoll::embedded {
 
 namespace {
 
-std::string_view symbolOf(tsql::BinaryOperator op) {
+std::string_view arithmeticSymbol(tsql::BinaryOperator op) {
   switch (op) {
     case tsql::BinaryOperator::Add:
       return " + ";
@@ -25,13 +25,6 @@ std::string_view symbolOf(tsql::BinaryOperator op) {
 }
 
 std::string typeCode(const Type& type) { return std::to_string(encodeType(type)); }
-
-BoundExpression computed(std::string sql, const Type& type) {
-  BoundExpression bound;
-  bound.sql = std::move(sql);
-  bound.type = type;
-  return bound;
-}
 
 /// The type of a sum, difference or product of decimals; nothing where SQL Server would take digits
 /// behind the point away.
@@ -197,8 +190,8 @@ BoundExpression Binder::reckonIntegers(tsql::BinaryOperator op, BoundExpression&
                         b + "," + typeCode(type) + ")",
                     type);
   }
-  return computed("ts_integer(" + a + std::string(symbolOf(op)) + b + "," + typeCode(type) + ")",
-                  type);
+  return computed(
+      "ts_integer(" + a + std::string(arithmeticSymbol(op)) + b + "," + typeCode(type) + ")", type);
 }
 
 BoundExpression Binder::reckonDecimals(tsql::BinaryOperator op, BoundExpression& left,
@@ -230,7 +223,7 @@ BoundExpression Binder::reckonDecimals(tsql::BinaryOperator op, BoundExpression&
   const std::string x = operand(left, a);
   const std::string y = operand(right, b);
   if (!result->isWide()) {
-    return computed("(" + x + std::string(symbolOf(op)) + y + ")", *result);
+    return computed("(" + x + std::string(arithmeticSymbol(op)) + y + ")", *result);
   }
   constexpr std::string_view kNames[]{"ts_wide_add(", "ts_wide_subtract(", "ts_wide_multiply("};
   return computed(std::string(kNames[static_cast<std::size_t>(op)]) + x + "," + y + ")", *result);
@@ -246,7 +239,7 @@ BoundExpression Binder::reckonFloats(tsql::BinaryOperator op, BoundExpression& l
   if (op == tsql::BinaryOperator::Divide) {
     return computed("ts_float_divide(" + a + "," + b + ")", kFloat);
   }
-  return computed("ts_float(" + a + std::string(symbolOf(op)) + b + ")", kFloat);
+  return computed("ts_float(" + a + std::string(arithmeticSymbol(op)) + b + ")", kFloat);
 }
 
 BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& position,

@@ -11,13 +11,6 @@ namespace azcoll::embedded {
 
 namespace {
 
-BoundExpression computed(std::string sql, const Type& type) {
-  BoundExpression bound;
-  bound.sql = std::move(sql);
-  bound.type = type;
-  return bound;
-}
-
 Type textResult(const Type& type, std::int32_t length) {
   return {type.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar, length, 0, 0};
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "embedded/catalogue.h"
@@ -31,6 +32,14 @@ struct BoundExpression {
   bool isColumn = false;                   ///< a plain column: it brings its collation along
   std::optional<Origin> origin;
 };
+
+/// An expression that SQLite reckons.
+[[nodiscard]] inline BoundExpression computed(std::string sql, const Type& type) {
+  BoundExpression bound;
+  bound.sql = std::move(sql);
+  bound.type = type;
+  return bound;
+}
 
 /// A column of a derived table, of an inlined function or of another source that is no table.
 struct SourceColumn {

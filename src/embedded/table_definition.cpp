@@ -12,8 +12,8 @@ namespace azcoll::embedded {
 namespace {
 
 /// `descending` tells of each column whether its order is turned; empty for none.
-std::string columnList(const Table& table, const std::vector<std::size_t>& columns,
-                       const std::vector<bool>& descending = {}) {
+std::string keyList(const Table& table, const std::vector<std::size_t>& columns,
+                    const std::vector<bool>& descending = {}) {
   std::string list;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     list += (i == 0 ? "" : ",") + quoteName(table.columns[columns[i]].name);
@@ -117,9 +117,9 @@ std::string foreignKey(const Table& table, const Constraint& constraint,
   }
   const Table& referenced = self ? table : *found;
   checkForeignKey(table, constraint, referenced);
-  return "FOREIGN KEY " + columnList(table, constraint.columns) + " REFERENCES " +
+  return "FOREIGN KEY " + keyList(table, constraint.columns) + " REFERENCES " +
          quoteName(referenced.storeName) +
-         columnList(referenced, referencedColumns(constraint, referenced));
+         keyList(referenced, referencedColumns(constraint, referenced));
 }
 
 }  // namespace
@@ -178,11 +178,11 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
       case tsql::ConstraintKind::PrimaryKey:
         if (!keyIsRowid) {
           sql += name + (table.hasRowid ? "UNIQUE " : "PRIMARY KEY ") +
-                 columnList(table, constraint.columns);
+                 keyList(table, constraint.columns);
         }
         break;
       case tsql::ConstraintKind::Unique: {
-        sql += name + "UNIQUE " + columnList(table, constraint.columns);
+        sql += name + "UNIQUE " + keyList(table, constraint.columns);
         const auto more = nullIndex(table, constraint.columns, constraint.name);
         statements.insert(statements.end(), more.begin(), more.end());
         break;
@@ -223,7 +223,7 @@ std::vector<std::string> indexDefinition(const Table& table, const Index& index)
   std::vector<std::string> statements{(index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
                                       quoteName(indexStoreName(table, index.name)) + " ON " +
                                       quoteName(table.storeName) + " " +
-                                      columnList(table, index.columns, index.descending)};
+                                      keyList(table, index.columns, index.descending)};
   if (index.unique) {
     const auto more = nullIndex(table, index.columns, index.name);
     statements.insert(statements.end(), more.begin(), more.end());

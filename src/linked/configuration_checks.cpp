@@ -7,13 +7,8 @@
 namespace azcoll {
 namespace {
 
-constexpr std::string_view kLineBreak = "\r\n";
 constexpr std::string_view kTitle = "Richiesta";
 constexpr int kYesNoQuestion = 36;  // buttons Yes and No, question icon
-
-// Regimes of a company: `CG25_FLGIVAQUATER`.
-constexpr int kOverSeveralCompanies = 1;
-constexpr int kWithinOneCompany = 2;
 
 /// Counts 1 when the company is in this regime and has no row of the year that satisfies
 /// `condition`.
@@ -93,9 +88,9 @@ bool CLSCO_AZIENDECOLL::ControllaDittaNonCollegata() noexcept {
       return;
     }
     const Variant year = AnnoRiferimento(false);
-    configured =
-        richiediConfigurazione(missingCount(kOverSeveralCompanies, in.Pvar_Ditta, year, ""),
-                               linksQuestion(in, year), [this] { configuraCollegamenti(); });
+    configured = richiediConfigurazione(
+        missingCount(regimes::kOverSeveralCompanies, in.Pvar_Ditta, year, ""),
+        linksQuestion(in, year), [this] { configuraCollegamenti(); });
   });
   return configured;
 }
@@ -108,9 +103,9 @@ bool CLSCO_AZIENDECOLL::ControllaAttivitaNonCollegata() noexcept {
     const std::string activity = testo(in.CodiceAttività);
     const std::string condition =
         activity.empty() ? std::string{} : join(" AND CG86_CODATTIVITA = ", activity);
-    configured =
-        richiediConfigurazione(missingCount(kWithinOneCompany, in.Pvar_Ditta, year, condition),
-                               activitiesQuestion(activity, year), [this] { configuraAttività(); });
+    configured = richiediConfigurazione(
+        missingCount(regimes::kWithinOneCompany, in.Pvar_Ditta, year, condition),
+        activitiesQuestion(activity, year), [this] { configuraAttività(); });
   });
   return configured;
 }

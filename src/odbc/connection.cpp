@@ -114,7 +114,7 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
                                                              Connection& connection) {
           auto* const own = dynamic_cast<OdbcConnection*>(&connection);
           if (own == nullptr) {
-            throw Error(std::string{messages::kWrongConnection});
+            throw Error(messages::kWrongConnection);
           }
           return own->settle(std::move(columns), *batch, index, count);
         };

@@ -15,7 +15,6 @@ constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
 constexpr std::size_t kFirstRows = 32;  // most results are small, and buffers are not for nothing
 constexpr std::size_t kMostRows = 512;
 constexpr std::size_t kLongestBoundText = 4000;  // beyond it a column has in fact no limit
-constexpr std::size_t kDecimalBytes = 64;        // sign, point and 38 digits fit well
 
 /// A bound column: where its values and their lengths arrive.
 struct Slot {

@@ -14,7 +14,6 @@ constexpr SQLULEN kMillisecondPrecision = 23;
 constexpr SQLSMALLINT kMillisecondDigits = 3;
 constexpr std::size_t kOutputUnits = 8000;        // where the declared length is shorter, or wrong
 constexpr std::size_t kLongOutputUnits = 131072;  // for outputs without a limit
-constexpr std::size_t kDecimalBytes = 64;
 
 std::size_t unitsOf(const Bytes& bytes) { return bytes.size() / sizeof(char16_t); }
 

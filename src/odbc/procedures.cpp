@@ -18,7 +18,7 @@ namespace {
 using cursor::sameName;
 
 // Columns of the result of SQLProcedureColumns.
-constexpr std::size_t kSchema = 1;
+constexpr std::size_t kOwner = 1;
 constexpr std::size_t kProcedure = 2;
 constexpr std::size_t kName = 3;
 constexpr std::size_t kKind = 4;
@@ -101,7 +101,7 @@ std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureNam
   std::optional<std::string> schema;
   for (std::size_t row = 0; row < rows.count(); ++row) {
     // The name went as a pattern, in which an underscore stands for any character.
-    const std::string owner = rows.text(row, kSchema);
+    const std::string owner = rows.text(row, kOwner);
     const bool meant = sameName(withoutNumber(rows.text(row, kProcedure)), wanted.name) &&
                        (wanted.schema.empty() || sameName(owner, wanted.schema)) &&
                        (!schema || *schema == owner);

@@ -90,12 +90,12 @@ Date decodeTimestamp(std::span<const std::byte> bytes) {
 }
 
 Variant decodeBinary(std::span<const std::byte> bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
   std::string text = "0x";
   text.reserve(text.size() + bytes.size() * 2);
   for (const std::byte byte : bytes) {
-    text += kDigits[std::to_integer<std::size_t>(byte >> 4U)];
-    text += kDigits[std::to_integer<std::size_t>(byte & std::byte{0x0F})];
+    text += kHexDigits[std::to_integer<std::size_t>(byte >> 4U)];
+    text += kHexDigits[std::to_integer<std::size_t>(byte & std::byte{0x0F})];
   }
   return text;
 }
@@ -110,7 +110,7 @@ int digitValue(char digit) {
 
 Bytes encodeBinary(const std::string& text) {
   if (text.size() % 2 != 0 || !(text.starts_with("0x") || text.starts_with("0X"))) {
-    throw Error(std::string{messages::kTypeMismatch});
+    throw Error(messages::kTypeMismatch);
   }
   Bytes bytes;
   bytes.reserve(text.size() / 2);
@@ -118,7 +118,7 @@ Bytes encodeBinary(const std::string& text) {
     const int high = digitValue(text[at]);
     const int low = digitValue(text[at + 1]);
     if (high < 0 || low < 0) {
-      throw Error(std::string{messages::kTypeMismatch});
+      throw Error(messages::kTypeMismatch);
     }
     bytes.push_back(static_cast<std::byte>(high * 16 + low));
   }

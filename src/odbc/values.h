@@ -39,6 +39,9 @@ using Bytes = std::vector<std::byte>;
 /// Bytes of a value of a form that has always the same; 0 for decimals, texts and binary data.
 [[nodiscard]] std::size_t fixedWidth(Carrier carrier);
 
+/// Room for a decimal as text: sign, point and 38 digits fit well.
+inline constexpr std::size_t kDecimalBytes = 64;
+
 /// Bytes of the zero that ends a value of the form in a buffer; 0 when there is none.
 [[nodiscard]] std::size_t terminatorWidth(Carrier carrier);
 

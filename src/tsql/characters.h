@@ -54,6 +54,8 @@ constexpr char byteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? text[at] : '\0';
 }
 
+constexpr bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
+
 constexpr char upperAscii(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }

@@ -7,8 +7,8 @@ namespace azcoll::tsql {
 
 namespace {
 
-constexpr int kAdditive = 1;
-constexpr int kMultiplicative = 2;
+constexpr int kReadsAdditive = 1;
+constexpr int kReadsMultiplicative = 2;
 
 struct Arithmetic {
   BinaryOperator op;
@@ -18,15 +18,15 @@ struct Arithmetic {
 std::optional<Arithmetic> arithmeticOperator(Symbol symbol) {
   switch (symbol) {
     case Symbol::Plus:
-      return Arithmetic{BinaryOperator::Add, kAdditive};
+      return Arithmetic{BinaryOperator::Add, kReadsAdditive};
     case Symbol::Minus:
-      return Arithmetic{BinaryOperator::Subtract, kAdditive};
+      return Arithmetic{BinaryOperator::Subtract, kReadsAdditive};
     case Symbol::Star:
-      return Arithmetic{BinaryOperator::Multiply, kMultiplicative};
+      return Arithmetic{BinaryOperator::Multiply, kReadsMultiplicative};
     case Symbol::Slash:
-      return Arithmetic{BinaryOperator::Divide, kMultiplicative};
+      return Arithmetic{BinaryOperator::Divide, kReadsMultiplicative};
     case Symbol::Percent:
-      return Arithmetic{BinaryOperator::Modulo, kMultiplicative};
+      return Arithmetic{BinaryOperator::Modulo, kReadsMultiplicative};
     default:
       return std::nullopt;
   }
@@ -71,7 +71,7 @@ ExpressionPtr Parser::parseCondition() {
 
 ExpressionPtr Parser::parseScalar() {
   const Part part(*this);
-  return parseArithmetic(kAdditive, false);
+  return parseArithmetic(kReadsAdditive, false);
 }
 
 /// Inside parentheses, where only what follows tells a condition from a value.
@@ -116,7 +116,7 @@ ExpressionPtr Parser::parsePredicate(Wanted wanted) {
   if (is(Keyword::Exists)) {
     return parseExists();
   }
-  ExpressionPtr left = parseArithmetic(kAdditive, true);
+  ExpressionPtr left = parseArithmetic(kReadsAdditive, true);
   if (isCondition(*left)) {
     return left;
   }
@@ -131,7 +131,7 @@ ExpressionPtr Parser::parsePredicateBehind(ExpressionPtr left, Wanted wanted) {
     if (is(Keyword::All) || is(Keyword::Any) || is(Keyword::Some)) {
       failOutside("ALL, ANY and SOME in front of a subquery");
     }
-    return makeBinary(*comparison, std::move(left), parseArithmetic(kAdditive, false));
+    return makeBinary(*comparison, std::move(left), parseArithmetic(kReadsAdditive, false));
   }
   switch (current_.keyword) {
     case Keyword::Is: {
@@ -161,16 +161,16 @@ ExpressionPtr Parser::parseNegatable(ExpressionPtr left, bool negated) {
     return parseIn(std::move(left), negated);
   }
   if (accept(Keyword::Like)) {
-    Like like{std::move(left), parseArithmetic(kAdditive, false), nullptr, negated};
+    Like like{std::move(left), parseArithmetic(kReadsAdditive, false), nullptr, negated};
     if (accept(Keyword::Escape)) {
-      like.escape = parseArithmetic(kAdditive, false);
+      like.escape = parseArithmetic(kReadsAdditive, false);
     }
     return makeExpression(position, std::move(like));
   }
   expect(Keyword::Between);
-  Between between{std::move(left), parseArithmetic(kAdditive, false), nullptr, negated};
+  Between between{std::move(left), parseArithmetic(kReadsAdditive, false), nullptr, negated};
   expect(Keyword::And);
-  between.high = parseArithmetic(kAdditive, false);
+  between.high = parseArithmetic(kReadsAdditive, false);
   return makeExpression(position, std::move(between));
 }
 
@@ -246,7 +246,7 @@ ExpressionPtr Parser::parseUnary(bool conditionAllowed) {
   const Position position = current_.position;
   const UnaryOperator op = is(Symbol::Minus) ? UnaryOperator::Minus : UnaryOperator::Plus;
   advance();
-  return makeExpression(position, Unary{op, parseArithmetic(kMultiplicative, false)});
+  return makeExpression(position, Unary{op, parseArithmetic(kReadsMultiplicative, false)});
 }
 
 ExpressionPtr Parser::parsePrimary(bool conditionAllowed) {

@@ -6,8 +6,6 @@ namespace azcoll::tsql {
 
 namespace {
 
-bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
-
 std::size_t skipSpaces(std::string_view text, std::size_t at) {
   while (byteAt(text, at) == ' ' || byteAt(text, at) == '\t') {
     ++at;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tsql/characters.h"
 #include "tsql/parser.h"
 #include "tsql/utf8.h"
 
@@ -11,8 +12,6 @@ namespace {
 
 constexpr std::size_t kContext = 40;  // characters shown on either side of the place
 constexpr std::size_t kMarked = 32;   // characters shown of the place itself
-
-bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
 
 /// Start of the part shown in front of `offset`; `cut` tells that the line began earlier.
 std::size_t contextStart(std::string_view text, std::size_t offset, bool& cut) {

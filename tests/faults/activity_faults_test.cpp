@@ -4,11 +4,10 @@
 #include <string>
 
 #include "faults/fault_harness.h"
+#include "support/method.h"
 
 namespace azcoll::test {
 namespace {
-
-using Method = void (CLSCO_AZIENDECOLL::*)() noexcept;
 
 std::function<void(CLSCO_AZIENDECOLL&)> of(int company, int year, int code, Method method) {
   return [=](CLSCO_AZIENDECOLL& service) {

@@ -15,6 +15,7 @@
 #include "data/tracing.h"
 #include "support/child_process.h"
 #include "support/database_file.h"
+#include "support/method.h"
 
 namespace azcoll::test {
 namespace {
@@ -63,8 +64,6 @@ class Kill : public ::testing::Test {
   static std::unique_ptr<ScratchFolder> folder;
 };
 std::unique_ptr<ScratchFolder> Kill::folder;
-
-using Method = void (CLSCO_AZIENDECOLL::*)() noexcept;
 
 Variant call(Method method, const std::shared_ptr<Connection>& connection, int company, int code) {
   CLSCO_AZIENDECOLL service;

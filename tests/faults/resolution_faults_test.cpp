@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "faults/fault_harness.h"
+#include "support/method.h"
 
 namespace azcoll::test {
 namespace {
-
-using Method = void (CLSCO_AZIENDECOLL::*)();
 
 /// A call in company `company`, in a year with links.
 std::function<void(CLSCO_AZIENDECOLL&)> ask(int company, const Method& method) {

@@ -41,7 +41,7 @@ std::string groupOfEight(const ScratchFolder& folder) {
 }
 
 /// Saves customers in one company, each under the next code of that company, and spreads them.
-int saveCustomers(const std::string& path, int company) {
+int saveNewCustomers(const std::string& path, int company) {
   const std::shared_ptr<Connection> connection = openFile(path, "Timeout=60");
   for (int number = 0; number < kCustomersEach; ++number) {
     const int entry = 100000 + 1000 * company + number;
@@ -81,7 +81,7 @@ TEST_P(Writers, NeverShareACodeBetweenCustomers) {
     for (int i = 0; i < writers; ++i) {
       // The last company first, so that with few writers the main company is not among them.
       const int company = kFirstCompany + kCompanies - 1 - i;
-      processes.emplace_back([&path, company] { return saveCustomers(path, company); });
+      processes.emplace_back([&path, company] { return saveNewCustomers(path, company); });
     }
     for (ChildProcess& process : processes) {
       EXPECT_EQ(process.wait(), 0);

@@ -26,8 +26,8 @@ namespace {
 
 using cursor::Criteria;
 
-enum class Outcome : std::uint8_t { Satisfied, NotSatisfied, DoesNotFit };
-using Outcomes = std::vector<Outcome>;
+enum class Verdict : std::uint8_t { Satisfied, NotSatisfied, DoesNotFit };
+using Verdicts = std::vector<Verdict>;
 using Row = std::vector<Variant>;
 
 constexpr std::array<const char*, 9> kColumns{"ID", "S", "I", "L", "D", "F", "A", "B", "due [T]"};
@@ -97,20 +97,20 @@ std::int32_t currentId(Recordset& recordset) {
   return *recordset.fields().item(std::size_t{0}).value().get<std::int32_t>();
 }
 
-Outcomes outcomesOf(const Criteria& criteria, const std::vector<Row>& rows) {
-  Outcomes outcomes;
+Verdicts outcomesOf(const Criteria& criteria, const std::vector<Row>& rows) {
+  Verdicts outcomes;
   for (const Row& row : rows) {
     try {
-      outcomes.push_back(criteria.matches(row) ? Outcome::Satisfied : Outcome::NotSatisfied);
+      outcomes.push_back(criteria.matches(row) ? Verdict::Satisfied : Verdict::NotSatisfied);
     } catch (const Error&) {
-      outcomes.push_back(Outcome::DoesNotFit);
+      outcomes.push_back(Verdict::DoesNotFit);
     }
   }
   return outcomes;
 }
 
 /// The outcome for every row; nothing when the text is refused.
-std::optional<Outcomes> filtered(const std::string& text, const std::vector<Row>& rows) {
+std::optional<Verdicts> filtered(const std::string& text, const std::vector<Row>& rows) {
   try {
     return outcomesOf(Criteria::filter(text, columnNamed), rows);
   } catch (const Error& error) {
@@ -119,7 +119,7 @@ std::optional<Outcomes> filtered(const std::string& text, const std::vector<Row>
   }
 }
 
-std::optional<Outcomes> searched(const std::string& text, const std::vector<Row>& rows) {
+std::optional<Verdicts> searched(const std::string& text, const std::vector<Row>& rows) {
   try {
     return outcomesOf(Criteria::search(text, columnNamed), rows);
   } catch (const Error&) {
@@ -127,14 +127,14 @@ std::optional<Outcomes> searched(const std::string& text, const std::vector<Row>
   }
 }
 
-bool fits(const Outcomes& outcomes) {
-  return std::find(outcomes.begin(), outcomes.end(), Outcome::DoesNotFit) == outcomes.end();
+bool fits(const Verdicts& outcomes) {
+  return std::find(outcomes.begin(), outcomes.end(), Verdict::DoesNotFit) == outcomes.end();
 }
 
-std::vector<std::int32_t> satisfying(const Outcomes& outcomes) {
+std::vector<std::int32_t> satisfying(const Verdicts& outcomes) {
   std::vector<std::int32_t> ids;
   for (std::size_t i = 0; i < outcomes.size(); ++i) {
-    if (outcomes[i] == Outcome::Satisfied) {
+    if (outcomes[i] == Verdict::Satisfied) {
       ids.push_back(static_cast<std::int32_t>(i));
     }
   }
@@ -146,7 +146,7 @@ bool isBlank(const std::string& text) {
 }
 
 /// Filter shows the rows that satisfy the criteria, or throws and leaves the rows as they were.
-void checkFilter(const std::string& text, const std::optional<Outcomes>& outcomes,
+void checkFilter(const std::string& text, const std::optional<Verdicts>& outcomes,
                  Recordset& recordset) {
   const std::int64_t before = recordset.recordCount();
   try {
@@ -168,7 +168,7 @@ void checkFilter(const std::string& text, const std::optional<Outcomes>& outcome
 }
 
 /// Find meets the rows that satisfy the comparison one after the other, in both directions.
-void checkFind(const std::string& text, const Outcomes& outcomes, Recordset& recordset) {
+void checkFind(const std::string& text, const Verdicts& outcomes, Recordset& recordset) {
   for (const auto direction : {SearchDirection::Forward, SearchDirection::Backward}) {
     const bool forward = direction == SearchDirection::Forward;
     std::vector<std::int32_t> found;
@@ -191,9 +191,9 @@ void checkFind(const std::string& text, const Outcomes& outcomes, Recordset& rec
 
 void checkCriteria(const std::string& text, const std::vector<Row>& rows) {
   const std::shared_ptr<Recordset> recordset = openRows(rows);
-  const std::optional<Outcomes> filter = filtered(text, rows);
+  const std::optional<Verdicts> filter = filtered(text, rows);
   checkFilter(text, filter, *recordset);
-  const std::optional<Outcomes> search = searched(text, rows);
+  const std::optional<Verdicts> search = searched(text, rows);
   if (!search) {
     return;
   }
@@ -222,14 +222,14 @@ bool fitsPattern(std::string_view text, std::string_view pattern) {
   return fits.back();
 }
 
-Outcomes compared(std::size_t column, const char* comparator, const std::string& literal,
+Verdicts compared(std::size_t column, const char* comparator, const std::string& literal,
                   const std::vector<Row>& rows) {
   std::string name = kColumns[column];
   for (std::size_t at = name.find(']'); at != std::string::npos; at = name.find(']', at + 2)) {
     name.insert(at, 1, ']');
   }
   const std::string text = "[" + name + "] " + comparator + " " + literal;
-  const std::optional<Outcomes> outcomes = searched(text, rows);
+  const std::optional<Verdicts> outcomes = searched(text, rows);
   require(outcomes.has_value(), "a comparison with a text is understood", text);
   return *outcomes;
 }
@@ -237,28 +237,28 @@ Outcomes compared(std::size_t column, const char* comparator, const std::string&
 /// The comparisons of a column with a value fit together.
 void checkComparisons(std::size_t column, const std::string& value, const std::vector<Row>& rows) {
   const std::string literal = "'" + doubleApostrophes(value) + "'";
-  const Outcomes less = compared(column, "<", literal, rows);
-  const Outcomes equal = compared(column, "=", literal, rows);
-  const Outcomes greater = compared(column, ">", literal, rows);
-  const Outcomes notEqual = compared(column, "<>", literal, rows);
-  const Outcomes lessOrEqual = compared(column, "<=", literal, rows);
-  const Outcomes greaterOrEqual = compared(column, ">=", literal, rows);
-  const Outcomes like = compared(column, "LIKE", literal, rows);
+  const Verdicts less = compared(column, "<", literal, rows);
+  const Verdicts equal = compared(column, "=", literal, rows);
+  const Verdicts greater = compared(column, ">", literal, rows);
+  const Verdicts notEqual = compared(column, "<>", literal, rows);
+  const Verdicts lessOrEqual = compared(column, "<=", literal, rows);
+  const Verdicts greaterOrEqual = compared(column, ">=", literal, rows);
+  const Verdicts like = compared(column, "LIKE", literal, rows);
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const Variant& cell = rows[i][column];
     if (cell.isNull()) {
-      for (const Outcomes& outcomes :
+      for (const Verdicts& outcomes :
            {less, equal, greater, notEqual, lessOrEqual, greaterOrEqual, like}) {
-        require(outcomes[i] == Outcome::NotSatisfied, "Null satisfies no comparison", value);
+        require(outcomes[i] == Verdict::NotSatisfied, "Null satisfies no comparison", value);
       }
       continue;
     }
-    const auto is = [i](const Outcomes& outcomes) { return outcomes[i] == Outcome::Satisfied; };
+    const auto is = [i](const Verdicts& outcomes) { return outcomes[i] == Verdict::Satisfied; };
     const std::string pattern = cursor::folded(value);
     require(is(like) == fitsPattern(cursor::folded(cell.text()), pattern), "LIKE fits", value);
-    if (less[i] == Outcome::DoesNotFit) {
-      for (const Outcomes& outcomes : {equal, greater, notEqual, lessOrEqual, greaterOrEqual}) {
-        require(outcomes[i] == Outcome::DoesNotFit, "all comparisons fit or none", value);
+    if (less[i] == Verdict::DoesNotFit) {
+      for (const Verdicts& outcomes : {equal, greater, notEqual, lessOrEqual, greaterOrEqual}) {
+        require(outcomes[i] == Verdict::DoesNotFit, "all comparisons fit or none", value);
       }
       continue;
     }
@@ -295,7 +295,7 @@ void criteria(std::string_view input) {
     }
     const std::string literal = "'" + doubleApostrophes(values[v]) + "'";
     const std::size_t own = rows.size() - values.size() + v;
-    require(compared(kTextColumn, "=", literal, rows)[own] == Outcome::Satisfied,
+    require(compared(kTextColumn, "=", literal, rows)[own] == Verdict::Satisfied,
             "a text equals itself", values[v]);
   }
 }

@@ -89,29 +89,27 @@ TEST_F(GroupOrders, AreThoseThatTheProceduresOfTheSuiteWalk) {
     const char* fromMain;
     const char* fromLinked;
   };
-  using Service = CLSCO_AZIENDECOLL;
+  using Group = CLSCO_AZIENDECOLL;
   const Row table[]{
-      {"DitteCollegate", &Service::DitteCollegate, Order::OwnCompanyLast, "12, 15, 10", ""},
-      {"DitteCollegatePiuPrincipale", &Service::DitteCollegatePiuPrincipale, Order::OwnCompanyLast,
+      {"DitteCollegate", &Group::DitteCollegate, Order::OwnCompanyLast, "12, 15, 10", ""},
+      {"DitteCollegatePiuPrincipale", &Group::DitteCollegatePiuPrincipale, Order::OwnCompanyLast,
        "12, 15, 10", "10, 15, 12"},
-      {"RecordsetDitteCollegate", &Service::RecordsetDitteCollegate, Order::Any, "12, 15", ""},
-      {"RecordsetDitteCollegateOPrincipale", &Service::RecordsetDitteCollegateOPrincipale,
-       Order::Any, "12, 15", "10, 15"},
+      {"RecordsetDitteCollegate", &Group::RecordsetDitteCollegate, Order::Any, "12, 15", ""},
+      {"RecordsetDitteCollegateOPrincipale", &Group::RecordsetDitteCollegateOPrincipale, Order::Any,
+       "12, 15", "10, 15"},
       {"RecordsetDitteCollegateOPrincipalePerSedi",
-       &Service::RecordsetDitteCollegateOPrincipalePerSedi, Order::Any, "12, 15", "10, 15"},
+       &Group::RecordsetDitteCollegateOPrincipalePerSedi, Order::Any, "12, 15", "10, 15"},
       {"RecordsetDitteCollegateOPrincipalePerIntermedi",
-       &Service::RecordsetDitteCollegateOPrincipalePerIntermedi, Order::Any, "12, 15", "10, 15"},
-      {"RecordsetDitteCollegatePiuPrincipale", &Service::RecordsetDitteCollegatePiuPrincipale,
+       &Group::RecordsetDitteCollegateOPrincipalePerIntermedi, Order::Any, "12, 15", "10, 15"},
+      {"RecordsetDitteCollegatePiuPrincipale", &Group::RecordsetDitteCollegatePiuPrincipale,
        Order::Stated, "10, 12, 15", ""},
       {"RecordsetDitteCollegatePiuPrincipaleNoPrinc",
-       &Service::RecordsetDitteCollegatePiuPrincipaleNoPrinc, Order::Any, "10, 12, 15",
-       "10, 12, 15"},
+       &Group::RecordsetDitteCollegatePiuPrincipaleNoPrinc, Order::Any, "10, 12, 15", "10, 12, 15"},
       {"RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva",
-       &Service::RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva, Order::Stated, "10, 12, 15",
-       ""},
+       &Group::RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva, Order::Stated, "10, 12, 15", ""},
       {"RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio",
-       &Service::RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio, Order::Stated,
-       "12, 15, 10", ""},
+       &Group::RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio, Order::Stated, "12, 15, 10",
+       ""},
   };
   for (const Row& row : table) {
     const std::string fromMain = handedOut(10, row.method, row.order);

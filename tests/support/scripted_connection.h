@@ -14,7 +14,7 @@
 #include "cursor/client_cursor.h"
 #include "data/connection.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 /// One operation seen by a scripted connection, in the order in which they came.
 struct Operation {
@@ -443,4 +443,4 @@ inline std::shared_ptr<Recordset> ScriptedCommand::execute(std::int64_t& records
       owner_, openClientCursor(ExecutionResult{{std::move(answer.rows)}, -1}, owner_), text_);
 }
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -13,9 +13,9 @@
 namespace azcoll::cli {
 namespace {
 
-using azcoll::testing::Failure;
-using azcoll::testing::rowSet;
-using azcoll::testing::ScriptedConnection;
+using azcoll::test::Failure;
+using azcoll::test::rowSet;
+using azcoll::test::ScriptedConnection;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

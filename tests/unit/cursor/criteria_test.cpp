@@ -35,7 +35,7 @@ bool matches(std::string_view criteria) {
   return Criteria::filter(criteria, columnOf).matches(kRow);
 }
 
-std::string failureOf(std::string_view criteria) {
+std::string refusalOf(std::string_view criteria) {
   try {
     static_cast<void>(matches(criteria));
   } catch (const Error& error) {
@@ -144,8 +144,8 @@ TEST(Criteria, JoinsGroupsWithOr) {
 
 TEST(Criteria, ReadsBracketedAndAccentedNames) {
   EXPECT_TRUE(matches("[ANNO] = 2024"));
-  EXPECT_EQ(failureOf("NOT ANNO = 1"), "Elemento non trovato nella raccolta: NOT");
-  EXPECT_EQ(failureOf("Attivit\u00E0 = 1"), "Elemento non trovato nella raccolta: Attivit\u00E0");
+  EXPECT_EQ(refusalOf("NOT ANNO = 1"), "Elemento non trovato nella raccolta: NOT");
+  EXPECT_EQ(refusalOf("Attivit\u00E0 = 1"), "Elemento non trovato nella raccolta: Attivit\u00E0");
 }
 
 TEST(Criteria, AcceptsAnyBlanksBetweenItsParts) {
@@ -154,13 +154,13 @@ TEST(Criteria, AcceptsAnyBlanksBetweenItsParts) {
 }
 
 TEST(Criteria, SaysWhereAMistakeIs) {
-  EXPECT_EQ(failureOf("ANNO = 2024 AND SCONTO ! 3"),
+  EXPECT_EQ(refusalOf("ANNO = 2024 AND SCONTO ! 3"),
             "Criterio non valido, carattere 24: atteso un confronto (= <> < <= > >= LIKE) (\u00AB! "
             "3\u00BB)");
-  EXPECT_EQ(failureOf("ANNO ="),
+  EXPECT_EQ(refusalOf("ANNO ="),
             "Criterio non valido, carattere 7: atteso un valore (\u00ABfine del testo\u00BB)");
   EXPECT_EQ(
-      failureOf("NOME = 'citt\u00E0' ANNO = 1"),
+      refusalOf("NOME = 'citt\u00E0' ANNO = 1"),
       "Criterio non valido, carattere 16: attesa la fine del criterio (\u00ABANNO = 1\u00BB)");
 }
 
@@ -172,7 +172,7 @@ struct Mistake {
 class CriteriaMistakes : public testing::TestWithParam<Mistake> {};
 
 TEST_P(CriteriaMistakes, AreRefusedWithTheirReason) {
-  const std::string failure = failureOf(GetParam().criteria);
+  const std::string failure = refusalOf(GetParam().criteria);
   EXPECT_TRUE(failure.starts_with("Criterio non valido, carattere ")) << failure;
   EXPECT_NE(failure.find(GetParam().reason), std::string::npos) << failure;
 }
@@ -210,9 +210,9 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Criteria, RefusesALiteralThatTheColumnCannotBe) {
   for (const char* criteria : {"ANNO = 'abc'", "ANNO = #2024-01-01#", "PESO = 'x'", "DATA = 5",
                                "DATA = 'ieri'", "ATTIVO = 'forse'", "NOME = #2024-01-01#"}) {
-    EXPECT_TRUE(failureOf(criteria).starts_with(
+    EXPECT_TRUE(refusalOf(criteria).starts_with(
         "Criterio non valido: tipo non corrispondente per la colonna "))
-        << criteria << ": " << failureOf(criteria);
+        << criteria << ": " << refusalOf(criteria);
   }
 }
 
@@ -237,12 +237,12 @@ TEST(Criteria, SurvivesCutAndCorruptTexts) {
   for (std::size_t length = 1; length < whole.size(); ++length) {
     const std::string cut = whole.substr(0, length);
     if (cut.back() != ')' && !cut.ends_with(") ")) {
-      EXPECT_NE(failureOf(cut), "no failure") << cut;
+      EXPECT_NE(refusalOf(cut), "no failure") << cut;
     }
     for (const char byte : {'\'', '(', '#', '\xFF', '\0', ']'}) {
       std::string corrupt = whole;
       corrupt[length] = byte;
-      static_cast<void>(failureOf(corrupt));
+      static_cast<void>(refusalOf(corrupt));
     }
   }
 }

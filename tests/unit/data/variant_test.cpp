@@ -28,7 +28,7 @@ const std::string kMismatch = "Tipo non corrispondente";
 const std::string kNullUse = "Uso non valido di Null";
 const std::string kOverflow = "Overflow";
 
-Decimal number(std::string_view text) { return Decimal::parse(text).value_or(Decimal{}); }
+Decimal decimal(std::string_view text) { return Decimal::parse(text).value_or(Decimal{}); }
 
 class Thing final : public Object {};
 
@@ -40,7 +40,7 @@ TEST(Variant, NumbersItsKindsAsTheStorageDoes) {
   EXPECT_EQ(Variant{1}.kind(), Variant::Kind::Int32);
   EXPECT_EQ(Variant{std::int64_t{1}}.kind(), Variant::Kind::Int64);
   EXPECT_EQ(Variant{1.5}.kind(), Variant::Kind::Double);
-  EXPECT_EQ(Variant{number("1")}.kind(), Variant::Kind::Decimal);
+  EXPECT_EQ(Variant{decimal("1")}.kind(), Variant::Kind::Decimal);
   EXPECT_EQ(Variant{Date{}}.kind(), Variant::Kind::Date);
   EXPECT_EQ(Variant{"a"}.kind(), Variant::Kind::Text);
   EXPECT_EQ(Variant{std::string_view{"a"}}.kind(), Variant::Kind::Text);
@@ -53,7 +53,7 @@ TEST(Variant, HasATextFormForEveryValue) {
   EXPECT_EQ(Variant{false}.text(), "False");
   EXPECT_EQ(Variant{std::int16_t{-32768}}.text(), "-32768");
   EXPECT_EQ(Variant{std::numeric_limits<std::int64_t>::min()}.text(), "-9223372036854775808");
-  EXPECT_EQ(Variant{number("1234.50")}.text(), "1234.50");
+  EXPECT_EQ(Variant{decimal("1234.50")}.text(), "1234.50");
   EXPECT_EQ(Variant{*Date::of(2024, 2, 1)}.text(), "01/02/2024");
   EXPECT_EQ(Variant{*Date::of(2024, 2, 1, 13, 5)}.text(), "01/02/2024 13:05:00");
   EXPECT_EQ(Variant{"Attivit\u00E0"}.text(), "Attivit\u00E0");
@@ -83,9 +83,9 @@ TEST(Variant, IgnoresTheLocale) {
       std::locale::global(std::locale{std::locale::classic(), new CommaAndGrouping});
   EXPECT_EQ(Variant{1234.5}.text(), "1234.5");
   EXPECT_EQ(Variant{123456}.text(), "123456");
-  EXPECT_EQ(Variant{number("1234.5")}.text(), "1234.5");
-  EXPECT_EQ(Variant{"1234.5"}.toDecimal(), number("1234.5"));
-  EXPECT_EQ(number("1234.5").toDouble(), 1234.5);
+  EXPECT_EQ(Variant{decimal("1234.5")}.text(), "1234.5");
+  EXPECT_EQ(Variant{"1234.5"}.toDecimal(), decimal("1234.5"));
+  EXPECT_EQ(decimal("1234.5").toDouble(), 1234.5);
   std::locale::global(before);
 }
 
@@ -108,8 +108,8 @@ TEST(Variant, ConvertsToIntegers) {
   EXPECT_EQ(Variant{2.5}.toInt64(), 2);
   EXPECT_EQ(Variant{3.5}.toInt64(), 4);
   EXPECT_EQ(Variant{-2.5}.toInt64(), -2);
-  EXPECT_EQ(Variant{number("2.5")}.toInt64(), 2);
-  EXPECT_EQ(Variant{number("2.51")}.toInt64(), 3);
+  EXPECT_EQ(Variant{decimal("2.5")}.toInt64(), 2);
+  EXPECT_EQ(Variant{decimal("2.51")}.toInt64(), 3);
   EXPECT_EQ(Variant{" 12 "}.toInt64(), 12);
   EXPECT_EQ(Variant{"12.5"}.toInt64(), 12);
 }
@@ -125,7 +125,7 @@ TEST(Variant, RefusesWhatIsNoInteger) {
   EXPECT_EQ(failureOf([] { return Variant{-1e300}.toInt64(); }), kOverflow);
   EXPECT_EQ(failureOf([] { return Variant{std::numeric_limits<double>::quiet_NaN()}.toInt64(); }),
             kOverflow);
-  EXPECT_EQ(failureOf([] { return Variant{number("9223372036854775808")}.toInt64(); }), kOverflow);
+  EXPECT_EQ(failureOf([] { return Variant{decimal("9223372036854775808")}.toInt64(); }), kOverflow);
 }
 
 TEST(Variant, KeepsNarrowIntegersInTheirRange) {
@@ -140,7 +140,7 @@ TEST(Variant, ConvertsToExactDecimals) {
   EXPECT_EQ(Variant{0.1}.toDecimal().text(), "0.1");
   EXPECT_EQ(Variant{1e22}.toDecimal().text(), "10000000000000000000000");
   EXPECT_EQ(Variant{"12.50"}.toDecimal().text(), "12.50");
-  EXPECT_EQ(Variant{number("1.20")}.toDecimal().text(), "1.20");
+  EXPECT_EQ(Variant{decimal("1.20")}.toDecimal().text(), "1.20");
   EXPECT_EQ(Variant{5}.toDecimal().text(), "5");
   EXPECT_EQ(Variant{}.toDecimal().text(), "0");
   EXPECT_EQ(failureOf([] { return Variant{1e39}.toDecimal(); }), kOverflow);
@@ -159,7 +159,7 @@ TEST(Variant, TellsTruth) {
   EXPECT_TRUE(Variant{"-1"}.toBool());
   EXPECT_FALSE(Variant{"FALSE"}.toBool());
   EXPECT_FALSE(Variant{"0.0"}.toBool());
-  EXPECT_FALSE(Variant{number("0.00")}.toBool());
+  EXPECT_FALSE(Variant{decimal("0.00")}.toBool());
   EXPECT_FALSE(Variant{}.toBool());
   EXPECT_EQ(failureOf([] { return Variant{"vero"}.toBool(); }), kMismatch);
   EXPECT_EQ(failureOf([] { return Variant{kNull}.toBool(); }), kNullUse);
@@ -180,9 +180,9 @@ TEST(Variant, AddsOneInItsOwnKindWhileItFits) {
   EXPECT_EQ(Variant{2147483647}.plusOne(), Variant{std::int64_t{2147483648}});
   EXPECT_EQ(Variant{std::int64_t{5}}.plusOne(), Variant{std::int64_t{6}});
   EXPECT_EQ(Variant{std::numeric_limits<std::int64_t>::max()}.plusOne(),
-            Variant{number("9223372036854775808")});
+            Variant{decimal("9223372036854775808")});
   EXPECT_EQ(Variant{1.5}.plusOne(), Variant{2.5});
-  EXPECT_EQ(Variant{number("1.50")}.plusOne(), Variant{number("2.50")});
+  EXPECT_EQ(Variant{decimal("1.50")}.plusOne(), Variant{decimal("2.50")});
   EXPECT_EQ(Variant{}.plusOne(), Variant{std::int16_t{1}});
   EXPECT_EQ(Variant{true}.plusOne(), Variant{std::int16_t{0}});
 }
@@ -190,12 +190,12 @@ TEST(Variant, AddsOneInItsOwnKindWhileItFits) {
 TEST(Variant, AddsOneToATextThatHoldsANumber) {
   EXPECT_EQ(Variant{"41"}.plusOne(), Variant{42});
   EXPECT_EQ(Variant{" 2147483647 "}.plusOne(), Variant{std::int64_t{2147483648}});
-  EXPECT_EQ(Variant{"1.5"}.plusOne(), Variant{number("2.5")});
-  EXPECT_EQ(Variant{"9223372036854775807"}.plusOne(), Variant{number("9223372036854775808")});
+  EXPECT_EQ(Variant{"1.5"}.plusOne(), Variant{decimal("2.5")});
+  EXPECT_EQ(Variant{"9223372036854775807"}.plusOne(), Variant{decimal("9223372036854775808")});
   EXPECT_EQ(failureOf([] { return Variant{"A1"}.plusOne(); }), kMismatch);
   EXPECT_EQ(failureOf([] { return Variant{kNull}.plusOne(); }), kNullUse);
   EXPECT_EQ(failureOf([] { return Variant{Date{}}.plusOne(); }), kMismatch);
-  EXPECT_EQ(failureOf([] { return Variant{number(std::string(38, '9'))}.plusOne(); }), kOverflow);
+  EXPECT_EQ(failureOf([] { return Variant{decimal(std::string(38, '9'))}.plusOne(); }), kOverflow);
 }
 
 TEST(Variant, HandsOutItsObject) {
@@ -213,10 +213,10 @@ TEST(Variant, IsEqualOnlyToTheSameKind) {
 
 TEST(SameValue, ComparesNumbersAcrossKinds) {
   EXPECT_TRUE(sameValue(Variant{std::int16_t{5}}, Variant{std::int64_t{5}}));
-  EXPECT_TRUE(sameValue(Variant{5}, Variant{number("5.00")}));
-  EXPECT_TRUE(sameValue(Variant{0.1}, Variant{number("0.10")}));
+  EXPECT_TRUE(sameValue(Variant{5}, Variant{decimal("5.00")}));
+  EXPECT_TRUE(sameValue(Variant{0.1}, Variant{decimal("0.10")}));
   EXPECT_TRUE(sameValue(Variant{5}, Variant{5.0}));
-  EXPECT_FALSE(sameValue(Variant{5}, Variant{number("5.01")}));
+  EXPECT_FALSE(sameValue(Variant{5}, Variant{decimal("5.01")}));
   EXPECT_FALSE(sameValue(Variant{1e300}, Variant{5}));
 }
 

@@ -5,12 +5,13 @@
 #include <utility>
 #include <vector>
 
+#include "support/method.h"
 #include "unit/service_frame/support.h"
 
 namespace azcoll::frame_tests {
 namespace {
 
-using Method = void (CLSCO_AZIENDECOLL::*)() noexcept;
+using test::Method;
 
 struct Trapped {
   std::string name;

@@ -1,6 +1,6 @@
 #include "configuration_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 std::string statement(const std::string& first, const std::string& last,
@@ -120,4 +120,4 @@ TEST_F(AccountingYearTest, ACallWithoutCompanyOrConnectionDoesNothing) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -2,7 +2,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 // Flags as of `kWhere`; the company's condition always stands there.
@@ -17,8 +17,6 @@ const Text kMultiCompany{
     {"", "               AND  A.CG86_DITTA_CG18 <> A.CG86_DITTACOLL_CG18"},
     {"", "            )"},
 };
-const Text kLineBreak{{"", ""}};
-
 class ActivityDeletionTest : public ActivityTest {
  protected:
   /// What the count of the rows to be deleted gives.
@@ -237,4 +235,4 @@ TEST_F(ActivityDeletionTest, TheInputStaysAsItWas) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

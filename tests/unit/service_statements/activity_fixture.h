@@ -12,7 +12,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 using Lines = std::vector<std::string>;
 using Ints = std::vector<int>;
@@ -25,6 +25,13 @@ struct TextLine {
   std::string text;
 };
 using Text = std::vector<TextLine>;
+
+/// A text that ends with it ends with a line break.
+inline const Text kLineBreak{{"", ""}};
+
+/// How the question for the activities that are still to be inserted begins.
+inline const std::string kCandidates =
+    " SELECT *\r\n FROM   CG86_AZIENDECOLL WITH(NOLOCK)\r\n WHERE ";
 
 /// The flags that are on and the values that stand in a statement.
 struct TextCase {
@@ -307,4 +314,4 @@ class ActivityTest : public ServiceTest {
   }
 };
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

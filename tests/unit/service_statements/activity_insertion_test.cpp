@@ -3,10 +3,9 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
-const std::string kCandidates = " SELECT *\r\n FROM   CG86_AZIENDECOLL WITH(NOLOCK)\r\n WHERE ";
 const std::string kRegistryCount = " SELECT COUNT(1) AS NUM\r\n FROM   CG96_ANAGATTIVITA\r\n";
 const std::string kRegistryInsert = " INSERT INTO CG96_ANAGATTIVITA(";
 const std::string kAllColumns =
@@ -352,4 +351,4 @@ TEST_F(InsertionTest, WithoutACompanyNothingIsInserted) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -4,7 +4,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 ResultSet found(const Variant& code, const Variant& description, const Variant& id) {
@@ -412,4 +412,4 @@ TEST_F(ExistenceTest, AFailureOfItsOwnKeepsTheResultReached) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

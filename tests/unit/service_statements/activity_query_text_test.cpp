@@ -2,7 +2,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 // Flags of the whole statement, beside those of the common condition:
@@ -303,4 +303,4 @@ TEST_F(ActivityQueryTextTest, AFailureIsReportedUnderTheMethodsName) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,7 +3,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 const Lines kSectionals{
@@ -262,4 +262,4 @@ TEST_F(ActivityRecordsetTest, WithoutAConnectionNothingIsRead) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

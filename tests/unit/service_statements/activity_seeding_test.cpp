@@ -2,7 +2,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 // Seeding a year from the latest one before it.
@@ -12,8 +12,6 @@ const std::string kGroupHead =
     "\r\n   AND  CG86.CG86_ANNOIVA ";
 const std::string kEarlier = kGroupHead + "< ";
 const std::string kPresent = kGroupHead + "= ";
-const std::string kCandidates = " SELECT *\r\n FROM   CG86_AZIENDECOLL WITH(NOLOCK)\r\n WHERE ";
-
 /// Rows of the group before `year`, in any layout.
 std::string earlier(const std::string& columns, const std::string& company,
                     const std::string& year) {
@@ -252,4 +250,4 @@ TEST_F(SeedingTest, AFailedInsertionDoesNotKeepTheOthersFromTheirTurn) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -2,12 +2,11 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 // From the company onto its activities.
 
-const Text kLineBreak{{"", ""}};
 const Text kRowsWithCompany{
     {"", " SELECT *"},
     {"", " FROM   CG86_AZIENDECOLL WITH(NOLOCK)"},
@@ -16,8 +15,6 @@ const Text kRowsWithCompany{
 };
 const std::string kRowsWithCompanyHead =
     " SELECT *\r\n FROM   CG86_AZIENDECOLL WITH(NOLOCK)\r\n INNER  JOIN CG25_ANADITTAGEST";
-const std::string kCandidates = " SELECT *\r\n FROM   CG86_AZIENDECOLL WITH(NOLOCK)\r\n WHERE ";
-
 const Lines kRegistryUpdateTail{
     " FROM   CG96_ANAGATTIVITA WITH(NOLOCK)",       " INNER  JOIN CG25_ANADITTAGEST WITH(NOLOCK)",
     "        ON CG96_DITTA_CG18 = CG25_DITTA_CG18", " INNER  JOIN CG18_ANADITTABASE WITH(NOLOCK)",
@@ -202,4 +199,4 @@ TEST_F(ActivityUpdateTest, WithoutACompanyNothingIsDone) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,14 +3,13 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 // From an activity back onto the company.
 
 const std::string kQualifyingHead =
     " SELECT *\r\n FROM   CG86_AZIENDECOLL AS CG86 WITH(NOLOCK)\r\n";
-const Text kLineBreak{{"", ""}};
 const Text kCompanyUpdateTail{
     {"", " FROM   CG25_ANADITTAGEST WITH(NOLOCK)"},
     {"", " INNER  JOIN CG86_AZIENDECOLL WITH(NOLOCK)"},
@@ -213,4 +212,4 @@ TEST_F(RegistryWriteBackTest, AFailureIsReportedUnderTheMethodsName) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -4,7 +4,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -270,4 +270,4 @@ TEST_F(CodeChangeTest, AFailingLastNumberIsSkipped) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

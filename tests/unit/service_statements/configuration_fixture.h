@@ -10,7 +10,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 using Lines = std::vector<std::string>;
 using Ints = std::vector<int>;
@@ -143,4 +143,4 @@ class ConfigurationTest : public ::testing::Test {
   CLSCO_AZIENDECOLL service{platform};
 };
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

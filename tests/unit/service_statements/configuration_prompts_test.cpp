@@ -1,6 +1,6 @@
 #include "configuration_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 std::string countStatement(const std::string& regime, const std::string& activity = "") {
@@ -227,4 +227,4 @@ TEST_F(PromptsTest, ACallWithoutCompanyOrConnectionDoesNothing) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -2,7 +2,7 @@
 
 #include "configuration_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 /// The user says Yes once, to a service that can show screens.
@@ -203,4 +203,4 @@ TEST_F(ScreensTest, AScreenThatCannotBeShownIsAFailure) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

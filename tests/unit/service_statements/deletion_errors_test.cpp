@@ -1,7 +1,7 @@
 #include "data/tracing.h"
 #include "group_change_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 class DeletionErrorsTest : public GroupChangeTest {
@@ -226,4 +226,4 @@ TEST_F(DeletionErrorsTest, TheNextCallStartsAfresh) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -1,6 +1,6 @@
 #include "group_change_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 /// The fifteen deletions of one customer or supplier from one company, in their order.
@@ -197,4 +197,4 @@ TEST_F(DeletionTest, ACallWithoutCompanyOrConnectionDoesNothing) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 /// Everything is needed: the code is taken, a sub-table has a row, intermediary and branch are
@@ -155,4 +155,4 @@ TEST_F(DuplicationErrorsTest, TheNextCallStartsWithAFreshState) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

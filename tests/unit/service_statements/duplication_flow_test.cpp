@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -35,7 +35,7 @@ std::string fullCopy() {
       "91, 2, 88, 1)");
 }
 
-std::string search(const std::string& list) {
+std::string searchOf(const std::string& list) {
   return "SELECT CG44_CLIFOR FROM CG44_CLIFOR WHERE CG44_DITTA_CG18 IN(" + list +
          ") AND CG44_TIPOCF = 0 AND CG44_CLIFOR = 100";
 }
@@ -52,7 +52,7 @@ TEST_F(DuplicationTest, FromALinkedCompanyWritesTheMainCompanyThenEveryLinkedOne
   EXPECT_EQ(transcript(), (Lines{kProcedure,
                                  kProcedure,
                                  "BeginTrans",
-                                 search("30, 40, 10"),
+                                 searchOf("30, 40, 10"),
                                  kSourceRead,
                                  kSalesRead,
                                  intermediaryRead("10"),
@@ -87,7 +87,7 @@ TEST_F(DuplicationTest, FromTheMainCompanyWritesNoFullCopy) {
   const std::string source =
       "SELECT * FROM CG44_CLIFOR WHERE CG44_DITTA_CG18 = 10 AND CG44_TIPOCF = 0 AND CG44_CLIFOR = "
       "100";
-  EXPECT_EQ(transcript(), (Lines{kProcedure, kProcedure, "BeginTrans", search("30, 40"), source,
+  EXPECT_EQ(transcript(), (Lines{kProcedure, kProcedure, "BeginTrans", searchOf("30, 40"), source,
                                  intermediaryRead("30"), branchRead("30"), reducedCopy("30"),
                                  intermediaryRead("40"), branchRead("40"), reducedCopy("40"),
                                  "Numera 30", "Numera 40", "Numera 10", "CommitTrans"}));
@@ -105,7 +105,7 @@ TEST_F(DuplicationTest, AMainCompanyAloneReceivesTheFullCopyOnly) {
   group("10", {}, "");
   service.DuplicaCliFor();
 
-  EXPECT_EQ(transcript(), (Lines{kProcedure, kProcedure, "BeginTrans", search("10"), kSourceRead,
+  EXPECT_EQ(transcript(), (Lines{kProcedure, kProcedure, "BeginTrans", searchOf("10"), kSourceRead,
                                  kSalesRead, intermediaryRead("10"), branchRead("10"), kAgentRead,
                                  fullCopy(), "Numera 10", "CommitTrans"}));
   expectSuccess();
@@ -231,4 +231,4 @@ TEST_F(DuplicationTest, TheCallersOwnTransactionFlagIsNotConsulted) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -8,7 +8,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 using Lines = std::vector<std::string>;
 using Ints = std::vector<int>;
@@ -72,4 +72,4 @@ class GroupChangeTest : public ServiceTest {
   }
 };
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -4,7 +4,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -266,4 +266,4 @@ TEST_F(DuplicationLookupTest, TheRunningFlagIsClearedOnEveryNormalWayOut) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

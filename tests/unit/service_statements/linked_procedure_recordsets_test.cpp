@@ -1,17 +1,17 @@
 #include "linked_recordsets_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 /// A method that asks the procedure for the group, and what it filters by.
-struct Member {
+struct ProcedureMember {
   const char* name;
   Method method;
   const char* filter;  ///< parameter of the filter, "" for none
 };
 
 class ProcedureMemberTest : public LinkedRecordsetsTest,
-                            public ::testing::WithParamInterface<Member> {
+                            public ::testing::WithParamInterface<ProcedureMember> {
  protected:
   ProcedureMemberTest() {
     service.CPInput->CodiceSede = std::int16_t{3};
@@ -134,14 +134,14 @@ TEST_P(ProcedureMemberTest, ARowWithoutTheAccountingTypeIsAFailureThatLeavesTheR
 
 INSTANTIATE_TEST_SUITE_P(
     EachMember, ProcedureMemberTest,
-    ::testing::Values(Member{"RecordsetDitteCollegateOPrincipale",
-                             &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipale, ""},
-                      Member{"RecordsetDitteCollegateOPrincipalePerSedi",
-                             &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerSedi,
-                             "@CodSede"},
-                      Member{"RecordsetDitteCollegateOPrincipalePerIntermedi",
-                             &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerIntermedi,
-                             "@CodIntermedio"}),
+    ::testing::Values(
+        ProcedureMember{"RecordsetDitteCollegateOPrincipale",
+                        &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipale, ""},
+        ProcedureMember{"RecordsetDitteCollegateOPrincipalePerSedi",
+                        &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerSedi, "@CodSede"},
+        ProcedureMember{"RecordsetDitteCollegateOPrincipalePerIntermedi",
+                        &CLSCO_AZIENDECOLL::RecordsetDitteCollegateOPrincipalePerIntermedi,
+                        "@CodIntermedio"}),
     [](const auto& member) { return std::string{member.param.name}; });
 
 // ------------------------------------------------------------ filters that are not given
@@ -248,7 +248,7 @@ INSTANTIATE_TEST_SUITE_P(
                       &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipaleNoPrinc,
                       &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva,
                       &CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio),
-    [](const auto& member) { return "Member" + std::to_string(member.index + 1); });
+    [](const auto& member) { return "ProcedureMember" + std::to_string(member.index + 1); });
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -7,13 +7,12 @@
 #include <vector>
 
 #include "service_fixture.h"
+#include "support/method.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 using Lines = std::vector<std::string>;
 using Ints = std::vector<int>;
-using Method = void (CLSCO_AZIENDECOLL::*)() noexcept;
-
 // The statements for company 20 in 2024, in the pieces that they share.
 inline const std::string kYear =
     " WHERE CG86_INDTIPO = 0 AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18 AND CG86_ANNOIVA = 2024";
@@ -94,4 +93,4 @@ class LinkedRecordsetsTest : public ServiceTest {
   }
 };
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

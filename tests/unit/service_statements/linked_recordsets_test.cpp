@@ -1,6 +1,6 @@
 #include "linked_recordsets_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 /// A method that gives a recordset of one statement.
@@ -260,4 +260,4 @@ TEST_F(GroupListTest, AFailureOfEitherStatementIsReported) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 class MasterValuesTest : public DuplicationTest {
@@ -138,4 +138,4 @@ TEST_F(AgentTest, IsNotLookedForWhenNotGiven) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

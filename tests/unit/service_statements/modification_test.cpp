@@ -1,6 +1,6 @@
 #include "group_change_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 const std::string kReadIntermediary =
@@ -351,4 +351,4 @@ TEST_F(ModificationTest, TheRunningFlagStaysOnAfterAFailure) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -95,4 +95,4 @@ TEST_F(NumberingTest, TheLastFailureIsTheOneReported) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

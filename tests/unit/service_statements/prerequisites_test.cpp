@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -156,4 +156,4 @@ TEST_F(PrerequisitesTest, OneMissingInTheSourceTooEndsTheCallWithoutARollback) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

@@ -3,7 +3,7 @@
 
 #include "service_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 Variant decimal(const char* text) { return *Decimal::parse(text); }
@@ -172,4 +172,4 @@ TEST_F(SalesValuesTest, AreNotWrittenFromTheMainCompany) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

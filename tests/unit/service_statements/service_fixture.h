@@ -11,7 +11,7 @@
 #include "component/service.h"
 #include "support/scripted_connection.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 inline constexpr const char* kProcedure = "PC_GetDitteCollegate";
 
@@ -233,4 +233,4 @@ inline constexpr std::string_view kMasterInsert =
     "CG44_CODICE_CG08, CG44_CODICE_CG28, CG44_IDAGENTE_MG17, CG44_CODSEDE_CG31, "
     "CG44_IDMEDIA_CG99, CG44_FLGATTIVO) VALUES (";
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

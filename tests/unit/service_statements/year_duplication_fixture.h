@@ -5,7 +5,7 @@
 
 #include "activity_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 
 /// A row of the configuration that is copied.
 struct Configured {
@@ -158,4 +158,4 @@ class YearDuplicationTest : public ActivityTest {
   }
 };
 
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

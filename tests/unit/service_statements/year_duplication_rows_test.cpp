@@ -6,7 +6,7 @@
 
 #include "year_duplication_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 using YearDuplicationRows = YearDuplicationTest;
@@ -198,4 +198,4 @@ TEST_F(YearDuplicationRows, ARowChangedMeanwhileEndsTheCopy) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test

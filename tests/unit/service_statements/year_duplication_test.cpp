@@ -5,7 +5,7 @@
 
 #include "year_duplication_fixture.h"
 
-namespace azcoll::testing {
+namespace azcoll::test {
 namespace {
 
 const std::string kColumns =
@@ -279,4 +279,4 @@ TEST_F(YearDuplication, WhenTheConfigurationCannotBeReadNothingStaysChanged) {
 }
 
 }  // namespace
-}  // namespace azcoll::testing
+}  // namespace azcoll::test
