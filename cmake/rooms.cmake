@@ -26,6 +26,14 @@ if(AZCOLL_COVERAGE)
   target_link_options(azcoll_settings INTERFACE --coverage)
 endif()
 
+# azcoll_together(TARGET): a few sources in one translation unit, where most of the compile time are the
+# long headers that all of them read.
+function(azcoll_together target)
+  if(NOT CMAKE_UNITY_BUILD)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 4)
+  endif()
+endfunction()
+
 # azcoll_room(NAME [DEPENDS rooms…] [EXTRA folders…] [LIBRARIES targets…])
 function(azcoll_room name)
   cmake_parse_arguments(ROOM "" "" "DEPENDS;EXTRA;LIBRARIES" ${ARGN})
@@ -44,8 +52,9 @@ function(azcoll_room name)
   endif()
   target_link_libraries(${target} ${scope} azcoll_settings ${ROOM_LIBRARIES})
   if(AZCOLL_SANITIZE AND sources)
-    # The rooms only: it doubles the compile time of the tests, and they are not what it watches.
-    target_compile_options(${target} PRIVATE -fsanitize=undefined -fno-sanitize-recover=all)
+    # The rooms only: it doubles the compile time of the tests, and they are not what it watches. For
+    # the same reason it is they that are optimised: the tests run twice as fast.
+    target_compile_options(${target} PRIVATE -fsanitize=undefined -fno-sanitize-recover=all -O1)
   endif()
   foreach(room IN LISTS ROOM_DEPENDS)
     target_link_libraries(${target} ${scope} azcoll_${room})
@@ -72,6 +81,7 @@ function(azcoll_tests name)
     return()
   endif()
   add_executable(${name} ${sources})
+  azcoll_together(${name})
   foreach(room IN LISTS TESTS_ROOMS)
     target_link_libraries(${name} PRIVATE azcoll_${room})
   endforeach()

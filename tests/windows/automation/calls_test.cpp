@@ -162,9 +162,9 @@ TEST_F(CallsOfTheDll, TakeValuesGivenByReference) {
   reference.raw().pvarVal = &company.raw();
   DISPID assigned = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{&reference.raw(), &assigned, 1, 1};
-  constexpr DISPID kDitta = 3;
-  EXPECT_EQ(input.object()->Invoke(kDitta, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT,
-                                   &parameters, nullptr, nullptr, nullptr),
+  constexpr DISPID kCompanyField = 3;
+  EXPECT_EQ(input.object()->Invoke(kCompanyField, IID_NULL, LOCALE_USER_DEFAULT,
+                                   DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr, nullptr),
             S_OK);
   EXPECT_EQ(service.getText(L"GetDittaPrincipale"), "10");
 }

@@ -85,9 +85,9 @@ TEST(FieldsOfTheDll, RefuseAnArrayInAVariantFieldWithADescription) {
   DISPID assigned = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{&array.raw(), &assigned, 1, 1};
   EXCEPINFO exception{};
-  constexpr DISPID kDitta = 3;
-  EXPECT_EQ(input.object()->Invoke(kDitta, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT,
-                                   &parameters, nullptr, &exception, nullptr),
+  constexpr DISPID kCompanyField = 3;
+  EXPECT_EQ(input.object()->Invoke(kCompanyField, IID_NULL, LOCALE_USER_DEFAULT,
+                                   DISPATCH_PROPERTYPUT, &parameters, nullptr, &exception, nullptr),
             DISP_E_EXCEPTION);
   EXPECT_EQ(ado::textOf(exception.bstrDescription), "Tipo non corrispondente");
   SysFreeString(exception.bstrDescription);
