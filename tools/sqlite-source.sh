@@ -1,16 +1,31 @@
 #!/usr/bin/env bash
-# Puts SQLite's source into a folder: tools/sqlite-source.sh FOLDER. Debian has no SQLite for MinGW;
-# this npm package carries the one-file source. Only the Windows tests need it.
+# Puts SQLite's source, as one file, into a folder: tools/sqlite-source.sh FOLDER. Debian has no SQLite for
+# MinGW, but its source package, whose signature apt checks, makes that file. Only the Windows tests need it.
 set -euo pipefail
-package=better-sqlite3@12.11.1
-sum=ebf0ed75a7a59dbcb3b24bbd014ef49d9f15bc328e4adcbf516f2a8fadfa2835
-
-folder=$1
+folder=$(realpath -m "$1")
 [ -f "$folder/sqlite3.c" ] && exit 0
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-(cd "$scratch" && npm pack --silent "$package" >/dev/null)
-echo "$sum  $(ls "$scratch"/*.tgz)" | sha256sum --check --quiet
-tar -xzf "$scratch"/*.tgz -C "$scratch" package/deps/sqlite3
+
+# The machine's own lists need not know source packages, and stay as they are.
+own_apt() {
+  apt-get -qq -o Dir::Etc::SourceList="$scratch/sources.list" -o Dir::Etc::SourceParts=/dev/null \
+    -o Dir::State::Lists="$scratch/lists" -o Dir::Cache="$scratch/cache" -o APT::Sandbox::User="$(id -un)" "$@"
+}
+mkdir -p "$scratch/lists/partial" "$scratch/cache/archives/partial"
+# shellcheck disable=SC1091 # of the machine, not of the project
+release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
+  "http://deb.debian.org/debian $release main" >"$scratch/sources.list"
+cd "$scratch"
+own_apt update
+own_apt source --download-only sqlite3
+mkdir source
+tar -xJf sqlite3_*.orig.tar.xz -C source --strip-components=1
+cd source
+if ! { ./configure --disable-tcl --disable-readline && make sqlite3.c; } >"$scratch/make.log" 2>&1; then
+  cat "$scratch/make.log" >&2
+  exit 1
+fi
 mkdir -p "$folder"
-cp "$scratch"/package/deps/sqlite3/sqlite3.[ch] "$folder/"
+cp sqlite3.c sqlite3.h "$folder/"
