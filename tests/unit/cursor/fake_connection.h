@@ -15,8 +15,31 @@
 
 namespace azcoll::cursor {
 
-/// A connection without a database: gives prepared results and keeps what it is sent.
-class FakeConnection final : public Connection, public StatementRunner {
+/// A connection without a database, that of a provider which is not known here.
+class IdleConnection : public Connection {
+ public:
+  ErrorList list;
+
+  void setConnectionString(std::string) override {}
+  [[nodiscard]] std::string connectionString() const override { return {}; }
+  void setCommandTimeout(int) override {}
+  void setCursorLocation(CursorLocation) override {}
+  void open(std::string_view, std::string_view, CommandOption) override {}
+  void close() override {}
+  [[nodiscard]] bool isOpen() const override { return true; }
+  std::shared_ptr<Recordset> execute(std::string_view, std::int64_t&, CommandOption) override {
+    return nullptr;
+  }
+  void beginTrans() override {}
+  void commitTrans() override {}
+  void rollbackTrans() override {}
+  [[nodiscard]] Errors& errors() override { return list; }
+  [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
+  [[nodiscard]] std::shared_ptr<Command> newCommand() override { return nullptr; }
+};
+
+/// The same, that runs statements: gives prepared results and keeps what it is sent.
+class FakeConnection final : public IdleConnection, public StatementRunner {
  public:
   struct Change {
     std::string text;
@@ -28,7 +51,6 @@ class FakeConnection final : public Connection, public StatementRunner {
   std::optional<std::size_t> failingChange;  ///< number of the change that fails
   std::vector<std::string> texts;            ///< what `run` received
   std::vector<Change> changes;               ///< what `runChange` received
-  ErrorList list;
 
   ExecutionResult run(std::string_view text) override {
     texts.emplace_back(text);
@@ -53,23 +75,6 @@ class FakeConnection final : public Connection, public StatementRunner {
     rowsChanged.pop_front();
     return changed;
   }
-
-  void setConnectionString(std::string) override {}
-  [[nodiscard]] std::string connectionString() const override { return {}; }
-  void setCommandTimeout(int) override {}
-  void setCursorLocation(CursorLocation) override {}
-  void open(std::string_view, std::string_view, CommandOption) override {}
-  void close() override {}
-  [[nodiscard]] bool isOpen() const override { return true; }
-  std::shared_ptr<Recordset> execute(std::string_view, std::int64_t&, CommandOption) override {
-    return nullptr;
-  }
-  void beginTrans() override {}
-  void commitTrans() override {}
-  void rollbackTrans() override {}
-  [[nodiscard]] Errors& errors() override { return list; }
-  [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
-  [[nodiscard]] std::shared_ptr<Command> newCommand() override { return nullptr; }
 };
 
 /// A column of table `table`, or of none.

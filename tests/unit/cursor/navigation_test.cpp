@@ -335,26 +335,7 @@ TEST_F(Navigation, StaysClosedWhenTheSourceGivesNoResult) {
 }
 
 TEST_F(Navigation, RefusesAConnectionThatRunsNoStatements) {
-  class Foreign final : public Connection {
-    void setConnectionString(std::string) override {}
-    [[nodiscard]] std::string connectionString() const override { return {}; }
-    void setCommandTimeout(int) override {}
-    void setCursorLocation(CursorLocation) override {}
-    void open(std::string_view, std::string_view, CommandOption) override {}
-    void close() override {}
-    [[nodiscard]] bool isOpen() const override { return false; }
-    std::shared_ptr<Recordset> execute(std::string_view, std::int64_t&, CommandOption) override {
-      return nullptr;
-    }
-    void beginTrans() override {}
-    void commitTrans() override {}
-    void rollbackTrans() override {}
-    [[nodiscard]] Errors& errors() override { return list_; }
-    [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return nullptr; }
-    [[nodiscard]] std::shared_ptr<Command> newCommand() override { return nullptr; }
-    ErrorList list_;
-  };
-  const auto foreign = std::make_shared<Foreign>();
+  const auto foreign = std::make_shared<IdleConnection>();
   EXPECT_EQ(failureOf([&] { rows->setActiveConnection(foreign); }),
             "Connessione di un altro fornitore");
   EXPECT_EQ(failureOf([&] { static_cast<void>(openClientCursor(resultOf(customers()), foreign)); }),
