@@ -44,8 +44,7 @@ BoundExpression Binder::bindAggregated(const tsql::Expression& argument,
   const std::uint64_t before = emission_.touchedLevels;
   emission_.touchedLevels = 0;
   BoundExpression operand = bind(argument, scope);
-  constexpr std::size_t kLastBit = 63;
-  const std::uint64_t own = std::uint64_t{1} << std::min(scope.level, kLastBit);
+  const std::uint64_t own = levelBit(scope.level);
   const bool outer = (emission_.touchedLevels & ~own) != 0;
   if (outer && (emission_.touchedLevels & own) != 0) {
     throw SqlError(8124,

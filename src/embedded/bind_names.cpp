@@ -48,8 +48,7 @@ BoundExpression Source::column(std::size_t index) const {
 }
 
 BoundExpression Binder::take(const Source& source, std::size_t column, const Scope& scope) {
-  constexpr std::size_t kLastBit = 63;
-  emission_.touchedLevels |= std::uint64_t{1} << std::min(scope.level, kLastBit);
+  emission_.touchedLevels |= levelBit(scope.level);
   BoundExpression bound = source.column(column);
   const Grouping& grouping = scope.grouping;
   if (grouping.active && !grouping.columns.contains(bound.sql)) {

@@ -11,13 +11,6 @@ namespace azcoll::embedded {
 
 namespace {
 
-constexpr std::size_t kLastLevelBit = 63;
-
-/// The bits of all scopes outside of `level`.
-std::uint64_t outerLevels(std::size_t level) {
-  return level >= kLastLevelBit ? ~std::uint64_t{0} : (std::uint64_t{1} << level) - 1;
-}
-
 /// The parts of a condition that are joined by AND.
 void splitConjuncts(const tsql::Expression& condition,
                     std::vector<const tsql::Expression*>& conjuncts) {
@@ -317,7 +310,7 @@ BoundExpression Binder::bindKey(const tsql::Expression& key, const Scope& scope,
   const bool argument = std::exchange(emission_.touchedArgument, false);
   BoundExpression bound = bind(key, scope);
   const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
-  if (groups && emission_.touchedLevels == outside) {
+  if (groups && (emission_.touchedLevels & levelBit(scope.level)) == 0) {
     throw SqlError(164,
                    "Each GROUP BY expression must contain at least one column that is not an "
                    "outer reference.");

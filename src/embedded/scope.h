@@ -79,6 +79,19 @@ struct Grouping {
   std::string_view clause = "select list";
 };
 
+/// Scopes beyond the last bit of a set of scopes share that bit.
+inline constexpr std::size_t kLastLevelBit = 63;
+
+/// The bit of a scope in a set of scopes.
+[[nodiscard]] constexpr std::uint64_t levelBit(std::size_t level) {
+  return std::uint64_t{1} << (level < kLastLevelBit ? level : kLastLevelBit);
+}
+
+/// The bits of all scopes outside of `level`; all bits where that cannot be told apart.
+[[nodiscard]] constexpr std::uint64_t outerLevels(std::size_t level) {
+  return level >= kLastLevelBit ? ~std::uint64_t{0} : levelBit(level) - 1;
+}
+
 /// The sources that names are looked up in, from a query outward.
 struct Scope {
   const Scope* parent = nullptr;

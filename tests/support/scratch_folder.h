@@ -25,6 +25,7 @@ class ScratchFolder {
     std::filesystem::remove_all(path_, ignored);
   }
 
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
 
  private:

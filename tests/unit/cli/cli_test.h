@@ -6,7 +6,6 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "gmock/gmock.h"
@@ -14,6 +13,7 @@
 
 #include "cli/app.h"
 #include "cli/console.h"
+#include "support/scratch_folder.h"
 
 namespace azcoll::cli {
 
@@ -42,23 +42,11 @@ Outcome azcoll(const Args&... args) {
 /// A test with a folder of its own, gone at the end.
 class FolderTest : public testing::Test {
  protected:
-  void SetUp() override {
-    const testing::TestInfo& info = *testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = std::filesystem::temp_directory_path() /
-              (std::string{"azcoll-"} + info.test_suite_name() + "-" + info.name() + "-" +
-               std::to_string(getpid()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  [[nodiscard]] std::string path(const std::string& name) const {
-    return (folder_ / name).string();
-  }
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_.file(name); }
 
   [[nodiscard]] std::vector<std::string> filesLeft() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
       names.push_back(entry.path().filename().string());
     }
     return names;
@@ -69,36 +57,28 @@ class FolderTest : public testing::Test {
     return {std::istreambuf_iterator<char>{in}, {}};
   }
 
-  std::filesystem::path folder_;
+  azcoll::test::ScratchFolder folder_;
 };
 
 /// A test with a database of its own: tables, procedures and the example group.
 class DatabaseTest : public FolderTest {
  protected:
-  void SetUp() override {
-    FolderTest::SetUp();
-    db_ = path("prova.db");
-    copyExample();
-  }
+  void SetUp() override { copyExample(); }
 
-  /// Made once for the whole program: making it takes longer than most tests.
+  /// Puts the example in the place of whatever the test made of it. Made once for the whole
+  /// program: making it takes longer than most tests.
   void copyExample() {
     static const std::string example = [] {
-      static const struct Folder {
-        std::filesystem::path path =
-            std::filesystem::temp_directory_path() / ("azcoll-esempio-" + std::to_string(getpid()));
-        Folder() { std::filesystem::create_directories(path); }
-        ~Folder() { std::filesystem::remove_all(path); }
-      } folder;
-      const std::string file = (folder.path / "esempio.db").string();
+      static const azcoll::test::ScratchFolder folder;
+      const std::string file = folder.file("esempio.db");
       const Outcome made = azcoll("crea", "--db", file, "--esempio");
       return made.code == ExitCode::Ok ? file : "errore: " + made.err;
     }();
     ASSERT_THAT(example, testing::EndsWith("esempio.db"));
-    std::filesystem::copy_file(example, db_);
+    std::filesystem::copy_file(example, db_, std::filesystem::copy_options::overwrite_existing);
   }
 
-  std::string db_;
+  std::string db_ = path("prova.db");
 };
 
 }  // namespace azcoll::cli

@@ -47,7 +47,7 @@ TEST_F(Crea, DoesNotOverwriteAFile) {
 }
 
 TEST_F(Crea, DoesNotReplaceAFolderOrALinkThatLeadsNowhere) {
-  EXPECT_EQ(azcoll("crea", "--db", folder_.string()).code, ExitCode::Usage);
+  EXPECT_EQ(azcoll("crea", "--db", folder_.path().string()).code, ExitCode::Usage);
   std::filesystem::create_symlink(path("altrove"), path("legame"));
   EXPECT_EQ(azcoll("crea", "--db", path("legame")).code, ExitCode::Usage);
   EXPECT_THAT(filesLeft(), ElementsAre("legame"));

@@ -75,8 +75,7 @@ TEST_F(Disegno, DashesWhatIsNotCopied) {
 
 TEST_F(Disegno, NamesEveryCompanyOnce) {
   for (const int companies : {3, 30, 300}) {
-    TearDown();
-    SetUp();
+    copyExample();
     makeGroup(companies);
     const std::string text = dot(1000, "--anno", "2024");
     for (int i = 0; i <= companies; ++i) {
@@ -120,7 +119,7 @@ class SvgFile : public Disegno {
  protected:
   /// Puts a program `dot` of this text into a folder and nothing else on the search path.
   [[nodiscard]] std::string fakeDot(const std::string& text) const {
-    const std::filesystem::path folder = folder_ / "programmi";
+    const std::filesystem::path folder = folder_.path() / "programmi";
     std::filesystem::create_directories(folder);
     std::ofstream{folder / "dot"} << "#!/bin/sh\n" << text;
     std::filesystem::permissions(folder / "dot", std::filesystem::perms::owner_all);
@@ -152,7 +151,7 @@ TEST_F(SvgFile, ReplacesAnOlderDrawing) {
 }
 
 TEST_F(SvgFile, SaysWhatToInstallWithoutTheProgram) {
-  std::filesystem::create_directories(folder_ / "vuota");
+  std::filesystem::create_directories(folder_.path() / "vuota");
   const Environment search{"PATH", path("vuota")};
   std::ofstream{path("gruppo.svg")} << "vecchio";
   const Outcome outcome = gruppo(10, "--anno", "2024", "--svg", path("gruppo.svg"));
@@ -185,7 +184,7 @@ TEST_F(SvgFile, DoesNotWaitForAProgramThatNeverEnds) {
 
 TEST_F(SvgFile, RefusesAFileThatCannotBeWritten) {
   const Environment search{"PATH", fakeDot("echo nuovo\n")};
-  std::filesystem::create_directories(folder_ / "cartella.svg");
+  std::filesystem::create_directories(folder_.path() / "cartella.svg");
   for (const std::string& file : {path("manca/gruppo.svg"), path("cartella.svg")}) {
     const Outcome outcome = gruppo(10, "--svg", file);
     EXPECT_EQ(outcome.code, ExitCode::Usage) << file;

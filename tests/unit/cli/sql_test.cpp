@@ -144,7 +144,7 @@ TEST_F(Sql, TakesAConnectionString) {
 
 TEST_F(Sql, ReportsADatabaseThatCannotBeOpened) {
   std::ofstream{path("altro.db")} << std::string(5000, 'x');
-  for (const std::string& file : {path("manca.db"), path("altro.db"), folder_.string()}) {
+  for (const std::string& file : {path("manca.db"), path("altro.db"), folder_.path().string()}) {
     const Outcome outcome = azcoll("sql", "--db", file, "SELECT 1");
     EXPECT_EQ(outcome.code, ExitCode::CannotOpen) << file << outcome.out;
     EXPECT_THAT(outcome.err, HasSubstr("Impossibile aprire il database " + file));

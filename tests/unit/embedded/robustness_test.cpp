@@ -8,6 +8,7 @@
 #include "gtest/gtest.h"
 
 #include "engine_fixture.h"
+#include "support/scratch_folder.h"
 
 namespace azcoll::embedded::test {
 namespace {
@@ -15,21 +16,6 @@ namespace {
 /// A database file that goes with the test.
 class File {
  public:
-  File()
-      : path_((std::filesystem::temp_directory_path() /
-               ("azcoll_" + std::to_string(::getpid()) + "_" + std::to_string(++number_) + ".db"))
-                  .string()) {}
-  File(const File&) = delete;
-  File(File&&) = delete;
-  File& operator=(const File&) = delete;
-  File& operator=(File&&) = delete;
-  ~File() {
-    std::error_code error;
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-      std::filesystem::remove(path_ + suffix, error);
-    }
-  }
-
   [[nodiscard]] std::shared_ptr<EmbeddedConnection> open(const std::string& more = "") const {
     auto connection = newConnectionWith({});
     connection->setConnectionString("Provider=embedded;Data Source=" + path_ + ";" + more);
@@ -39,8 +25,8 @@ class File {
   [[nodiscard]] const std::string& path() const { return path_; }
 
  private:
-  static inline int number_ = 0;
-  std::string path_;
+  azcoll::test::ScratchFolder folder_;
+  std::string path_ = folder_.file("prova.db");
 };
 
 std::string openFailure(const File& file, const std::string& more = "") {
