@@ -18,8 +18,10 @@ release=$(. /etc/os-release && echo "$VERSION_CODENAME")
 echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
   "http://deb.debian.org/debian $release main" >"$scratch/sources.list"
 cd "$scratch"
-own_apt update
-own_apt source --download-only sqlite3
+if ! { own_apt update && own_apt source --download-only sqlite3; }; then
+  echo "Debian's source package of SQLite, which the Windows tests are built on, could not be fetched" >&2
+  exit 1
+fi
 mkdir source
 tar -xJf sqlite3_*.orig.tar.xz -C source --strip-components=1
 cd source
@@ -28,4 +30,4 @@ if ! { ./configure --disable-tcl --disable-readline && make sqlite3.c; } >"$scra
   exit 1
 fi
 mkdir -p "$folder"
-cp sqlite3.c sqlite3.h "$folder/"
+cp sqlite3.h sqlite3.c "$folder/"
