@@ -115,6 +115,12 @@ BoundParameter BoundParameter::ofDeclared(const DeclaredParameter& declared, con
   if (output) {
     parameter.buffer_.resize(
         std::max(parameter.buffer_.size(), outputRoom(parameter.carrier_, declared)));
+  } else if (const Decimal* const number = value.get<Decimal>();
+             number != nullptr && parameter.carrier_ == Carrier::Decimal) {
+    // Some servers tell 38 digits, all of them fractional, of every decimal: no room for a whole
+    // one.
+    parameter.size_ = Decimal::kMaxDigits;
+    parameter.digits_ = static_cast<SQLSMALLINT>(number->scale());
   } else if (parameter.carrier_ == Carrier::Text) {
     // A text longer than declared is the server's to judge.
     parameter.size_ = std::max<SQLULEN>({parameter.size_, unitsOf(parameter.buffer_), 1});

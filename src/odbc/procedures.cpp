@@ -1,5 +1,6 @@
 #include "odbc/procedures.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 
@@ -24,6 +25,7 @@ constexpr std::size_t kName = 3;
 constexpr std::size_t kKind = 4;
 constexpr std::size_t kType = 5;
 constexpr std::size_t kSize = 7;
+constexpr std::size_t kBytes = 8;
 constexpr std::size_t kDigits = 9;
 constexpr std::size_t kNeeded = 10;
 
@@ -87,6 +89,29 @@ std::optional<ParameterDirection> directionOf(std::int64_t kind) {
   }
 }
 
+/// Longest value of a parameter, in characters or bytes as its type counts; 0 when there is no
+/// limit. Some servers tell no COLUMN_SIZE of a text, only the bytes that it may take. Drivers send
+/// the length of an output as the longest answer, so that nothing may be made of nothing here.
+SQLULEN sizeOf(const Rows& rows, std::size_t row, SQLSMALLINT type) {
+  const std::int64_t told = rows.number(row, kSize);
+  if (told > 0) {
+    return static_cast<SQLULEN>(told);
+  }
+  const auto bytes = static_cast<SQLULEN>(std::max<std::int64_t>(rows.number(row, kBytes), 0));
+  switch (type) {
+    case SQL_WCHAR:
+    case SQL_WVARCHAR:
+      return bytes / sizeof(char16_t);
+    case SQL_CHAR:
+    case SQL_VARCHAR:
+    case SQL_BINARY:
+    case SQL_VARBINARY:
+      return bytes;
+    default:
+      return 0;
+  }
+}
+
 Rows describe(const Session& session, std::string_view procedure, int timeoutSeconds) {
   const auto statement = session.newStatement(timeoutSeconds, false);
   std::u16string name = wideOf(procedure);
@@ -115,8 +140,7 @@ std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureNam
       parameter.name = rows.text(row, kName);
       parameter.direction = *direction;
       parameter.sqlType = static_cast<SQLSMALLINT>(rows.number(row, kType));
-      const std::int64_t size = rows.number(row, kSize);
-      parameter.size = size > 0 ? static_cast<SQLULEN>(size) : 0;
+      parameter.size = sizeOf(rows, row, parameter.sqlType);
       parameter.digits = static_cast<SQLSMALLINT>(rows.number(row, kDigits));
       parameters.push_back(std::move(parameter));
     }
