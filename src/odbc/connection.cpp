@@ -6,6 +6,7 @@
 #include "data/error.h"
 #include "data/messages.h"
 #include "odbc/base_columns.h"
+#include "odbc/call_batch.h"
 #include "odbc/execution.h"
 #include "odbc/odbc_connection.h"
 #include "odbc/procedures.h"
@@ -17,17 +18,14 @@ std::shared_ptr<Connection> newConnection() { return std::make_shared<OdbcConnec
 
 /// Completes the entries of a failure with what it means for connection and transaction.
 void OdbcConnection::settleTransaction(std::vector<ErrorInfo>& entries) {
-  // Class 08: the connection; class 40: the transaction was rolled back by the server.
-  const auto anyOfClass = [&](std::string_view stateClass) {
-    return std::any_of(entries.begin(), entries.end(), [&](const ErrorInfo& entry) {
-      return entry.sqlState.starts_with(stateClass);
-    });
-  };
-  const bool connectionLost = session_ && (anyOfClass("08") || session_->isDead());
-  const bool undone = session_ && session_->inTransaction() && (connectionLost || anyOfClass("40"));
-  if (undone) {
-    session_->transactionLost();
+  if (!session_) {
+    return;
   }
+  const bool connectionLost =
+      session_->isDead() || std::ranges::any_of(entries, [](const ErrorInfo& entry) {
+        return entry.sqlState.starts_with("08");
+      });
+  const bool undone = transaction_->examine(entries, connectionLost);
   for (ErrorInfo& entry : entries) {
     entry.connectionLost = connectionLost;
     entry.transactionLost = undone;
@@ -70,14 +68,18 @@ void OdbcConnection::open(std::string_view user, std::string_view password,
   const std::string complete = withCredentials(connectionString_, user, password);
   secrets_.addFrom(connectionString_);
   secrets_.addFrom(complete);
-  recorded(
-      {}, [&] { session_ = std::make_unique<Session>(complete, loginTimeout(connectionString_)); });
+  const GroupLock lock = groupLock(connectionString_);
+  recorded({}, [&] {
+    session_ = std::make_unique<Session>(withoutOwnKeys(complete), loginTimeout(connectionString_));
+    transaction_ = std::make_unique<Transaction>(*session_, lock);
+  });
   catalogue_.forget();
   connectionString_ = maskedConnectionString(connectionString_);
 }
 
 void OdbcConnection::close() {
   static_cast<void>(session());
+  transaction_.reset();
   session_.reset();
 }
 
@@ -85,7 +87,7 @@ ExecutionResult OdbcConnection::runOn(std::string_view text,
                                       std::vector<BoundParameter>& parameters, int timeoutSeconds,
                                       bool escapes, Reading reading) {
   Session& session = this->session();
-  session.ensureAutocommit();
+  transaction_->beforeStatement();
   const bool mayEscape =
       escapes || text.find('{') == std::string_view::npos;  // nothing to leave alone
   const auto statement = session.newStatement(timeoutSeconds, mayEscape);
@@ -93,7 +95,9 @@ ExecutionResult OdbcConnection::runOn(std::string_view text,
   for (BoundParameter& parameter : parameters) {
     parameter.bind(*statement, ++number);
   }
-  return runToEnd(*statement, text, session.reread(), reading);
+  ExecutionResult result = runToEnd(*statement, text, session.reread(), reading);
+  transaction_->statementDone();
+  return result;
 }
 
 ExecutionResult OdbcConnection::run(std::string_view text) {
@@ -129,6 +133,7 @@ std::vector<ColumnInfo> OdbcConnection::settle(std::vector<ColumnInfo> columns,
                                                std::size_t count) {
   Session& session = this->session();
   return recorded(batch, [&] {
+    transaction_->beforeStatement();
     return settledColumns(std::move(columns), batch, index, count, session, catalogue_,
                           timeoutSeconds_);
   });
@@ -175,6 +180,7 @@ std::shared_ptr<Recordset> OdbcConnection::execute(std::string_view commandText,
 std::shared_ptr<const Procedure> OdbcConnection::findProcedure(std::string_view name) {
   Session& session = this->session();
   return recorded(name, [&] {
+    transaction_->beforeStatement();
     return std::make_shared<const Procedure>(
         Procedure{std::string{name}, declaredParameters(session, name, timeoutSeconds_)});
   });
@@ -189,26 +195,50 @@ std::vector<cursor::ProcedureParameter> OdbcConnection::parametersOf(const Proce
   return parameters;
 }
 
-std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& procedure,
-                                                         std::vector<Variant>& values,
-                                                         std::int64_t& recordsAffected,
-                                                         int timeoutSeconds) {
+ExecutionResult OdbcConnection::call(const Procedure& procedure, std::vector<Variant>& values,
+                                     int timeoutSeconds) {
   const std::vector<DeclaredParameter>& declared = procedure.parameters;
-  const std::string text = callText(procedure.name, declared.size());
-  catalogue_.forget();  // a procedure may do anything
   std::vector<BoundParameter> bound;
   bound.reserve(declared.size());
   for (std::size_t index = 0; index < declared.size(); ++index) {
     bound.push_back(BoundParameter::ofDeclared(declared[index], values[index]));
   }
-  ExecutionResult result = recorded(text, [&] {
-    ExecutionResult execution = runOn(text, bound, timeoutSeconds, true, Reading::Once);
-    for (std::size_t index = 0; index < declared.size(); ++index) {
-      if (declared[index].direction != ParameterDirection::Input) {
-        values[index] = bound[index].output();
-      }
+  ExecutionResult execution =
+      runOn(callText(procedure.name, declared.size()), bound, timeoutSeconds, true, Reading::Once);
+  for (std::size_t index = 0; index < declared.size(); ++index) {
+    if (declared[index].direction != ParameterDirection::Input) {
+      values[index] = bound[index].output();
     }
-    return execution;
+  }
+  return execution;
+}
+
+/// The same as a batch, for a driver that cannot leave out a parameter.
+ExecutionResult OdbcConnection::callInABatch(const Procedure& procedure,
+                                             std::vector<Variant>& values, int timeoutSeconds) {
+  CallBatch batch{procedure.name, procedure.parameters, values};
+  ExecutionResult execution =
+      runOn(batch.text(), batch.parameters(), timeoutSeconds, false, Reading::Once);
+  batch.takeOutputs(execution, values);
+  return execution;
+}
+
+std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& procedure,
+                                                         std::vector<Variant>& values,
+                                                         std::int64_t& recordsAffected,
+                                                         int timeoutSeconds) {
+  const std::string text = callText(procedure.name, procedure.parameters.size());
+  Session& session = this->session();
+  catalogue_.forget();  // a procedure may do anything
+  ExecutionResult result = recorded(text, [&] {
+    try {
+      return call(procedure, values, timeoutSeconds);
+    } catch (const DriverFailure& failure) {
+      if (!session.speaksTSql() || !isRefusedDefault(failure)) {
+        throw;
+      }
+      return callInABatch(procedure, values, timeoutSeconds);
+    }
   });
   for (ResultSet& set : result.results) {
     std::vector<ColumnInfo> columns = set.columns.all();
@@ -223,19 +253,19 @@ std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& proced
 }
 
 void OdbcConnection::beginTrans() {
-  Session& session = this->session();
-  recorded({}, [&] { session.begin(); });
+  static_cast<void>(session());
+  recorded({}, [&] { transaction_->begin(timeoutSeconds_); });
 }
 
 void OdbcConnection::commitTrans() {
-  Session& session = this->session();
-  recorded({}, [&] { session.commit(); });
+  static_cast<void>(session());
+  recorded({}, [&] { transaction_->commit(); });
 }
 
 void OdbcConnection::rollbackTrans() {
-  Session& session = this->session();
+  static_cast<void>(session());
   catalogue_.forget();
-  recorded({}, [&] { session.rollback(); });
+  recorded({}, [&] { transaction_->rollback(); });
 }
 
 std::shared_ptr<Recordset> OdbcConnection::newRecordset() { return newClientCursor(); }

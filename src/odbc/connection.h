@@ -15,6 +15,7 @@
 #include "odbc/diagnostics.h"
 #include "odbc/parameters.h"
 #include "odbc/session.h"
+#include "odbc/transaction.h"
 
 namespace azcoll::odbc {
 
@@ -69,6 +70,10 @@ class OdbcConnection final : public Connection,
   [[nodiscard]] Session& session() const;
   ExecutionResult runOn(std::string_view text, std::vector<BoundParameter>& parameters,
                         int timeoutSeconds, bool escapes, Reading reading);
+  ExecutionResult call(const Procedure& procedure, std::vector<Variant>& values,
+                       int timeoutSeconds);
+  ExecutionResult callInABatch(const Procedure& procedure, std::vector<Variant>& values,
+                               int timeoutSeconds);
   [[nodiscard]] std::shared_ptr<Recordset> handOut(ExecutionResult result);
 
   std::string connectionString_;
@@ -76,6 +81,7 @@ class OdbcConnection final : public Connection,
   Secrets secrets_;
   ErrorList errors_;
   std::unique_ptr<Session> session_;
+  std::unique_ptr<Transaction> transaction_;  // of the session
   Catalogue catalogue_;
 };
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "cursor/fold.h"
+#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll::odbc {
@@ -77,6 +78,8 @@ bool isPasswordKey(std::string_view key) {
 bool isUserKey(std::string_view key) {
   return sameName(key, "UID") || sameName(key, "USER ID") || sameName(key, "USER");
 }
+
+bool isLockKey(std::string_view key) { return sameName(key, "BLOCCO"); }
 
 /// A value as a connection string holds it, whatever characters it has.
 std::string braced(std::string_view value) {
@@ -165,6 +168,33 @@ std::string withCredentials(std::string_view text, std::string_view user,
   }
   if (!password.empty()) {
     result += join("PWD=", braced(password), ";");
+  }
+  return result;
+}
+
+GroupLock groupLock(std::string_view text) {
+  GroupLock lock = GroupLock::None;
+  for (const Pair& pair : pairsOf(text)) {
+    if (isLockKey(pair.key)) {
+      if (!sameName(pair.value, "GRUPPO")) {
+        throw Error(join("Valore non valido nella stringa di connessione: Blocco=", pair.raw,
+                         " (è ammesso Blocco=Gruppo)"));
+      }
+      lock = GroupLock::PerDatabase;
+    }
+  }
+  return lock;
+}
+
+std::string withoutOwnKeys(std::string_view text) {
+  if (groupLock(text) == GroupLock::None) {
+    return std::string{text};
+  }
+  std::string result;
+  for (const Pair& pair : pairsOf(text)) {
+    if (!isLockKey(pair.key)) {
+      result += join(pair.key, "=", pair.raw, ";");
+    }
   }
   return result;
 }

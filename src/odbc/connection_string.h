@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace azcoll::odbc {
+
+/// Whether callers of one database take turns in their transactions.
+enum class GroupLock : std::uint8_t { None, PerDatabase };
 
 /// Passwords that must not be shown to anybody.
 class Secrets {
@@ -33,5 +37,12 @@ class Secrets {
 /// Seconds to wait for a connection: the key `Connect Timeout`, `Connection Timeout`,
 /// `LoginTimeout` or `Timeout`; 15 without one of them.
 [[nodiscard]] int loginTimeout(std::string_view text);
+
+/// Whether transactions of one database take turns: the key `Blocco`, whose one value is `Gruppo`.
+/// Throws `Error` for another one.
+[[nodiscard]] GroupLock groupLock(std::string_view text);
+
+/// The string without the keys that are this provider's own (`Blocco`).
+[[nodiscard]] std::string withoutOwnKeys(std::string_view text);
 
 }  // namespace azcoll::odbc

@@ -76,43 +76,8 @@ void Session::setAutocommit(bool on) {
   autocommit_ = on;
 }
 
-void Session::begin() {
-  if (inTransaction_) {
-    throw DriverFailure{"25001", "Cannot start more transactions on this session."};
-  }
-  ensureAutocommit();
-  setAutocommit(false);
-  inTransaction_ = true;
-}
-
-void Session::commit() {
-  if (!inTransaction_) {
-    throw DriverFailure{"25000", 3902,
-                        "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."};
-  }
-  connection_->require(SQLEndTran(SQL_HANDLE_DBC, connection_->get(), SQL_COMMIT), "SQLEndTran");
-  inTransaction_ = false;
-  setAutocommit(true);
-}
-
-void Session::rollback() {
-  if (!inTransaction_) {
-    throw DriverFailure{"25000", 3903,
-                        "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."};
-  }
-  // Autocommit stays off when this fails: switching it on would commit what is to be undone.
-  connection_->require(SQLEndTran(SQL_HANDLE_DBC, connection_->get(), SQL_ROLLBACK), "SQLEndTran");
-  inTransaction_ = false;
-  setAutocommit(true);
-}
-
-void Session::ensureAutocommit() {
-  if (autocommit_ || inTransaction_) {
-    return;
-  }
-  // Whatever is still open belongs to a transaction that has ended for its owner.
-  connection_->require(SQLEndTran(SQL_HANDLE_DBC, connection_->get(), SQL_ROLLBACK), "SQLEndTran");
-  setAutocommit(true);
+void Session::endTransaction(SQLSMALLINT completion) {
+  connection_->require(SQLEndTran(SQL_HANDLE_DBC, connection_->get(), completion), "SQLEndTran");
 }
 
 bool Session::isDead() const {

@@ -25,16 +25,11 @@ class Session {
   /// the driver looks for its `{…}` escapes in the text.
   [[nodiscard]] std::unique_ptr<Handle> newStatement(int timeoutSeconds, bool escapes) const;
 
-  void begin();
-  /// A transaction that could not be committed is still open, for `rollback`.
-  void commit();
-  void rollback();
-  [[nodiscard]] bool inTransaction() const { return inTransaction_; }
-  /// Outside a transaction every statement must count at once; mends what a failure left behind.
-  void ensureAutocommit();
-
-  /// Forgets the transaction, which the server has undone.
-  void transactionLost() { inTransaction_ = false; }
+  /// Whether every statement counts at once.
+  [[nodiscard]] bool isAutocommit() const { return autocommit_; }
+  void setAutocommit(bool on);
+  /// SQL_COMMIT or SQL_ROLLBACK.
+  void endTransaction(SQLSMALLINT completion);
 
   /// Whether the driver knows that the server is gone.
   [[nodiscard]] bool isDead() const;
@@ -44,14 +39,12 @@ class Session {
   [[nodiscard]] bool speaksTSql() const { return speaksTSql_; }
 
  private:
-  void setAutocommit(bool on);
   void askAbilities();
 
   Handle environment_;
   std::unique_ptr<Handle> connection_;  // after the environment was told its version
   bool connected_ = false;
   bool autocommit_ = true;
-  bool inTransaction_ = false;
   RereadAbilities reread_;
   bool speaksTSql_ = false;
 };

@@ -28,55 +28,6 @@ TEST_F(Faults, AConnectionLostInAFetchIsOneErrorAndNoHalfResult) {
   }
 }
 
-TEST_F(Faults, AConnectionLostInACommitLosesTheTransaction) {
-  connect("Commit=lost");
-  connection_->beginTrans();
-  const Error error = failureOf([&] { connection_->commitTrans(); });
-  EXPECT_TRUE(error.info().connectionLost);
-  EXPECT_TRUE(error.info().transactionLost);
-  EXPECT_TRUE(failureOf([&] { run("STATE"); }).info().connectionLost);
-  connection_->close();
-}
-
-TEST_F(Faults, AFailedCommitIsForItsOwnerToUndoAndAutocommitComesBack) {
-  connect("Commit=fails");
-  connection_->beginTrans();
-  EXPECT_EQ(state(), "0|0|0");
-  const Error error = failureOf([&] { connection_->commitTrans(); });
-  EXPECT_EQ(error.info().nativeNumber, 9002);
-  EXPECT_EQ(error.description(), "The log is full");
-  EXPECT_FALSE(error.info().transactionLost);
-  EXPECT_EQ(state(), "0|0|0");
-  connection_->rollbackTrans();
-  EXPECT_EQ(state(), "1|0|1");
-}
-
-TEST_F(Faults, AFailedRollbackNeverTurnsIntoACommit) {
-  connect("Rollback=fails");
-  connection_->beginTrans();
-  EXPECT_TRUE(failureOf([&] { connection_->rollbackTrans(); }).fromProvider());
-  EXPECT_EQ(state(), "0|0|0");  // switching autocommit on would commit
-  connection_->rollbackTrans();
-  EXPECT_EQ(state(), "1|0|1");
-}
-
-TEST_F(Faults, ATransactionThatDoesNotBeginLeavesAutocommit) {
-  connect("Begin=fails");
-  EXPECT_TRUE(failureOf([&] { connection_->beginTrans(); }).fromProvider());
-  EXPECT_EQ(state(), "1|0|0");
-  EXPECT_TRUE(failureOf([&] { connection_->commitTrans(); }).fromProvider());
-}
-
-TEST_F(Faults, ATransactionUndoneByTheServerIsOver) {
-  connect();
-  connection_->beginTrans();
-  const Error error = failureOf([&] { run("DEADLOCK"); });
-  EXPECT_EQ(error.info().nativeNumber, 1205);
-  EXPECT_TRUE(error.info().transactionLost);
-  EXPECT_FALSE(error.info().connectionLost);
-  EXPECT_EQ(state().substr(0, 1), "1");  // the next statement counts at once
-}
-
 TEST_F(Faults, ClosingUndoesAnOpenTransaction) {
   connect();
   connection_->beginTrans();

@@ -9,8 +9,8 @@ namespace azcoll::test {
 namespace {
 
 constexpr const char* kProcedure =
-    "CREATE PROCEDURE P1_PROVA @Testo VARCHAR(8000), @Esteso NVARCHAR(4000), @Importo "
-    "DECIMAL(18,4),"
+    "CREATE PROCEDURE P1_PROVA @Testo VARCHAR(8000), @Esteso NVARCHAR(4000),"
+    " @Importo DECIMAL(18,4) = 3.25,"
     " @Breve VARCHAR(20) = NULL OUTPUT, @Lungo VARCHAR(8000) = NULL OUTPUT,"
     " @Largo NVARCHAR(4000) = NULL OUTPUT AS BEGIN SET NOCOUNT ON"
     " SET @Breve = @Testo SET @Lungo = @Testo SET @Largo = @Esteso SELECT @Importo AS IMPORTO END";
@@ -107,6 +107,22 @@ TEST_P(Outputs, ADecimalInputArrivesWithAllItsDigitsWhateverTheServerTellsOfThem
     const auto rows = call("", "", number);
     EXPECT_EQ(rows->fields().item("IMPORTO").value().toDecimal(), number) << text;
   }
+}
+
+TEST_P(Outputs, AnInputLeftEmptyTakesItsDeclaredDefault) {
+  const auto rows = call("12, 15", "città", Variant{});
+  ASSERT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(rows->fields().item("IMPORTO").value().toDecimal(), Decimal::parse("3.25").value());
+  EXPECT_EQ(rows->nextRecordset(), nullptr);
+  EXPECT_EQ(output("@Breve"), Variant{"12, 15"});
+  EXPECT_EQ(output("@Lungo"), Variant{"12, 15"});
+  EXPECT_EQ(output("@Largo"), Variant{"città"});
+}
+
+TEST_P(Outputs, AnInputLeftEmptyWithoutADefaultIsRefusedByTheDatabase) {
+  const Error error = failureOf([&] { call(Variant{}, "x", Variant{}); });
+  EXPECT_TRUE(error.fromProvider());
+  EXPECT_FALSE(error.description().empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Providers, Outputs, testing::ValuesIn(providerNames()), nameOfCase);

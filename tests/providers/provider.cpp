@@ -66,6 +66,8 @@ Provider embedded() {
   provider.lacks[Ability::SecondConnection] =
       "A database in memory belongs to one connection; files have tests of their own.";
   provider.lacks[Ability::TimeLimits] = "It runs no statement of its own that only waits.";
+  provider.lacks[Ability::UndoesByItself] =
+      "It undoes a whole transaction only when its disk fails; that has a test of its own.";
   return provider;
 }
 
@@ -89,6 +91,7 @@ Provider sqlite() {
                     {"bytes", "x'"},
                     {"endbytes", "'"},
                     {"identity", "INTEGER"}};
+  provider.lacks[Ability::UndoesByItself] = "SQLite does so only when its disk fails.";
   provider.lacks[Ability::ExactDecimals] =
       "SQLite keeps decimals as binary floating point numbers.";
   provider.lacks[Ability::TimeLimits] = "Its driver does not limit the time of a statement.";
@@ -115,6 +118,7 @@ Provider postgresql() {
                     {"bit", "BOOLEAN"}, {"datetime", "TIMESTAMP(3)"}, {"binary", "BYTEA"},
                     {"true", "TRUE"},   {"false", "FALSE"},           {"bytes", "'\\x"},
                     {"endbytes", "'"},  {"identity", "SERIAL"}};
+  provider.lacks[Ability::UndoesByItself] = "It keeps a failed transaction until it is ended.";
   provider.lacks[Ability::Outputs] = "Outputs of its functions are columns of the row they give.";
   provider.createProcedure =
       "CREATE FUNCTION P1_PROVA(Codice INT) RETURNS TABLE (DITTA INT) AS"

@@ -18,19 +18,20 @@ namespace azcoll::test {
 
 /// What not every database can do.
 enum class Ability : std::uint8_t {
-  ExactDecimals,     ///< keeps every digit of a decimal
-  DeclaredTypes,     ///< gives a value the type of its column
-  Binary,            ///< has a type for bytes
-  Unicode,           ///< takes and gives every character
-  SqlStates,         ///< tells the class of a failure
-  SeveralResults,    ///< gives a result per query of a batch
-  Milliseconds,      ///< keeps them in a moment
-  SecondConnection,  ///< another connection sees the same database
-  BatchUpdates,      ///< tells what a change of a result needs
-  TimeLimits,        ///< gives up a statement that takes too long
-  Procedures,        ///< calls stored procedures that give rows
-  Outputs,           ///< of a procedure, beside its rows
-  TransactionGoesOn  ///< after a statement that failed
+  ExactDecimals,      ///< keeps every digit of a decimal
+  DeclaredTypes,      ///< gives a value the type of its column
+  Binary,             ///< has a type for bytes
+  Unicode,            ///< takes and gives every character
+  SqlStates,          ///< tells the class of a failure
+  SeveralResults,     ///< gives a result per query of a batch
+  Milliseconds,       ///< keeps them in a moment
+  SecondConnection,   ///< another connection sees the same database
+  BatchUpdates,       ///< tells what a change of a result needs
+  TimeLimits,         ///< gives up a statement that takes too long
+  Procedures,         ///< calls stored procedures that give rows
+  Outputs,            ///< of a procedure, beside its rows
+  TransactionGoesOn,  ///< after a statement that failed
+  UndoesByItself      ///< a whole transaction, after some failures
 };
 
 /// One database, ready to be connected to.

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "platform/provider_factory.h"
 #include "providers/provider.h"
 
 namespace azcoll::test {
@@ -94,6 +95,100 @@ TEST_P(Transactions, AfterAFailedStatementTheTransactionGoesOn) {
   connection().commitTrans();
   EXPECT_EQ(lines("SELECT C1 FROM T1_PROVA ORDER BY C1"), (std::vector<std::string>{"1", "2"}));
 }
+
+/// A failure after which some servers undo the whole transaction by themselves.
+class LostTransactions : public Transactions {
+ protected:
+  void SetUp() override {
+    Transactions::SetUp();
+    if (IsSkipped()) {
+      return;
+    }
+    AZCOLL_NEEDS(UndoesByItself);
+    connection().beginTrans();
+    run("INSERT INTO T1_PROVA VALUES (1)");
+  }
+  Error convert() {
+    return failureOf([&] { run("SELECT CAST('dodici' AS INT) AS C1"); });
+  }
+  /// A whole transaction works, and counts.
+  void expectUsable() {
+    connection().beginTrans();
+    run("INSERT INTO T1_PROVA VALUES (7)");
+    connection().commitTrans();
+    run("INSERT INTO T1_PROVA VALUES (8)");
+    EXPECT_EQ(seenByOthers(), "2");
+    connection().beginTrans();
+    run("INSERT INTO T1_PROVA VALUES (9)");
+    connection().rollbackTrans();
+    EXPECT_EQ(lines("SELECT C1 FROM T1_PROVA ORDER BY C1"), (std::vector<std::string>{"7", "8"}));
+  }
+};
+
+TEST_P(LostTransactions, NothingOfTheRestIsCommittedByItself) {
+  ASSERT_TRUE(convert().info().transactionLost);
+  EXPECT_TRUE(failureOf([&] { run("INSERT INTO T1_PROVA VALUES (2)"); }).info().transactionLost);
+  EXPECT_EQ(seenByOthers(), "0");
+  EXPECT_TRUE(failureOf([&] { connection().commitTrans(); }).fromProvider());
+  connection().rollbackTrans();
+  expectUsable();
+}
+
+TEST_P(LostTransactions, ARollbackWithNothingLeftToUndoIsNoFailure) {
+  run("ROLLBACK TRANSACTION");
+  EXPECT_NO_THROW(connection().rollbackTrans());
+  expectUsable();
+}
+
+TEST_P(LostTransactions, AreEndedWhereEveryFailureUndoesAll) {
+  connection().rollbackTrans();
+  run("SET XACT_ABORT ON");
+  connection().beginTrans();
+  run("INSERT INTO T1_PROVA VALUES (1)");
+  ASSERT_TRUE(failureOf([&] { run("INSERT INTO T1_PROVA VALUES (1)"); }).info().transactionLost);
+  EXPECT_TRUE(failureOf([&] { run("INSERT INTO T1_PROVA VALUES (2)"); }).fromProvider());
+  connection().rollbackTrans();
+  expectUsable();
+}
+
+TEST_P(LostTransactions, AConnectionThatIsLostIsToldAndTakesItsTransactionWithIt) {
+  const std::string session = value("SELECT @@SPID AS N").text();
+  const auto other = another();
+  std::int64_t affected = 0;
+  other->execute("KILL " + session, affected, CommandOption::Text);
+  const Error error = failureOf([&] { run("INSERT INTO T1_PROVA VALUES (2)"); });
+  EXPECT_TRUE(error.info().connectionLost) << error.description();
+  EXPECT_TRUE(error.info().transactionLost);
+  EXPECT_TRUE(failureOf([&] { connection().rollbackTrans(); }).info().connectionLost);
+  EXPECT_TRUE(connection().errors().item(0).connectionLost);
+  EXPECT_EQ(seenByOthers(), "0");
+  connection().close();
+}
+
+TEST_P(LostTransactions, CallersOfOneDatabaseTakeTurnsWhereTheyAskForIt) {
+  connection().rollbackTrans();
+  const auto inTurn = [&] {
+    const auto caller = newConnectionFor(provider().connectionString + ";Blocco=Gruppo");
+    caller->setCommandTimeout(1);
+    caller->open("", "", CommandOption::Unspecified);
+    return caller;
+  };
+  const auto first = inTurn();
+  const auto second = inTurn();
+  first->beginTrans();
+  const Error error = failureOf([&] { second->beginTrans(); });
+  EXPECT_EQ(error.info().sqlState, "HYT00");
+  connection().beginTrans();  // whoever does not take turns is not kept
+  connection().rollbackTrans();
+  first->commitTrans();
+  second->beginTrans();
+  second->rollbackTrans();
+  first->beginTrans();
+  first->rollbackTrans();
+}
+
+INSTANTIATE_TEST_SUITE_P(Providers, LostTransactions, testing::ValuesIn(providerNames()),
+                         nameOfCase);
 
 INSTANTIATE_TEST_SUITE_P(Providers, Transactions, testing::ValuesIn(providerNames()), nameOfCase);
 

@@ -67,6 +67,7 @@ struct Connection : Handle {
   int commits = 0;
   int rollbacks = 0;
   int openResults = 0;
+  int transactions = 0;  ///< open ones, of a server that speaks T-SQL
   SQLULEN loginTimeout = 0;
   int executions = 0;           ///< since they were asked for
   int fetches = 0;              ///< since they were asked for
@@ -76,6 +77,9 @@ struct Connection : Handle {
     const auto found = settings.find(std::u16string{key});
     return found != settings.end() && found->second == value;
   }
+  [[nodiscard]] bool speaksTSql() const { return has(u"Server", u"tsql"); }
+  /// As FreeTDS does, with its server: a transaction is open whenever autocommit is off.
+  [[nodiscard]] bool startsAtOnce() const { return has(u"Starts", u"at once"); }
 };
 
 struct Binding {

@@ -121,7 +121,14 @@ SQLRETURN SQLSetConnectAttrW(SQLHDBC handle, SQLINTEGER attribute, SQLPOINTER va
     if (!on && connection.has(u"Begin", u"fails")) {
       return connection.fail("HY000", u"no transactions today");
     }
+    if (on && connection.has(u"Autocommit", u"lost")) {
+      return lost(connection);
+    }
+    if (on && connection.startsAtOnce() && connection.transactions == 0) {
+      return connection.fail("HY000", u"[Maker]Could not change transaction status");
+    }
     connection.autocommit = on;
+    connection.transactions = !on && connection.startsAtOnce() ? 1 : 0;
   } else if (attribute == SQL_ATTR_LOGIN_TIMEOUT) {
     connection.loginTimeout = reinterpret_cast<SQLULEN>(value);
   }
@@ -151,7 +158,7 @@ SQLRETURN SQLGetInfoW(SQLHDBC handle, SQLUSMALLINT info, SQLPOINTER value, SQLSM
     case SQL_DRIVER_ODBC_VER:
       return text(u"03.80");
     case SQL_DBMS_NAME:
-      return text(connection.has(u"Server", u"tsql") ? u"SQL Server" : u"Fault");
+      return text(connection.speaksTSql() ? u"SQL Server" : u"Fault");
     case SQL_GETDATA_EXTENSIONS: {
       SQLUINTEGER answer =
           connection.has(u"Reread", u"none") ? 0U : static_cast<SQLUINTEGER>(SQL_GD_BOUND);
@@ -176,6 +183,16 @@ SQLRETURN SQLEndTran(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT completion) {
   if (!commit && connection.has(u"Rollback", u"fails")) {
     connection.settings[u"Rollback"] = u"";  // the next one works
     return connection.fail("HY000", u"[Maker]Not now", 1);
+  }
+  if (connection.startsAtOnce()) {
+    const bool undone = connection.transactions == 0;
+    connection.transactions = undone && connection.has(u"Xact_abort", u"on") ? 0 : 1;
+    if (undone) {
+      return connection.fail("25000", u"[Maker]no corresponding BEGIN TRANSACTION.",
+                             commit ? 3902 : 3903);
+    }
+  } else {
+    connection.transactions = 0;
   }
   ++(commit ? connection.commits : connection.rollbacks);
   return SQL_SUCCESS;

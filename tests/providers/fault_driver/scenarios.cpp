@@ -154,6 +154,25 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
   if (text == u"COUNTERS") {
     return counters(connection);
   }
+  if (text == u"SELECT @@TRANCOUNT AS N" && connection.speaksTSql()) {
+    return single(SQL_INTEGER, count(static_cast<SQLULEN>(connection.transactions)));
+  }
+  if (text == u"BEGIN TRANSACTION") {
+    ++connection.transactions;
+    return counts({-1});
+  }
+  if (text == u"UNNOTICED END") {
+    connection.transactions = 0;
+    return counts({-1});
+  }
+  if (text.find(u"sp_getapplock") != std::u16string::npos) {
+    return single(SQL_INTEGER, connection.has(u"Turn", u"never") ? u"-1" : u"0");
+  }
+  if (text == u"CONVERSION ERROR" || text == u"VICTIM") {
+    connection.transactions = 0;
+    return text == u"VICTIM" ? failing("42000", u"chosen as the deadlock victim", 1205)
+                             : failing("22018", u"conversion failed", 245);
+  }
   const std::map<std::u16string, Scenario> known{
       {u"LINK LOST", linkLostInAFetch()},
       {u"LYING SIZES", lyingSizes()},
@@ -182,6 +201,7 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
        join()},
       {u"SELECT 1 AS PRIMA, T1_PROVA.*, X.K1, X.K2 NOME, X.K3 FROM T1_PROVA, F(1) X", join()},
       {u"SELECT A.*, A.*, A.C1_ID, A.C1_ID FROM T1_PROVA A", join()},
+      {u"DUPLICATE KEY", failing("23000", u"duplicate key", 2627)},
       {u"SILENT", Scenario{.results = {}, .failure = {{"", u"", 0}}}},
       {u"SELECT * FROM T1_PROVA",
        one({.columns = {column(u"c1_id", SQL_INTEGER), column(u"C2_NOME", SQL_WVARCHAR, 20)},
@@ -191,6 +211,7 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
     return found->second;
   }
   if (text.starts_with(u"UPDATE") || text.starts_with(u"INSERT")) {
+    connection.transactions = connection.autocommit ? 0 : 1;
     const bool silent = connection.has(u"Counts", u"none");
     return counts({silent ? SQLLEN{-1} : SQLLEN{1}});
   }
