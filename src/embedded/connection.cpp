@@ -56,8 +56,7 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
 /// Runs an operation of the provider; its failures are recorded.
 template <typename Action>
 auto EmbeddedConnection::recorded(std::string_view statement, Action action) {
-  const bool inTransaction = engine_ && engine_->inTransaction();
-  const auto lost = [&] { return inTransaction && !(engine_ && engine_->inTransaction()); };
+  const auto lost = [&] { return engine_ && engine_->isTransactionLost(); };
   try {
     return action();
   } catch (const SqlError& error) {

@@ -201,6 +201,13 @@ ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant
     throw SqlError(0, "Il testo ha " + std::to_string(plan->tree->markerCount) +
                           " marcatori ?, i valori sono " + std::to_string(markers) + ".");
   }
+  const auto& statements = plan->tree->statements;
+  const bool endsTransaction =
+      !statements.empty() &&
+      std::holds_alternative<tsql::TransactionStatement>(statements.front()->node);
+  if (!endsTransaction) {
+    requireTransaction();
+  }
   if (plan->changesData && !inTransaction() && isStale()) {
     reloadCatalogue();
     plan = planFor(text);
@@ -241,6 +248,7 @@ ExecutionResult Engine::run(std::string_view text, const std::vector<Variant>& p
 
 std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
   return translated([&] {
+    requireTransaction();
     refreshCatalogue();
     std::string_view bare = trim(name);
     if (foldText(bare.substr(0, 4)) == "dbo.") {
@@ -271,6 +279,7 @@ std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
 
 ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& values) {
   return translated([&] {
+    requireTransaction();
     if (!inTransaction()) {
       refreshCatalogue();
     }
@@ -308,14 +317,24 @@ std::vector<std::string> Engine::definitions() {
 
 // ---------------------------------------------------------------- transactions
 
+void Engine::requireTransaction() const {
+  if (isTransactionLost()) {
+    throw SqlError(
+        3930,
+        "La transazione è già stata annullata dal motore dopo un errore: va chiusa prima "
+        "di altre istruzioni.");
+  }
+}
+
 void Engine::begin() {
-  if (inTransaction()) {
+  if (begun_) {
     throw SqlError(0, "Cannot start more transactions on this session.");
   }
   translated([&] {
     const bool readOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
     // Taking the lock for writing now saves a transaction from being refused half-way.
     database_.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+    begun_ = true;
     definedInTransaction_ = false;
     refreshCatalogue();
   });
@@ -327,17 +346,21 @@ void Engine::commit() {
   }
   translated([&] {
     database_.execute("COMMIT");
+    begun_ = false;
     definedInTransaction_ = false;
   });
 }
 
 void Engine::rollback() {
-  if (!inTransaction()) {
+  if (!begun_) {
     throw SqlError(3903,
                    "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
   }
   translated([&] {
-    database_.execute("ROLLBACK");
+    if (inTransaction()) {
+      database_.execute("ROLLBACK");
+    }
+    begun_ = false;
     if (definedInTransaction_) {
       definedInTransaction_ = false;
       reloadCatalogue();

@@ -53,6 +53,9 @@ class Engine {
   void commit();
   void rollback();
   [[nodiscard]] bool inTransaction() const { return database_.inTransaction(); }
+  /// Whether SQLite has undone the transaction by itself (a broken off change, a full disk).
+  /// Nothing runs then until its owner has ended it: each statement would be committed by itself.
+  [[nodiscard]] bool isTransactionLost() const { return begun_ && !inTransaction(); }
 
   /// Seconds after which a text is broken off; 0 for never.
   void setTimeout(int seconds) { timeout_ = std::chrono::seconds(seconds); }
@@ -87,6 +90,7 @@ class Engine {
   auto translated(Action action);
   /// SQLite's failure as one that callers understand.
   [[nodiscard]] SqlError translate(const SqliteFailure& failure) const;
+  void requireTransaction() const;
   static int watchClock(void* engine);
 
   EngineOptions options_;
@@ -102,6 +106,7 @@ class Engine {
   SqliteStatement catalogueVersion_;
   std::int64_t knownVersion_ = 0;
   bool uncertain_ = false;             ///< the schema may have changed under the plans
+  bool begun_ = false;                 ///< a transaction, which its owner has not ended
   bool definedInTransaction_ = false;  ///< a rollback takes definitions or table variables back
   tsql::Shape shape_;
   std::int64_t rowCount_ = 0;

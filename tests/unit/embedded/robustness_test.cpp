@@ -118,6 +118,46 @@ TEST(Robustness, EndlessStatementsAreBrokenOff) {
   EXPECT_EQ(rows(*db, "SELECT COUNT(*) FROM T"), "100");
 }
 
+/// SQLite undoes the whole transaction when it breaks off a statement that writes.
+class UndoneTransaction : public testing::Test {
+ protected:
+  void SetUp() override {
+    db_->run("CREATE TABLE N (A INT) INSERT INTO N VALUES (1), (2), (3), (4), (5), (6), (7), (8)");
+    db_->run("CREATE TABLE T (A INT)");
+    db_->setCommandTimeout(1);
+    db_->beginTrans();
+    db_->run("INSERT INTO T VALUES (1) CREATE TABLE S (A INT)");
+    EXPECT_EQ(failureNumber(*db_,
+                            "INSERT INTO T SELECT 1 FROM N A, N B, N C, N D, N E, N F, N G, N H, "
+                            "N I, N J, N K, N L, N M"),
+              -2);
+  }
+  std::shared_ptr<EmbeddedConnection> db_ = openMemory();
+};
+
+TEST_F(UndoneTransaction, TakesNoStatementUntilItsOwnerHasEndedIt) {
+  EXPECT_TRUE(db_->errors().item(0).transactionLost);
+  for (const char* const text : {"INSERT INTO T VALUES (2)", "SELECT * FROM T", "EXEC P"}) {
+    EXPECT_EQ(failureNumber(*db_, text), 3930) << text;
+    EXPECT_TRUE(db_->errors().item(0).transactionLost);
+  }
+  EXPECT_THROW(static_cast<void>(db_->findProcedure("P")), Error);
+  EXPECT_THROW(db_->beginTrans(), Error);
+  EXPECT_THROW(db_->commitTrans(), Error);
+  EXPECT_EQ(db_->errors().item(0).nativeNumber, 3902);
+  db_->rollbackTrans();
+  EXPECT_EQ(rows(*db_, "SELECT COUNT(*) FROM T"), "0");
+  EXPECT_EQ(failureNumber(*db_, "SELECT * FROM S"), 208);
+}
+
+TEST_F(UndoneTransaction, IsEndedByATextAsWell) {
+  db_->run("ROLLBACK TRANSACTION");
+  db_->beginTrans();
+  db_->run("INSERT INTO T VALUES (2)");
+  db_->commitTrans();
+  EXPECT_EQ(rows(*db_, "SELECT A FROM T"), "2");
+}
+
 TEST(Robustness, RecursionEnds) {
   const auto db = openMemory();
   db->run("CREATE PROCEDURE P @N INT AS BEGIN DECLARE @M INT SET @M = @N + 1 EXEC P @M END");
