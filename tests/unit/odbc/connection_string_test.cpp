@@ -2,6 +2,8 @@
 
 #include "gtest/gtest.h"
 
+#include "data/error.h"
+
 namespace azcoll::odbc {
 namespace {
 
@@ -59,6 +61,21 @@ TEST(ConnectionString, TheTimeToConnectMayBeSaid) {
   EXPECT_EQ(loginTimeout("DSN=a;Timeout=presto"), 15);
   EXPECT_EQ(loginTimeout("DSN=a;Timeout=-1"), 15);
   EXPECT_EQ(loginTimeout("DSN=a;Timeout=99999999999999999999"), 15);
+}
+
+TEST(ConnectionString, TurnsAreTakenWhereItSaysSo) {
+  EXPECT_EQ(groupLock("DSN=a"), GroupLock::None);
+  EXPECT_EQ(groupLock("DSN=a; blocco = GRUPPO"), GroupLock::PerDatabase);
+  EXPECT_EQ(groupLock("Blocco={Gruppo};DSN=a"), GroupLock::PerDatabase);
+  for (const char* const text : {"Blocco=", "Blocco=Tabella", "Blocco=1"}) {
+    EXPECT_EQ(groupLock("DSN=a;PWD=x"), GroupLock::None);
+    EXPECT_THROW(static_cast<void>(groupLock(text)), Error) << text;
+  }
+}
+
+TEST(ConnectionString, TheDriverDoesNotSeeTheKeysThatAreNotItsOwn) {
+  EXPECT_EQ(withoutOwnKeys("DSN=a;Blocco=Gruppo;PWD={x;y}"), "DSN=a;PWD={x;y};");
+  EXPECT_EQ(withoutOwnKeys("DSN=a ; PWD={x;y}"), "DSN=a ; PWD={x;y}");
 }
 
 }  // namespace
