@@ -102,7 +102,7 @@ std::optional<Outcome> whenTheGroupIsNotKnown(const Case& each, const Fault& fau
   }
   if (first) {
     // The copies would belong to a main company without a code, which no statement accepts.
-    return undone(reference, join("Incorrect syntax near the keyword 'AND'.", kSuffix));
+    return refused(reference, "Incorrect syntax near the keyword 'AND'.", kSuffix);
   }
   Outcome result = asWithoutFault(reference);
   if (each.fromMain) {
@@ -123,11 +123,12 @@ std::optional<Outcome> whenTheGroupIsNotKnown(const Case& each, const Fault& fau
 }
 
 Outcome refusedAsDouble(const Reference& reference, std::string_view key) {
-  return undone(
+  return refused(
       reference,
       join("Violation of PRIMARY KEY constraint 'PK_CG44_CLIFOR'. Cannot insert duplicate "
            "key in object 'dbo.CG44_CLIFOR'. The duplicate key value is (",
-           key, ").", kSuffix));
+           key, ")."),
+      kSuffix);
 }
 
 /// The search for a free code takes what it cannot read for free.

@@ -22,8 +22,9 @@ struct Outcome {
   Variant errore;                ///< Empty for "whatever it was before the call"
   bool transactionOpen = false;  ///< left to the owner of the connection
   Lines database;                ///< every row, once a transaction left open was rolled back
-
-  friend bool operator==(const Outcome&, const Outcome&) = default;
+  /// How `errore` ends when the words before it are the database's own, which are compared on the
+  /// embedded engine alone; empty when all of it is fixed.
+  std::string_view fixedEnd{};
 };
 
 /// The call without a fault, to be compared with.
@@ -79,6 +80,10 @@ void expectDocumentedOutcomes(const FaultScenario& scenario);
 
 /// `Stato` 99 with `message`, nothing changed, no transaction left.
 [[nodiscard]] Outcome undone(const Reference& reference, std::string message);
+
+/// The same when the database itself refuses a statement, in the words `message`.
+[[nodiscard]] Outcome refused(const Reference& reference, std::string_view message,
+                              std::string_view suffix);
 
 /// `reference`'s database after the call, without the lines it added for which `left` is true, and
 /// with those it removed for which it is true.

@@ -22,21 +22,25 @@ struct Difference {
   Lines come;
 };
 
-/// Every row of a query, its values parted by `|`; Null shows as NULL.
-inline Lines rowsOf(Connection& connection, const std::string& sql) {
-  std::int64_t affected = 0;
-  const std::shared_ptr<Recordset> found = connection.execute(sql, affected, CommandOption::Text);
+/// Every row from the current one on, its values parted by `|`; Null shows as NULL.
+inline Lines linesOf(Recordset& found) {
   Lines lines;
-  for (; !found->atEnd(); found->moveNext()) {
+  for (; !found.atEnd(); found.moveNext()) {
     std::string line;
-    for (std::size_t column = 0; column < found->fields().count(); ++column) {
-      const Variant value = found->fields().item(column).value();
+    for (std::size_t column = 0; column < found.fields().count(); ++column) {
+      const Variant value = found.fields().item(column).value();
       line += column == 0 ? "" : "|";
       line += value.isNull() ? "NULL" : value.text();
     }
     lines.push_back(line);
   }
   return lines;
+}
+
+/// Every row of a query.
+inline Lines rowsOf(Connection& connection, const std::string& sql) {
+  std::int64_t affected = 0;
+  return linesOf(*connection.execute(sql, affected, CommandOption::Text));
 }
 
 /// Every row of `tables`, in order.
