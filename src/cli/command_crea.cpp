@@ -10,8 +10,10 @@
 
 #include "cli/database.h"
 #include "cli/installation.h"
+#include "cli/schema.h"
 #include "cli/scripts.h"
 #include "cli/unfinished_file.h"
+#include "cli/utf8.h"
 #include "platform/provider_factory.h"
 
 namespace azcoll::cli {
@@ -47,6 +49,20 @@ void fill(const std::string& path, bool example) {
   connection->close();
 }
 
+/// Tells which rights the role has not got.
+ExitCode tellRefused(const std::vector<RefusedGrant>& refused, std::ostream& err) {
+  if (refused.empty()) {
+    return ExitCode::Ok;
+  }
+  err << fmt::format("Diritti rifiutati dal server: {} di {}. Gli altri sono concessi.\n",
+                     refused.size(), expectedRights().grants.size());
+  for (const RefusedGrant& grant : refused) {
+    err << fmt::format("  {}: {}\n", grant.right, visible(grant.reason));
+  }
+  err << "Se al servizio mancano davvero lo dice, con il suo utente: azcoll diagnosi\n";
+  return ExitCode::Failed;
+}
+
 }  // namespace
 
 CLI::App* CommandCrea::setup(CLI::App& parent) {
@@ -64,7 +80,9 @@ CLI::App* CommandCrea::setup(CLI::App& parent) {
                     "(solo con --connessione, su un server)");
   command->footer(
       "Con --connessione ogni script viene installato per intero o per niente; un database che\n"
-      "contiene già tabelle aziendali non viene toccato.");
+      "contiene già tabelle aziendali non viene toccato. Con --permessi ogni diritto è dato da "
+      "sé:\n"
+      "quelli che il server rifiuta sono elencati, gli altri restano, e il comando esce con 1.");
   return command;
 }
 
@@ -112,7 +130,7 @@ ExitCode CommandCrea::installOn(Console& console) const {
   if (permessi) {
     scripts.push_back(&kPermessi);
   }
-  install(*connection, scripts);
+  const std::vector<RefusedGrant> refused = install(*connection, scripts);
   connection->close();
   std::vector<std::string_view> names;
   names.reserve(scripts.size());
@@ -120,7 +138,7 @@ ExitCode CommandCrea::installOn(Console& console) const {
     names.push_back(script->name);
   }
   console.err << fmt::format("Installati nel database: {}.\n", fmt::join(names, ", "));
-  return ExitCode::Ok;
+  return tellRefused(refused, console.err);
 }
 
 }  // namespace azcoll::cli

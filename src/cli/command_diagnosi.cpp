@@ -32,11 +32,11 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
 }
 
 std::string rightsText(const Diagnosis& diagnosis) {
-  if (diagnosis.user.empty()) {
+  if (!diagnosis.hasUsers) {
     return diagnosis.rights == 0 ? "" : ", il file si può scrivere";
   }
   return fmt::format(", {} dell'utente {}", counted(diagnosis.rights, "diritto", "diritti"),
-                     visible(diagnosis.user));
+                     diagnosis.user.empty() ? "della connessione" : visible(diagnosis.user));
 }
 
 }  // namespace
@@ -48,7 +48,8 @@ CLI::App* CommandDiagnosi::setup(CLI::App& parent) {
   command->add_flag("--json", json, "stampa il risultato come oggetto JSON");
   command->footer(
       "Guarda tabelle, colonne, tipi, la procedura, la funzione e i diritti dell'utente, e per\n"
-      "ogni cosa che manca dice come rimediare. Non cambia niente.\n"
+      "ogni cosa che manca dice come rimediare. Quello che il database non dice è elencato,\n"
+      "e il resto è controllato. Non cambia niente.\n"
       "Esce con 0 quando c'è tutto, 1 se manca qualcosa o se il database non dice che cosa\n"
       "contiene, 2 per un uso errato, 3 se il database non si apre.");
   return command;
@@ -59,11 +60,16 @@ void printDiagnosis(std::ostream& out, const Diagnosis& diagnosis) {
                      counted(diagnosis.columns, "colonna", "colonne"),
                      counted(diagnosis.routines, "procedura o funzione", "procedure e funzioni"),
                      rightsText(diagnosis));
+  for (const std::string& sentence : diagnosis.unchecked) {
+    out << "Non controllato: " << visible(sentence) << '\n';
+  }
   for (const std::string& note : diagnosis.notes) {
     out << "Nota: " << visible(note) << '\n';
   }
   if (diagnosis.findings.empty()) {
-    out << "\nTutto a posto: il servizio può lavorare su questo database.\n";
+    out << (diagnosis.unchecked.empty()
+                ? "\nTutto a posto: il servizio può lavorare su questo database.\n"
+                : "\nQuello che si è potuto controllare è a posto.\n");
     return;
   }
   out << fmt::format("\nDa sistemare: {}\n", diagnosis.findings.size());
@@ -89,6 +95,7 @@ void printDiagnosisJson(std::ostream& out, const Diagnosis& diagnosis) {
                                   {"messaggio", finding.message},
                                   {"rimedio", finding.remedy}});
   }
+  result["non_controllato"] = diagnosis.unchecked;
   result["note"] = diagnosis.notes;
   out << dump(result) << '\n';
 }
@@ -102,7 +109,7 @@ ExitCode CommandDiagnosi::run(Console& console) const {
     console.err << fmt::format(
         "Il database non dice che cosa contiene: {}\n"
         "Servono il diritto di connettersi (GRANT CONNECT) e di leggere le viste di sistema\n"
-        "sys.objects, sys.columns e sys.parameters.\n",
+        "sys.all_objects, sys.all_columns e sys.all_parameters.\n",
         describeFailure(error));
     return ExitCode::Failed;
   }

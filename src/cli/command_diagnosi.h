@@ -26,7 +26,7 @@ struct CommandDiagnosi {
 void printDiagnosis(std::ostream& out, const Diagnosis& diagnosis);
 
 /// `{"a_posto", "esaminati": {…}, "problemi": [{"tipo", "oggetto", "messaggio", "rimedio"}],
-/// "note"}`.
+/// "non_controllato", "note"}`.
 void printDiagnosisJson(std::ostream& out, const Diagnosis& diagnosis);
 
 }  // namespace azcoll::cli

@@ -10,7 +10,7 @@ enum class ExitCode : int {
   Ok = 0,          ///< done; for a method call, `Stato` 0
   Failed = 1,      ///< another `Stato`, or a statement that the database refused
   Usage = 2,       ///< wrong usage: nothing was done
-  CannotOpen = 3,  ///< the database cannot be opened
+  CannotOpen = 3,  ///< the database cannot be opened, or the connection was lost
 };
 
 /// The streams of one run of the command.
@@ -27,7 +27,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A database that cannot be opened.
+/// A database that cannot be opened, or whose connection was lost; the message says what to check.
 class OpenError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

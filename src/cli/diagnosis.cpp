@@ -71,14 +71,22 @@ Diagnosis diagnoseDefinitions(Connection& connection, const std::vector<std::str
 
 // ---------------------------------------------------------------- server
 
+std::string shownName(const ServerUser& user) {
+  return user.name.empty() ? "della connessione" : user.name;
+}
+
+std::string quotedName(const ServerUser& user) {
+  return user.name.empty() ? "[UTENTE]" : fmt::format("[{}]", user.name);
+}
+
 /// Who is to be given a right: the role where the user is in it.
 std::string granteeOf(const ServerUser& user, const std::string& role) {
-  return user.inRole.value_or(false) ? role : fmt::format("[{}]", user.name);
+  return user.inRole.value_or(false) ? role : quotedName(user);
 }
 
 /// How to give the user all rights at once.
 std::string intoTheRole(const ServerUser& user, const std::string& role) {
-  const std::string add = fmt::format("ALTER ROLE {} ADD MEMBER [{}]", role, user.name);
+  const std::string add = fmt::format("ALTER ROLE {} ADD MEMBER {}", role, quotedName(user));
   return user.inRole ? add : "eseguire schema/permessi.sql, poi " + add;
 }
 
@@ -87,7 +95,7 @@ Finding nothingVisible(const ServerUser& user, const std::string& role) {
       "diritto", "",
       fmt::format("L'utente {} non vede nessuna delle tabelle aziendali: il database è vuoto, o "
                   "mancano i diritti.",
-                  user.name),
+                  shownName(user)),
       fmt::format("Con un utente che vede tutto (db_owner): azcoll diagnosi.\n"
                   "Se è vuoto: azcoll crea --connessione STRINGA --permessi.\n"
                   "Per i diritti: {}",
@@ -112,7 +120,7 @@ void tellMissingRights(Diagnosis& diagnosis, const std::vector<Grant>& missing,
   for (const auto& [object, rights] : rightsOfObject) {
     diagnosis.findings.push_back(
         {"diritto", object,
-         fmt::format("All'utente {} manca su {}: {}.", user.name, object, rights),
+         fmt::format("All'utente {} manca su {}: {}.", shownName(user), object, rights),
          fmt::format("GRANT {} ON {} TO {}", rights, object, grantee)});
   }
   if (!missing.empty() && !user.inRole.value_or(false)) {
@@ -124,9 +132,12 @@ Diagnosis diagnoseServer(Connection& connection) {
   const Schema& expected = expectedSchema();
   const RoleRights& needed = expectedRights();
   Diagnosis diagnosis;
-  const ServerUser user = readServerUser(connection, needed.role);
+  diagnosis.hasUsers = true;
+  ServerUser user;
+  couldAsk(diagnosis.unchecked, "chi è l'utente, e se il database distingue le maiuscole",
+           [&] { user = readServerUser(connection, needed.role); });
   diagnosis.user = user.name;
-  const Schema found = readServerSchema(connection, expected, user);
+  const Schema found = readServerSchema(connection, expected, user, diagnosis.unchecked);
   if (isEmpty(found)) {
     diagnosis.findings.push_back(user.seesEverything ? emptyDatabase()
                                                      : nothingVisible(user, needed.role));
@@ -142,9 +153,11 @@ Diagnosis diagnoseServer(Connection& connection) {
                          .seesEverything = user.seesEverything,
                          .needed = needed.grants,
                          .grantee = granteeOf(user, needed.role)});
-  const std::vector<Grant> missing = readMissingGrants(connection, needed.grants, found);
-  diagnosis.rights = needed.grants.size() - missing.size();
-  tellMissingRights(diagnosis, missing, user, needed.role);
+  couldAsk(diagnosis.unchecked, "i diritti dell'utente", [&] {
+    const std::vector<Grant> missing = readMissingGrants(connection, needed.grants, found);
+    diagnosis.rights = needed.grants.size() - missing.size();
+    tellMissingRights(diagnosis, missing, user, needed.role);
+  });
   return diagnosis;
 }
 

@@ -23,8 +23,11 @@ struct Diagnosis {
   std::size_t columns = 0;
   std::size_t routines = 0;
   std::size_t rights = 0;
-  std::string user;                 ///< of a server; empty for an engine without users
+  bool hasUsers = false;            ///< a server; else an engine that knows none
+  std::string user;                 ///< of a server; empty when it does not tell
   std::vector<Finding> findings{};  ///< in the order in which they are to be mended
+  std::vector<std::string>
+      unchecked{};  ///< a sentence for each thing that the server does not tell
   std::vector<std::string> notes{};
 };
 
@@ -41,8 +44,9 @@ struct Mending {
 void compareSchemas(Diagnosis& diagnosis, const Schema& expected, const Schema& found,
                     const Mending& mending);
 
-/// Examines an open company database against the scripts that this program carries. Throws `Error`
-/// when the database does not tell what it holds.
+/// Examines an open company database against the scripts that this program carries. What the
+/// database does not tell is told as not checked, and the rest is checked; throws `Error` when it
+/// does not even tell which objects it holds.
 [[nodiscard]] Diagnosis diagnose(Connection& connection);
 
 }  // namespace azcoll::cli

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <fmt/format.h>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/console.h"
@@ -36,6 +38,16 @@ std::string excerpt(std::string_view statement) {
   return visible(shown) + (shown.size() < text.size() ? "…" : "");
 }
 
+/// The same failure in other words.
+[[noreturn]] void rethrow(const Error& error, std::string description) {
+  if (!error.fromProvider()) {
+    throw Error(description);
+  }
+  ErrorInfo info = error.info();
+  info.description = std::move(description);
+  throw Error::provider(std::move(info));
+}
+
 /// Names of the company's tables and routines that the database has already.
 std::vector<std::string> namesThere(Connection& connection) {
   const auto definitions = storedDefinitions(connection);
@@ -66,8 +78,8 @@ void refuseExisting(Connection& connection) {
   try {
     names = namesThere(connection);
   } catch (const Error& error) {
-    throw Error(fmt::format("Il database non dice che cosa contiene, e non viene toccato: {}",
-                            describeFailure(error)));
+    rethrow(error, fmt::format("Il database non dice che cosa contiene, e non viene toccato: {}",
+                               describeFailure(error)));
   }
   if (names.empty()) {
     return;
@@ -101,43 +113,113 @@ std::string namesOf(std::span<const Script* const> scripts) {
   return names.empty() ? "nessuno" : names;
 }
 
+void execute(Connection& connection, std::string_view statement) {
+  std::int64_t affected = 0;
+  connection.execute(statement, affected, CommandOption::Text);
+}
+
+void runBatch(Connection& connection, const Script& script, const tsql::ScriptBatch& batch) {
+  try {
+    execute(connection, batch.text);
+  } catch (const Error& error) {
+    const std::string& statement = error.info().statement;
+    rethrow(error, fmt::format("{}, riga {}: {}\n  {}", script.name, failureLine(batch, error),
+                               describeFailure(error),
+                               excerpt(statement.empty() ? batch.text : statement)));
+  }
+}
+
+/// Ends the installation at a script.
+class Stop {
+ public:
+  Stop(std::span<const Script* const> scripts, std::size_t current)
+      : scripts_{scripts}, current_{current} {}
+
+  /// `end` tells what became of the script.
+  [[noreturn]] void operator()(const Error& error, const std::string& message,
+                               const std::string& end) const {
+    const std::string text =
+        fmt::format("{}\n{}\nInstallati: {}. Non installati: {}.", message, end,
+                    namesOf(scripts_.first(current_)), namesOf(scripts_.subspan(current_)));
+    if (error.info().connectionLost) {
+      throw OpenError(text);
+    }
+    throw Error(text);
+  }
+
+ private:
+  std::span<const Script* const> scripts_;
+  std::size_t current_;
+};
+
+/// Runs `work` in a transaction.
+void inTransaction(Connection& connection, const Script& script, const Stop& stop,
+                   const std::function<void()>& work) {
+  connection.beginTrans();
+  try {
+    work();
+  } catch (const Error& error) {
+    stop(error, error.description(), undo(connection, script));
+  }
+  try {
+    connection.commitTrans();
+  } catch (const Error& error) {
+    const std::string message =
+        fmt::format("{}: la conferma non è riuscita: {}", script.name, describeFailure(error));
+    stop(error, message,
+         error.info().connectionLost
+             ? fmt::format("Se {} è stato installato lo dice: azcoll diagnosi", script.name)
+             : undo(connection, script));
+  }
+}
+
+/// The role is made first; then every right is granted by itself.
+std::vector<RefusedGrant> installRights(Connection& connection, const Script& script,
+                                        const Stop& stop) {
+  std::vector<RefusedGrant> refused;
+  for (const tsql::ScriptBatch& batch : tsql::splitScript(script.text)) {
+    const RoleRights rights = readGrants(batch.text);
+    if (rights.grants.empty()) {
+      inTransaction(connection, script, stop, [&] { runBatch(connection, script, batch); });
+    }
+    for (const Grant& grant : rights.grants) {
+      const std::string object = fmt::format("{}.{}", grant.owner, grant.object);
+      try {
+        execute(connection, fmt::format("GRANT {} ON {} TO {}", grant.right, object, rights.role));
+      } catch (const Error& error) {
+        refused.push_back({fmt::format("{} su {}", grant.right, object), describeFailure(error)});
+        if (error.info().connectionLost) {
+          stop(error,
+               fmt::format("{}: {}: {}", script.name, refused.back().right, refused.back().reason),
+               "I diritti che vengono prima nello script sono concessi.");
+        }
+      }
+    }
+  }
+  return refused;
+}
+
 }  // namespace
 
 void runScript(Connection& connection, const Script& script) {
   for (const tsql::ScriptBatch& batch : tsql::splitScript(script.text)) {
-    try {
-      std::int64_t affected = 0;
-      connection.execute(batch.text, affected, CommandOption::Text);
-    } catch (const Error& error) {
-      const std::string& statement = error.info().statement;
-      throw Error(fmt::format("{}, riga {}: {}\n  {}", script.name, failureLine(batch, error),
-                              describeFailure(error),
-                              excerpt(statement.empty() ? batch.text : statement)));
-    }
+    runBatch(connection, script, batch);
   }
 }
 
-void install(Connection& connection, std::span<const Script* const> scripts) {
+std::vector<RefusedGrant> install(Connection& connection, std::span<const Script* const> scripts) {
   refuseExisting(connection);
+  std::vector<RefusedGrant> refused;
   for (std::size_t i = 0; i < scripts.size(); ++i) {
     const Script& script = *scripts[i];
-    const auto fail = [&](const std::string& message, const std::string& end) {
-      throw Error(fmt::format("{}\n{}\nInstallati: {}. Non installati: {}.", message, end,
-                              namesOf(scripts.first(i)), namesOf(scripts.subspan(i))));
-    };
-    connection.beginTrans();
-    try {
-      runScript(connection, script);
-    } catch (const Error& error) {
-      fail(error.description(), undo(connection, script));
-    }
-    try {
-      connection.commitTrans();
-    } catch (const Error& error) {
-      fail(fmt::format("{}: la conferma non è riuscita: {}", script.name, describeFailure(error)),
-           undo(connection, script));
+    const Stop stop{scripts, i};
+    if (&script == &kPermessi) {
+      refused = installRights(connection, script, stop);
+    } else {
+      inTransaction(connection, script, stop, [&] { runScript(connection, script); });
     }
   }
+  return refused;
 }
 
 }  // namespace azcoll::cli

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <span>
+#include <string>
+#include <vector>
 
 #include "data/connection.h"
 
@@ -8,13 +10,22 @@ namespace azcoll::cli {
 
 struct Script;
 
+/// A right that the server would not grant.
+struct RefusedGrant {
+  std::string right;   ///< `SELECT su dbo.CG44_CLIFOR`
+  std::string reason;  ///< what the server says
+};
+
 /// Runs a script batch by batch. Throws `Error` that names script, line and statement.
 void runScript(Connection& connection, const Script& script);
 
 /// Runs scripts on an open database, each in a transaction of its own: a script is there as a whole
-/// or not at all. Throws `UsageError`, with nothing changed, when the database already has a table,
-/// a procedure or a function of the company's; `Error` for a script that failed, with what is
-/// installed and what is not.
-void install(Connection& connection, std::span<const Script* const> scripts);
+/// or not at all. Only of the script of rights every GRANT counts by itself, for servers differ in
+/// what they take: those refused are returned, the others stay. Throws `UsageError`, with nothing
+/// changed, when the database already has a table, a procedure or a function of the company's;
+/// `Error` for a script that failed, with what is installed and what is not, which is an
+/// `OpenError` when the connection was lost.
+[[nodiscard]] std::vector<RefusedGrant> install(Connection& connection,
+                                                std::span<const Script* const> scripts);
 
 }  // namespace azcoll::cli

@@ -49,6 +49,9 @@ class Comparison {
       return;
     }
     ++diagnosis_.tables;
+    if (!found->columnsKnown) {
+      return;
+    }
     for (const SchemaColumn& column : expected.columns) {
       const auto there = std::ranges::find_if(found->columns, [&](const SchemaColumn& each) {
         return sameName(each.name, column.name);
@@ -76,9 +79,12 @@ class Comparison {
     if (expected.isFunction != found->isFunction) {
       faults.push_back(expected.isFunction ? "è una procedura" : "è una funzione");
     } else {
-      faults = parameterFaults(expected, *found);
+      if (found->parametersKnown) {
+        faults = parameterFaults(expected, *found);
+      }
       for (const SchemaColumn& column : expected.columns) {
-        if (std::ranges::none_of(found->columns, [&](const SchemaColumn& each) {
+        if (found->columnsKnown &&
+            std::ranges::none_of(found->columns, [&](const SchemaColumn& each) {
               return sameName(each.name, column.name);
             })) {
           faults.push_back(fmt::format("non restituisce la colonna {}", column.name));

@@ -6,8 +6,11 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <set>
+#include <utility>
 
+#include "cli/database.h"
 #include "cli/query.h"
+#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll::cli {
@@ -39,13 +42,16 @@ std::string qualified(std::string_view owner, std::string_view object) {
 constexpr std::string_view kUser =
     "SELECT USER_NAME() AS UTENTE, SCHEMA_NAME() AS SCHEMA_UTENTE,"
     " IS_ROLEMEMBER({}) AS NEL_RUOLO,"
-    " HAS_PERMS_BY_NAME(QUOTENAME(DB_NAME()), N'DATABASE', N'VIEW DEFINITION') AS VEDE_TUTTO,"
+    // The owner sees everything, and not every server counts that as a right of his.
+    " CASE WHEN USER_NAME() = N'dbo' THEN 1 ELSE"
+    " HAS_PERMS_BY_NAME(QUOTENAME(DB_NAME()), N'DATABASE', N'VIEW DEFINITION') END AS VEDE_TUTTO,"
     " CASE WHEN N'a' = N'A' THEN 1 ELSE 0 END AS SENZA_MAIUSCOLE";
 
-// U table, V view, P procedure, IF and TF functions that give rows. {} are the names.
+// The views that begin with `all_` also stand where the shorter ones are missing. U table, V view,
+// P procedure, IF and TF functions that give rows. {} are the names.
 constexpr std::string_view kObjects =
     "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, O.type AS TIPO"
-    " FROM sys.objects AS O INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
+    " FROM sys.all_objects AS O INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
     " WHERE O.type IN ('U', 'V', 'P', 'IF', 'TF') AND S.name IN (SCHEMA_NAME(), N'dbo')"
     " AND O.name IN ({})";
 
@@ -55,19 +61,22 @@ constexpr std::string_view kColumns =
     " C.scale AS DECIMALI, CAST(C.is_nullable AS INT) AS AMMETTE_NULL,"
     " CAST(C.is_identity AS INT) AS IDENTITA,"
     " CASE WHEN C.default_object_id = 0 THEN 0 ELSE 1 END AS HA_DEFAULT"
-    " FROM sys.columns AS C INNER JOIN sys.objects AS O ON O.object_id = C.object_id"
+    " FROM sys.all_columns AS C INNER JOIN sys.all_objects AS O ON O.object_id = C.object_id"
     " INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
-    " WHERE O.type IN ('U', 'V', 'IF', 'TF') AND S.name IN (SCHEMA_NAME(), N'dbo')"
+    " WHERE O.type IN ('U', 'V') AND S.name IN (SCHEMA_NAME(), N'dbo')"
     " AND O.name IN ({}) ORDER BY C.object_id, C.column_id";
 
 constexpr std::string_view kParameters =
     "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, P.name AS NOME,"
     " TYPE_NAME(P.system_type_id) AS TIPO, P.max_length AS BYTE_MAX, P.precision AS CIFRE,"
     " P.scale AS DECIMALI, CAST(P.is_output AS INT) AS USCITA"
-    " FROM sys.parameters AS P INNER JOIN sys.objects AS O ON O.object_id = P.object_id"
+    " FROM sys.all_parameters AS P INNER JOIN sys.all_objects AS O ON O.object_id = P.object_id"
     " INNER JOIN sys.schemas AS S ON S.schema_id = O.schema_id"
     " WHERE P.parameter_id > 0 AND S.name IN (SCHEMA_NAME(), N'dbo')"
     " AND O.name IN ({}) ORDER BY P.object_id, P.parameter_id";
+
+// Gives a function's columns and no row, on every server. The function, then its parameters.
+constexpr std::string_view kFunction = "SELECT * FROM {}({}) WHERE 1 = 0";
 
 constexpr std::string_view kRight =
     "SELECT {} AS NUMERO, HAS_PERMS_BY_NAME({}, N'OBJECT', N'{}') AS CONCESSO";
@@ -166,6 +175,69 @@ auto* ownedObject(Objects& all, const Answer& answer) {
   return found == all.end() ? nullptr : &*found;
 }
 
+void addColumns(Connection& connection, Schema& found, const std::string& names) {
+  Answer columns{connection, fmt::format(kColumns, names)};
+  while (columns.next()) {
+    if (SchemaTable* const table = ownedObject(found.tables, columns)) {
+      table->columns.push_back({.name = columns.text("NOME"),
+                                .type = typeOf(columns),
+                                .nullable = columns.isOne("AMMETTE_NULL"),
+                                .identity = columns.isOne("IDENTITA"),
+                                .hasDefault = columns.isOne("HA_DEFAULT")});
+    }
+  }
+}
+
+void addParameters(Connection& connection, Schema& found, const std::string& names) {
+  Answer parameters{connection, fmt::format(kParameters, names)};
+  while (parameters.next()) {
+    if (SchemaRoutine* const routine = ownedObject(found.routines, parameters)) {
+      routine->parameters.push_back(
+          {parameters.text("NOME"), typeOf(parameters), parameters.isOne("USCITA")});
+    }
+  }
+}
+
+void addFunctionColumns(Connection& connection, SchemaRoutine& function, std::size_t arguments) {
+  std::string values;
+  for (std::size_t i = 0; i < arguments; ++i) {
+    values += i == 0 ? "NULL" : ", NULL";
+  }
+  const Rows rows =
+      query(connection, fmt::format(kFunction, qualified(function.owner, function.name), values));
+  for (const std::string& column : rows.columns) {
+    function.columns.push_back({.name = column});
+  }
+}
+
+/// Completes a function that is there by the columns of its rows. The list of objects may keep one
+/// back that the user can read from all the same.
+void describeFunction(Connection& connection, Schema& found, const SchemaRoutine& expected,
+                      std::vector<std::string>& unchecked) {
+  const auto listed = std::ranges::find_if(found.routines, [&](const SchemaRoutine& each) {
+    return sameName(each.name, expected.name);
+  });
+  if (listed == found.routines.end() && found.tables.empty()) {
+    return;  // nothing of the company's is shown to this user
+  }
+  if (listed == found.routines.end()) {
+    SchemaRoutine hidden{
+        .name = expected.name, .owner = "dbo", .isFunction = true, .parametersKnown = false};
+    std::vector<std::string> notThere;
+    if (couldAsk(notThere, hidden.name,
+                 [&] { addFunctionColumns(connection, hidden, expected.parameters.size()); })) {
+      found.routines.push_back(std::move(hidden));
+    }
+    return;
+  }
+  if (listed->isFunction) {
+    const std::size_t arguments =
+        listed->parametersKnown ? listed->parameters.size() : expected.parameters.size();
+    listed->columnsKnown = couldAsk(unchecked, "le colonne della funzione " + expected.name,
+                                    [&] { addFunctionColumns(connection, *listed, arguments); });
+  }
+}
+
 }  // namespace
 
 ServerUser readServerUser(Connection& connection, std::string_view role) {
@@ -192,31 +264,42 @@ std::vector<std::string> readServerNames(Connection& connection, const Schema& e
   return names;
 }
 
-Schema readServerSchema(Connection& connection, const Schema& expected, const ServerUser& user) {
+bool couldAsk(std::vector<std::string>& unchecked, std::string_view what,
+              const std::function<void()>& question) {
+  try {
+    question();
+    return true;
+  } catch (const Error& error) {
+    if (error.info().connectionLost) {
+      throw;
+    }
+    unchecked.push_back(fmt::format(
+        "{}: {}", what, error.fromProvider() ? describeFailure(error) : error.description()));
+    return false;
+  }
+}
+
+Schema readServerSchema(Connection& connection, const Schema& expected, const ServerUser& user,
+                        std::vector<std::string>& unchecked) {
   Schema found;
   const std::string names = namesOf(expected);
   Answer objects{connection, fmt::format(kObjects, names)};
   while (objects.next()) {
     addObject(found, objects, user);
   }
-  Answer columns{connection, fmt::format(kColumns, names)};
-  while (columns.next()) {
-    SchemaColumn column{.name = columns.text("NOME"),
-                        .type = typeOf(columns),
-                        .nullable = columns.isOne("AMMETTE_NULL"),
-                        .identity = columns.isOne("IDENTITA"),
-                        .hasDefault = columns.isOne("HA_DEFAULT")};
-    if (SchemaTable* const table = ownedObject(found.tables, columns)) {
-      table->columns.push_back(std::move(column));
-    } else if (SchemaRoutine* const function = ownedObject(found.routines, columns)) {
-      function->columns.push_back(std::move(column));
-    }
+  const bool columnsKnown = couldAsk(unchecked, "le colonne delle tabelle",
+                                     [&] { addColumns(connection, found, names); });
+  for (SchemaTable& table : found.tables) {
+    table.columnsKnown = columnsKnown;
   }
-  Answer parameters{connection, fmt::format(kParameters, names)};
-  while (parameters.next()) {
-    if (SchemaRoutine* const routine = ownedObject(found.routines, parameters)) {
-      routine->parameters.push_back(
-          {parameters.text("NOME"), typeOf(parameters), parameters.isOne("USCITA")});
+  const bool parametersKnown = couldAsk(unchecked, "i parametri della procedura e della funzione",
+                                        [&] { addParameters(connection, found, names); });
+  for (SchemaRoutine& routine : found.routines) {
+    routine.parametersKnown = parametersKnown;
+  }
+  for (const SchemaRoutine& function : expected.routines) {
+    if (function.isFunction) {
+      describeFunction(connection, found, function, unchecked);
     }
   }
   return found;
@@ -231,6 +314,9 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
     const SchemaRoutine* const routine = found.routine(grant.object);
     if (table == nullptr && routine == nullptr) {
       continue;  // what is not there is told by itself
+    }
+    if (routine != nullptr && !routine->columns.empty()) {
+      continue;  // the server let this user read from the function; not every one tells so
     }
     const std::string& owner = table != nullptr ? table->owner : routine->owner;
     question += question.empty() ? "" : " UNION ALL ";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,13 +14,19 @@ namespace azcoll::cli {
 /// The questions put to the catalogue of a server: every text that the checks send stands behind
 /// these functions. Each throws `Error` when the server refuses the question.
 
+/// Asks something that the other checks can do without. When the server refuses it, or answers in
+/// another form, `unchecked` gets a sentence on `what`, and the answer is false. A connection that
+/// is lost is no refusal: its `Error` passes.
+bool couldAsk(std::vector<std::string>& unchecked, std::string_view what,
+              const std::function<void()>& question);
+
 /// Who is asking, and what of the database that person sees.
 struct ServerUser {
-  std::string name;
-  std::string defaultSchema;
-  std::optional<bool> inRole;   ///< nothing when the role does not exist
-  bool seesEverything = false;  ///< the catalogue hides nothing from this user
-  bool ignoresCase = true;      ///< the database's order takes `a` and `A` for the same
+  std::string name{};  ///< empty when the server does not tell
+  std::string defaultSchema = "dbo";
+  std::optional<bool> inRole{};  ///< nothing when the role does not exist
+  bool seesEverything = false;   ///< the catalogue hides nothing from this user
+  bool ignoresCase = true;       ///< the database's order takes `a` and `A` for the same
 };
 [[nodiscard]] ServerUser readServerUser(Connection& connection, std::string_view role);
 
@@ -28,12 +35,13 @@ struct ServerUser {
                                                        const Schema& expected);
 
 /// What of `expected` is there and visible. An object is looked for where a statement finds it: in
-/// the user's own schema, then in dbo.
+/// the user's own schema, then in dbo. Columns and parameters that the server does not tell are
+/// marked as not known, and `unchecked` gets a sentence for each question that it refused.
 [[nodiscard]] Schema readServerSchema(Connection& connection, const Schema& expected,
-                                      const ServerUser& user);
+                                      const ServerUser& user, std::vector<std::string>& unchecked);
 
 /// Those of `grants` that the user does not have, for the objects that `found` holds; each with the
-/// owner that the object was found with.
+/// owner that the object was found with. A function whose columns are known has been read from.
 [[nodiscard]] std::vector<Grant> readMissingGrants(Connection& connection,
                                                    const std::vector<Grant>& grants,
                                                    const Schema& found);

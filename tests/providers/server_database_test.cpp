@@ -10,6 +10,8 @@ TEST(ServerDatabase, TheOtherSettingsOfTheStringStay) {
   EXPECT_EQ(withDatabase("PWD={a;Database=b};initial catalog = c;", "mia"),
             "PWD={a;Database=b};Database=mia;");
   EXPECT_EQ(withDatabase("", "mia"), "Database=mia;");
+  EXPECT_EQ(withUser("Driver=X;User Id=sa;Database=d;Password={a;b}", "io", "mia"),
+            "Driver=X;Database=d;UID=io;PWD=mia;");
 }
 
 // The database that the suites make for themselves on a server, on one that can make databases.

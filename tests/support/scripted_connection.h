@@ -27,6 +27,7 @@ struct Operation {
 /// How a scripted statement fails.
 enum class Failure : std::uint8_t {
   Provider,  ///< the database refuses it: the connection's `Errors` get an entry
+  Lost,      ///< the same, because the connection is gone
   Own,       ///< an `Error` that does not come from the database
   Foreign    ///< any other exception
 };
@@ -230,12 +231,13 @@ class ScriptedConnection final : public Connection,
 
   [[noreturn]] void raise(Failure failure, const std::string& description,
                           const std::string& statement) {
-    if (failure == Failure::Provider) {
+    if (failure == Failure::Provider || failure == Failure::Lost) {
       const ErrorInfo info{.description = description,
                            .sqlState = "HY000",
                            .nativeNumber = 50000,
                            .source = "Scripted",
-                           .statement = statement};
+                           .statement = statement,
+                           .connectionLost = failure == Failure::Lost};
       errors_.record(info);
       throw Error::provider(info);
     }

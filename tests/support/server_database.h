@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 #include <memory>
 #include <random>
 #include <string>
@@ -15,17 +17,34 @@
 
 namespace azcoll::test {
 
-/// The connection string with another database in it.
-inline std::string withDatabase(std::string_view text, std::string_view database) {
-  const auto isDatabaseKey = [](std::string_view pair) {
-    std::string key;
-    for (const char byte : pair.substr(0, pair.find('='))) {
-      key += byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-    }
-    key.erase(0, key.find_first_not_of(' '));
-    key.erase(key.find_last_not_of(' ') + 1);
-    return key == "database" || key == "initial catalog";
-  };
+namespace detail {
+
+/// The name of a pair of a connection string, in small letters and without blanks around it.
+inline std::string keyOf(std::string_view pair) {
+  std::string key;
+  for (const char byte : pair.substr(0, pair.find('='))) {
+    key += byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+  }
+  key.erase(0, key.find_first_not_of(' '));
+  key.erase(key.find_last_not_of(' ') + 1);
+  return key;
+}
+
+/// A name that no other test process gives to what it makes on a server.
+inline std::string ownName() {
+  std::random_device random;
+  std::array<char, 64> name{};
+  std::snprintf(name.data(), name.size(), "azcoll_prova_%d_%08x", static_cast<int>(::getpid()),
+                static_cast<unsigned>(random()));
+  return name.data();
+}
+
+}  // namespace detail
+
+/// The connection string with `key` set to `value`, whatever it was. `otherNames` are the names in
+/// small letters, `key` among them, that mean the same.
+inline std::string withKey(std::string_view text, std::string_view key, std::string_view value,
+                           std::initializer_list<std::string_view> otherNames) {
   std::string result;
   while (!text.empty()) {
     std::size_t end = 0;  // of this pair: a semicolon that stands in no braces
@@ -33,12 +52,25 @@ inline std::string withDatabase(std::string_view text, std::string_view database
       inBraces = text[end] == '{' || (inBraces && text[end] != '}');
     }
     const std::string_view pair = text.substr(0, end);
-    if (!pair.empty() && !isDatabaseKey(pair)) {
+    if (!pair.empty() &&
+        std::find(otherNames.begin(), otherNames.end(), detail::keyOf(pair)) == otherNames.end()) {
       result += std::string{pair} + ";";
     }
     text.remove_prefix(end < text.size() ? end + 1 : end);
   }
-  return result + "Database=" + std::string{database} + ";";
+  return result + std::string{key} + "=" + std::string{value} + ";";
+}
+
+/// The connection string with another database in it.
+inline std::string withDatabase(std::string_view text, std::string_view database) {
+  return withKey(text, "Database", database, {"database", "initial catalog"});
+}
+
+/// The connection string with another user in it.
+inline std::string withUser(std::string_view text, std::string_view user,
+                            std::string_view password) {
+  return withKey(withKey(text, "UID", user, {"uid", "user id", "user"}), "PWD", password,
+                 {"pwd", "password"});
 }
 
 /// A database of this process's own on a server: created with the object, dropped with it. What a
@@ -47,11 +79,7 @@ class ServerDatabase {
  public:
   /// `server` is a connection string whose user may create databases. Throws `Error`.
   explicit ServerDatabase(std::string server) : server_{std::move(server)} {
-    std::random_device random;
-    std::array<char, 64> name{};
-    std::snprintf(name.data(), name.size(), "azcoll_prova_%d_%08x", static_cast<int>(::getpid()),
-                  static_cast<unsigned>(random()));
-    name_ = name.data();
+    name_ = detail::ownName();
     const std::shared_ptr<Connection> connection = open();
     dropForgotten(*connection);
     run(*connection, "CREATE DATABASE " + name_);

@@ -68,16 +68,14 @@ class DiagnosisOnAServer : public ::testing::Test {
 
   void answerColumns() {
     std::vector<Variant> rows;
-    const auto add = [&rows](const auto& object) {
-      for (const SchemaColumn& column : object.columns) {
-        rows.insert(rows.end(), {ownerOf(object.owner), object.name, column.name});
+    for (const SchemaTable& each : there.tables) {
+      for (const SchemaColumn& column : each.columns) {
+        rows.insert(rows.end(), {ownerOf(each.owner), each.name, column.name});
         addType(rows, column.type);
         rows.insert(rows.end(),
                     {column.nullable ? 1 : 0, column.identity ? 1 : 0, column.hasDefault ? 1 : 0});
       }
-    };
-    std::ranges::for_each(there.tables, add);
-    std::ranges::for_each(there.routines, add);
+    }
     server->answerPrefix("SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, C.name",
                          rowSet({"PROPRIETARIO", "OGGETTO", "NOME", "TIPO", "BYTE_MAX", "CIFRE",
                                  "DECIMALI", "AMMETTE_NULL", "IDENTITA", "HA_DEFAULT"},
@@ -99,8 +97,23 @@ class DiagnosisOnAServer : public ::testing::Test {
                                 rows));
   }
 
+  /// What a function gives, without a row.
+  void answerFunctions() {
+    for (const SchemaRoutine& routine : there.routines) {
+      if (routine.isFunction) {
+        std::vector<std::string> names;
+        for (const SchemaColumn& column : routine.columns) {
+          names.push_back(column.name);
+        }
+        server->answerPrefix("SELECT * FROM [" + ownerOf(routine.owner) + "].[" + routine.name +
+                                 "](NULL, NULL) WHERE 1 = 0",
+                             rowSet(names, {}));
+      }
+    }
+  }
+
   /// Numbers as they are asked: one for each right on an object that is there, in the order of the
-  /// script.
+  /// script. That on the function, the last one, is not asked for when it could be read from.
   void answerRights() {
     std::vector<Variant> rows;
     std::int32_t number = 0;
@@ -122,6 +135,7 @@ class DiagnosisOnAServer : public ::testing::Test {
     answerObjects();
     answerColumns();
     answerParameters();
+    answerFunctions();
     answerRights();
     return diagnose(*server);
   }
@@ -162,7 +176,7 @@ TEST_F(DiagnosisOnAServer, OnlyAsks) {
     EXPECT_EQ(operation.name, "Execute");
     EXPECT_THAT(operation.sql, StartsWith("SELECT "));
   }
-  EXPECT_THAT(server->operations, SizeIs(5));
+  EXPECT_THAT(server->operations, SizeIs(6));
 }
 
 TEST_F(DiagnosisOnAServer, AsksForTheRightsUnderQuotedNames) {
@@ -310,26 +324,101 @@ TEST_F(DiagnosisOnAServer, SendsANewcomerToCreaWhenNothingIsThere) {
   EXPECT_THAT(finding.remedy, StartsWith("azcoll crea --connessione"));
 }
 
-TEST_F(DiagnosisOnAServer, PassesOnThatTheCatalogueIsRefused) {
-  for (const char* question :
-       {"SELECT USER_NAME()", "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, O.type",
-        "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, C.name",
-        "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, P.name",
-        "SELECT 0 AS NUMERO, HAS_PERMS_BY_NAME"}) {
+constexpr const char* kUserQuestion = "SELECT USER_NAME()";
+constexpr const char* kObjectsQuestion = "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, O.type";
+constexpr const char* kColumnsQuestion = "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, C.name";
+constexpr const char* kParametersQuestion =
+    "SELECT S.name AS PROPRIETARIO, O.name AS OGGETTO, P.name";
+constexpr const char* kFunctionQuestion = "SELECT * FROM [dbo].[FNCG28_TABCODIVA](NULL, NULL)";
+constexpr const char* kRightsQuestion = "SELECT 0 AS NUMERO, HAS_PERMS_BY_NAME";
+
+TEST_F(DiagnosisOnAServer, TellsAColumnThatTheFunctionDoesNotGive) {
+  std::ranges::find(there.routines, "FNCG28_TABCODIVA", &SchemaRoutine::name)->columns.pop_back();
+  EXPECT_EQ(only(diagnosed()).message,
+            "In funzione FNCG28_TABCODIVA: non restituisce la colonna CG28_PERCIVA.");
+}
+
+TEST_F(DiagnosisOnAServer, FindsAFunctionThatIsUsableThoughNotListed) {
+  diagnosed();
+  std::erase_if(there.routines, [](const SchemaRoutine& each) { return each.isFunction; });
+  answerObjects();
+  answerParameters();
+  const Diagnosis usable = diagnose(*server);
+  EXPECT_THAT(usable.findings, IsEmpty());
+  EXPECT_THAT(usable.unchecked, IsEmpty());
+  server->fail(kFunctionQuestion, Failure::Provider, "Invalid object name");
+  EXPECT_THAT(only(diagnose(*server)).message, StartsWith("Manca la funzione FNCG28_TABCODIVA"));
+}
+
+TEST_F(DiagnosisOnAServer, PassesOnThatTheListOfObjectsIsRefused) {
+  diagnosed();
+  server->fail(kObjectsQuestion, Failure::Provider, "The SELECT permission was denied");
+  EXPECT_THAT([&] { static_cast<void>(diagnose(*server)); },
+              ThrowsMessage<Error>(HasSubstr("The SELECT permission was denied")));
+}
+
+/// A question that the server refuses, what is told of it, and a fault that is found all the same.
+TEST_F(DiagnosisOnAServer, TellsWhatTheServerDoesNotSayAndChecksTheRest) {
+  struct Refused {
+    const char* question;
+    const char* told;
+  };
+  std::erase_if(there.tables, [](const SchemaTable& each) { return each.name == "MG17_AGENTI"; });
+  for (const Refused& refused :
+       {Refused{kUserQuestion, "chi è l'utente, e se il database distingue le maiuscole"},
+        Refused{kColumnsQuestion, "le colonne delle tabelle"},
+        Refused{kParametersQuestion, "i parametri della procedura e della funzione"},
+        Refused{kFunctionQuestion, "le colonne della funzione FNCG28_TABCODIVA"},
+        Refused{kRightsQuestion, "i diritti dell'utente"}}) {
     server = std::make_shared<ScriptedConnection>();
-    EXPECT_NO_THROW(diagnosed());
-    server->fail(question, Failure::Provider, "The SELECT permission was denied");
+    diagnosed();
+    server->fail(refused.question, Failure::Provider, "relation does not exist");
+    const Diagnosis diagnosis = diagnose(*server);
+    EXPECT_THAT(
+        diagnosis.unchecked,
+        ElementsAre(std::string{refused.told} + ": Errore 50000 (HY000): relation does not exist"));
+    EXPECT_THAT(only(diagnosis).message, StartsWith("Manca la tabella MG17_AGENTI"));
+    std::ostringstream out;
+    printDiagnosis(out, diagnosis);
+    EXPECT_THAT(out.str(), HasSubstr(std::string{"Non controllato: "} + refused.told));
+  }
+}
+
+TEST_F(DiagnosisOnAServer, DoesNotCallAllRightWhatItCouldNotCheck) {
+  diagnosed();
+  server->fail(kParametersQuestion, Failure::Provider, "relation does not exist");
+  const Diagnosis diagnosis = diagnose(*server);
+  EXPECT_THAT(diagnosis.findings, IsEmpty());
+  std::ostringstream out;
+  printDiagnosis(out, diagnosis);
+  EXPECT_THAT(out.str(),
+              AllOf(::testing::EndsWith("Quello che si è potuto controllare è a posto.\n"),
+                    ::testing::Not(HasSubstr("Tutto a posto"))));
+  std::ostringstream json;
+  printDiagnosisJson(json, diagnosis);
+  EXPECT_THAT(nlohmann::json::parse(json.str())["non_controllato"], SizeIs(1));
+}
+
+TEST_F(DiagnosisOnAServer, DoesNotTakeALostConnectionForARefusal) {
+  for (const char* question :
+       {kUserQuestion, kColumnsQuestion, kParametersQuestion, kFunctionQuestion, kRightsQuestion}) {
+    server = std::make_shared<ScriptedConnection>();
+    diagnosed();
+    server->fail(question, Failure::Lost, "caduta");
     EXPECT_THAT([&] { static_cast<void>(diagnose(*server)); },
-                ThrowsMessage<Error>(HasSubstr("The SELECT permission was denied")))
+                ThrowsMessage<Error>(HasSubstr("caduta")))
         << question;
   }
 }
 
-TEST_F(DiagnosisOnAServer, RefusesAnAnswerWithoutItsColumns) {
+TEST_F(DiagnosisOnAServer, DoesNotGuessWhoTheUserIs) {
   diagnosed();
-  server->answerPrefix("SELECT USER_NAME()", rowSet({"ALTRO"}, {1}));
-  EXPECT_THAT([&] { static_cast<void>(diagnose(*server)); },
-              ThrowsMessage<Error>(HasSubstr("Il risultato non ha la colonna")));
+  server->answerPrefix(kUserQuestion, rowSet({"ALTRO"}, {1}));
+  const Diagnosis diagnosis = diagnose(*server);
+  EXPECT_THAT(diagnosis.unchecked, ElementsAre(HasSubstr("Il risultato non ha la colonna")));
+  std::ostringstream out;
+  printDiagnosis(out, diagnosis);
+  EXPECT_THAT(out.str(), HasSubstr("diritti dell'utente della connessione"));
 }
 
 }  // namespace

@@ -51,12 +51,31 @@ class Installation : public ::testing::Test {
     return texts;
   }
 
+  static bool holdsGrants(const std::string& batch) {
+    return batch.find("\nGRANT ") != std::string::npos;
+  }
+
+  std::vector<RefusedGrant> installAll() { return install(*server_, all_); }
+
+  /// Every right of the role, each by itself.
+  static std::vector<std::string> grants() {
+    std::vector<std::string> texts;
+    for (const Grant& grant : expectedRights().grants) {
+      texts.push_back("GRANT " + grant.right + " ON " + grant.owner + "." + grant.object +
+                      " TO azcoll_servizio");
+    }
+    return texts;
+  }
+
   /// The scripts as they should be sent, the last one broken off at `failing` when it is set.
   static std::vector<std::string> sent(const Scripts& scripts, const std::string& failing = "") {
     std::vector<std::string> texts;
     for (const Script* script : scripts) {
       texts.emplace_back("BeginTrans");
       for (const std::string& batch : batchesOf(*script)) {
+        if (script == &kPermessi && holdsGrants(batch)) {
+          continue;
+        }
         texts.push_back(batch);
         if (batch == failing) {
           texts.emplace_back("RollbackTrans");
@@ -64,6 +83,9 @@ class Installation : public ::testing::Test {
         }
       }
       texts.emplace_back("CommitTrans");
+      if (script == &kPermessi) {
+        std::ranges::copy(grants(), std::back_inserter(texts));
+      }
     }
     return texts;
   }
@@ -73,7 +95,7 @@ class Installation : public ::testing::Test {
 };
 
 TEST_F(Installation, SendsEveryBatchInOneTransactionForEachScript) {
-  install(*server_, all_);
+  installAll();
   EXPECT_EQ(operations(), sent(all_));
   EXPECT_EQ(batchesOf(kProcedure).size(), 2U);
   EXPECT_GT(batchesOf(kTabelle).size(), 3U);
@@ -82,10 +104,13 @@ TEST_F(Installation, SendsEveryBatchInOneTransactionForEachScript) {
 TEST_F(Installation, UndoesTheScriptThatFailsWhereverItFails) {
   for (std::size_t script = 0; script < all_.size(); ++script) {
     for (const std::string& batch : batchesOf(*all_[script])) {
+      if (holdsGrants(batch)) {
+        continue;
+      }
       server_ = std::make_shared<ScriptedConnection>();
       server_->fail(batch, Failure::Provider, "guasto");
       const std::string name{all_[script]->name};
-      EXPECT_THAT([&] { install(*server_, all_); },
+      EXPECT_THAT([&] { installAll(); },
                   ThrowsMessage<Error>(AllOf(StartsWith(name + ", riga "),
                                              HasSubstr("Errore 50000 (HY000): guasto"),
                                              HasSubstr(name + " è stato annullato per intero."))));
@@ -96,18 +121,18 @@ TEST_F(Installation, UndoesTheScriptThatFailsWhereverItFails) {
 
 TEST_F(Installation, TellsWhatIsInstalledAndWhatIsNot) {
   server_->fail(batchesOf(kEsempio).front(), Failure::Provider, "guasto");
-  EXPECT_THAT([&] { install(*server_, all_); },
+  EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(HasSubstr("Installati: tabelle.sql, procedure.sql. "
                                              "Non installati: esempio.sql, permessi.sql.")));
   server_ = std::make_shared<ScriptedConnection>();
   server_->fail(batchesOf(kTabelle).front(), Failure::Provider, "guasto");
-  EXPECT_THAT([&] { install(*server_, all_); },
+  EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(HasSubstr("Installati: nessuno. Non installati: tabelle.sql")));
 }
 
 TEST_F(Installation, UndoesAScriptThatIsNotConfirmed) {
   server_->fail("CommitTrans", Failure::Provider, "connessione persa");
-  EXPECT_THAT([&] { install(*server_, all_); },
+  EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(AllOf(HasSubstr("tabelle.sql: la conferma non è riuscita"),
                                          HasSubstr("connessione persa"))));
   std::vector<std::string> expected = sent({&kTabelle});
@@ -115,10 +140,41 @@ TEST_F(Installation, UndoesAScriptThatIsNotConfirmed) {
   EXPECT_EQ(operations(), expected);
 }
 
+TEST_F(Installation, GrantsTheOtherRightsWhenTheServerRefusesOne) {
+  for (std::size_t i : {std::size_t{0}, grants().size() / 2, grants().size() - 1}) {
+    server_ = std::make_shared<ScriptedConnection>();
+    server_->fail(grants()[i], Failure::Provider, "diritto che non conosco");
+    const std::vector<RefusedGrant> refused = installAll();
+    ASSERT_THAT(refused, ::testing::SizeIs(1));
+    const Grant& grant = expectedRights().grants[i];
+    EXPECT_EQ(refused.front().right, grant.right + " su dbo." + grant.object);
+    EXPECT_EQ(refused.front().reason, "Errore 50000 (HY000): diritto che non conosco");
+    EXPECT_EQ(operations(), sent(all_));
+  }
+}
+
+TEST_F(Installation, GrantsNothingWhenTheConnectionIsLost) {
+  server_->fail(grants()[2], Failure::Lost, "caduta");
+  EXPECT_THAT([&] { installAll(); },
+              ThrowsMessage<OpenError>(AllOf(
+                  HasSubstr(expectedRights().grants[2].object), HasSubstr("caduta"),
+                  HasSubstr("Installati: tabelle.sql, procedure.sql, esempio.sql. Non installati: "
+                            "permessi.sql."))));
+  EXPECT_EQ(operations().back(), grants()[2]);
+}
+
+TEST_F(Installation, SaysThatAConfirmationWithoutAnswerIsOpen) {
+  server_->fail("CommitTrans", Failure::Lost, "caduta");
+  EXPECT_THAT([&] { installAll(); },
+              ThrowsMessage<OpenError>(HasSubstr("Se tabelle.sql è stato installato lo dice: "
+                                                 "azcoll diagnosi")));
+  EXPECT_EQ(operations().back(), "CommitTrans");
+}
+
 TEST_F(Installation, TellsWhenTheUndoingFailsToo) {
   server_->fail(batchesOf(kProcedure).back(), Failure::Provider, "guasto");
   server_->fail("RollbackTrans", Failure::Provider, "connessione persa");
-  EXPECT_THAT([&] { install(*server_, all_); },
+  EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(
                   AllOf(HasSubstr("guasto"), HasSubstr("L'annullamento di procedure.sql non è "
                                                        "riuscito (connessione persa)"))));
@@ -126,8 +182,7 @@ TEST_F(Installation, TellsWhenTheUndoingFailsToo) {
 
 TEST_F(Installation, DoesNotStartWithoutATransaction) {
   server_->fail("BeginTrans", Failure::Provider, "niente transazioni");
-  EXPECT_THAT([&] { install(*server_, all_); },
-              ThrowsMessage<Error>(HasSubstr("niente transazioni")));
+  EXPECT_THAT([&] { installAll(); }, ThrowsMessage<Error>(HasSubstr("niente transazioni")));
   EXPECT_THAT(operations(), ElementsAre("BeginTrans"));
 }
 
@@ -137,7 +192,7 @@ TEST_F(Installation, RefusesADatabaseThatHasOneOfTheNames) {
     server_->answerPrefix("SELECT S.name",
                           rowSet({"PROPRIETARIO", "OGGETTO", "TIPO"}, {"dbo", name, "U "}));
     EXPECT_THAT(
-        [&] { install(*server_, all_); },
+        [&] { installAll(); },
         ThrowsMessage<UsageError>(AllOf(HasSubstr(std::string{"Il database contiene già "} + name),
                                         HasSubstr("non viene toccato"))));
     EXPECT_THAT(operations(), IsEmpty());
@@ -145,7 +200,7 @@ TEST_F(Installation, RefusesADatabaseThatHasOneOfTheNames) {
 }
 
 TEST_F(Installation, AsksForEveryNameThatItWouldMake) {
-  install(*server_, all_);
+  installAll();
   const std::string& question = server_->operations.front().sql;
   for (const SchemaTable& table : expectedSchema().tables) {
     EXPECT_THAT(question, HasSubstr("N'" + table.name + "'"));
@@ -157,7 +212,7 @@ TEST_F(Installation, AsksForEveryNameThatItWouldMake) {
 
 TEST_F(Installation, DoesNotStartWhenTheCatalogueIsRefused) {
   server_->fail("SELECT S.name", Failure::Provider, "permesso negato");
-  EXPECT_THAT([&] { install(*server_, all_); },
+  EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(
                   AllOf(HasSubstr("non dice che cosa contiene"), HasSubstr("permesso negato"))));
   EXPECT_THAT(operations(), IsEmpty());
