@@ -99,11 +99,9 @@ std::string registersStatement(std::string_view company) {
 
 }  // namespace
 
-/// The reference year of an activity method; 0 when there is none. A year 0 of the caller counts as
-/// missing, so that no deletion covers all years by it.
-Variant CLSCO_AZIENDECOLL::annoAttività() {
-  return ValoreDefault(AnnoRiferimento(true), std::int16_t{0});
-}
+/// The reference year of an activity method. A year 0 of the caller counts as missing, and without
+/// any year the method fails, so that no deletion covers all years by it.
+Variant CLSCO_AZIENDECOLL::annoAttività() { return annoDellaChiamata(true); }
 
 /// The selection of activity rows by the fields of the input object, with `prefisso` before every
 /// column. Every condition ends with a line break.

@@ -160,14 +160,16 @@ bool CLSCO_AZIENDECOLL::rifiutaDuplicazione(const DuplicazioneAnno& anni) {
                      anni.destinazione, "."));
 }
 
-/// For every linked company of the source year: its own activities give way to the links. Not those
-/// of the company itself, linked under another one: they are what is to be copied.
+/// For every linked company of the source year: its own activities give way to the links. The
+/// company itself, linked under another one, is left out where they are what is to be copied.
 void CLSCO_AZIENDECOLL::eliminaAttivitàCollegate(Recordset& vecchie, const DuplicazioneAnno& anni) {
   const auto value = [&](std::string_view column) { return vecchie.fields().item(column).value(); };
   vecchie.setFilter(join("CG86_ANNOIVA = ", anni.origine));
   for (; !vecchie.atEnd() && riuscito(); vecchie.moveNext()) {
     const Variant linked = value("CG86_DITTACOLL_CG18");
-    if (!sameValue(value("CG86_DITTA_CG18"), linked) && !isNumber(anni.ditta, linked.toInt64())) {
+    const bool copied =
+        !input().IndProvenienzaMultiAziende && isNumber(anni.ditta, linked.toInt64());
+    if (!sameValue(value("CG86_DITTA_CG18"), linked) && !copied) {
       const Borrowed company{input().Pvar_Ditta, linked};
       EliminaAttivitàSingolaCollegamentoMultiAzienda();
     }

@@ -52,7 +52,7 @@ void CLSCO_AZIENDECOLL::elimina(std::shared_ptr<Recordset>& ditte) {
   const CLSCO_INPUTAZCOLL& in = input();
   const bool ownTransaction = !in.Pbol_InTransaction;
   Mbol_GestioneDuplicazioneCliFor = true;
-  ditte = leggiGruppo({.escludiCorrente = true});
+  leggiGruppo({.escludiCorrente = true}, ditte);
   const auto sharesNothing = [&] {
     const Variant indTipoCont = ditte->fields().item("CG86_INDTIPOCONT").value();
     return isNumber(ValoreDefault(indTipoCont, std::int16_t{0}), 1);

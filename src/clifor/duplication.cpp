@@ -12,6 +12,7 @@ void CLSCO_AZIENDECOLL::DuplicaCliFor() noexcept {
 
 void CLSCO_AZIENDECOLL::duplica() {
   CLSCO_INPUTAZCOLL& in = input();
+  static_cast<void>(annoDellaChiamata(true));  // the look-ups would only find no group
   Mbol_GestioneDuplicazioneCliFor = true;
   const std::string ditta = testo(in.Pvar_Ditta);
   const std::string principale = GetDittaPrincipale();

@@ -90,16 +90,29 @@ Variant CLSCO_AZIENDECOLL::AnnoRiferimento(bool numerico) noexcept {
       year = given;
     }
   });
-  if (year.isEmpty()) {
-    ignoreErrors([&] {
-      const Variant& start = input().DataInizioElaborazione;
-      if (!mancante(start)) {
-        year = start.toDate().year;
-      }
-    });
+  if (!year.isEmpty()) {
+    return year;
   }
+  // Callers rely on it: a start date that is given and cannot be read gives no year. Today's would
+  // be a guess, and rows of a year that nobody named would change.
+  bool dated = true;
+  ignoreErrors([&] {
+    const Variant& start = input().DataInizioElaborazione;
+    dated = !start.isNull() && !start.isEmpty() && !start.text().empty();
+  });
+  ignoreErrors([&] {
+    year = dated ? input().DataInizioElaborazione.toDate().year : platform_->today().year;
+  });
+  return year;
+}
+
+/// The reference year, for a method that needs one. Throws `Error` when there is none, so that no
+/// statement is composed around an empty place.
+Variant CLSCO_AZIENDECOLL::annoDellaChiamata(bool numerico) {
+  Variant year = AnnoRiferimento(numerico);
   if (year.isEmpty()) {
-    ignoreErrors([&] { year = platform_->today().year; });
+    throw Error(
+        "Anno di riferimento mancante: né AnnoSolare né DataInizioElaborazione danno un anno");
   }
   return year;
 }

@@ -229,6 +229,7 @@ class CLSCO_AZIENDECOLL {
   void ApriConnessione() noexcept;
   Variant ValoreDefault(const Variant& valore, const Variant& predefinito);
   Variant AnnoRiferimento(bool numerico) noexcept;
+  Variant annoDellaChiamata(bool numerico);
   static bool RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noexcept;
   Variant DataDB(const Variant& data);
   static std::string FormattaCampo(const Variant& valore, std::int16_t larghezza) noexcept;
@@ -250,7 +251,7 @@ class CLSCO_AZIENDECOLL {
   };
   std::shared_ptr<Command> comandoDitteCollegate(const FiltriGruppo& filtri);
   std::string LeggiDitteCollegate(std::shared_ptr<Recordset>& ditte) noexcept;
-  std::shared_ptr<Recordset> leggiGruppo(const FiltriGruppo& filtri);
+  void leggiGruppo(const FiltriGruppo& filtri, std::shared_ptr<Recordset>& ditte);
   bool consegnaGruppo(const FiltriGruppo& filtri);
   void consegnaGruppoFiltrato(const FiltriGruppo& filtri);
   using IstruzioneDitte = std::string (*)(const linked::CompanyOfYear&);

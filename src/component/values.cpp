@@ -27,12 +27,11 @@ bool isNumber(const Variant& value, std::int64_t number) noexcept {
   return same;
 }
 
-Date dayOf(const Variant& year, int month, int day) {
-  const std::optional<Date> date = Date::of(static_cast<int>(year.toInt16()), month, day);
-  if (!date) {
-    throw Error("Anno di riferimento non valido");
-  }
-  return *date;
+std::optional<Date> dayOf(const Variant& year, int month, int day) {
+  constexpr std::int64_t kLastYear = 9999;
+  const std::int64_t number = year.toInt64();
+  return number < 1 || number > kLastYear ? std::nullopt
+                                          : Date::of(static_cast<int>(number), month, day);
 }
 
 bool isPositive(const Variant& value) { return value.toDecimal() > Decimal::fromInteger(0); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,8 +45,9 @@ void ignoreErrors(const Step& step) noexcept {
 /// Whether `value` is a number above 0. Throws `Error` for Null and for what is no number.
 [[nodiscard]] bool isPositive(const Variant& value);
 
-/// A day of `year`, a value that stands for a year. Throws `Error` when there is no such day.
-[[nodiscard]] Date dayOf(const Variant& year, int month, int day);
+/// A day of `year`, a value that stands for a year; nothing when the calendar has no such year.
+/// Throws `Error` for what is no number.
+[[nodiscard]] std::optional<Date> dayOf(const Variant& year, int month, int day);
 
 /// Puts a value into a field of the input object for as long as it lives, then puts the old one
 /// back, failures included.

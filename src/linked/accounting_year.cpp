@@ -1,5 +1,7 @@
 // Financial years of a company against a calendar year.
 
+#include <optional>
+
 #include "component/service.h"
 #include "component/values.h"
 #include "data/text.h"
@@ -28,9 +30,14 @@ std::string touchingYears(const Variant& company, std::string_view first, std::s
 bool CLSCO_AZIENDECOLL::VerificaAnnoIvaEsercizioContabile() noexcept {
   bool touched = false;
   metodo(" in VerificaAnnoIvaEsercizioContabile", [&] {
-    const Variant year = AnnoRiferimento(false);
-    const std::string first = join(DataDB(dayOf(year, 1, 1)));
-    const std::string last = join(DataDB(dayOf(year, kDecember, kLastOfDecember)));
+    const Variant year = annoDellaChiamata(false);
+    // A year outside the calendar has no days: the texts hold nothing, and no row is found.
+    const auto text = [&](int month, int day) {
+      const std::optional<Date> date = dayOf(year, month, day);
+      return join(DataDB(date ? Variant{*date} : Variant{kNull}));
+    };
+    const std::string first = text(1, 1);
+    const std::string last = text(kDecember, kLastOfDecember);
     const std::shared_ptr<Recordset> count = leggi(touchingYears(input().Pvar_Ditta, first, last));
     touched = count->fields().item(std::size_t{0}).value().toInt64() != 0;
   });

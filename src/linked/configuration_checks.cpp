@@ -87,7 +87,7 @@ bool CLSCO_AZIENDECOLL::ControllaDittaNonCollegata() noexcept {
     if (!mancante(in.AnnoSolareDaDuplicare) && !collegataNellAnno(in.AnnoSolareDaDuplicare)) {
       return;
     }
-    const Variant year = AnnoRiferimento(false);
+    const Variant year = annoDellaChiamata(false);
     configured = richiediConfigurazione(
         missingCount(regimes::kOverSeveralCompanies, in.Pvar_Ditta, year, ""),
         linksQuestion(in, year), [this] { configuraCollegamenti(); });
@@ -99,7 +99,7 @@ bool CLSCO_AZIENDECOLL::ControllaAttivitaNonCollegata() noexcept {
   bool configured = false;
   metodo(" in ControllaAttivitaNonCollegata", [&] {
     const CLSCO_INPUTAZCOLL& in = input();
-    const Variant year = AnnoRiferimento(false);
+    const Variant year = annoDellaChiamata(false);
     const std::string activity = testo(in.CodiceAttività);
     const std::string condition =
         activity.empty() ? std::string{} : join(" AND CG86_CODATTIVITA = ", activity);

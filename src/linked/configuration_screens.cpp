@@ -11,11 +11,14 @@ namespace {
 constexpr std::string_view kLinksScreen = "AZCOLLUI.CLSCO_AZIENDECOLL";
 constexpr std::string_view kActivitiesScreen = "AZCOLLUI.CLSCO_ATTIVITACOLL";
 
-std::shared_ptr<NamedMembers> newScreen(Platform& platform, std::string_view progId) {
+/// A screen that has the caller's framework object, by reference, and nothing else yet.
+std::shared_ptr<NamedMembers> newScreen(Platform& platform, std::string_view progId,
+                                        const std::shared_ptr<Object>& activeInterface) {
   std::shared_ptr<NamedMembers> screen = platform.createObject(progId);
   if (!screen) {
     throw Error(join("Oggetto non impostato: ", progId));
   }
+  screen->set("ActiveInterface", activeInterface);
   return screen;
 }
 
@@ -34,7 +37,7 @@ Variant CLSCO_AZIENDECOLL::annoDaCopiare() noexcept {
     if (mancante(in.Pvar_Ditta)) {
       return;
     }
-    const Variant previous = std::int32_t{AnnoRiferimento(false).toInt16()} - 1;
+    const Variant previous = std::int32_t{annoDellaChiamata(false).toInt16()} - 1;
     if (collegataNellAnno(previous)) {
       year = previous;
     }
@@ -48,11 +51,12 @@ void CLSCO_AZIENDECOLL::configuraCollegamenti() {
   if (!in.ActiveInterface) {
     return;
   }
-  const std::shared_ptr<NamedMembers> screen = newScreen(*platform_, kLinksScreen);
+  const std::shared_ptr<NamedMembers> screen =
+      newScreen(*platform_, kLinksScreen, in.ActiveInterface);
   screen->set("CodiceAzienda", in.Pvar_Ditta);
   screen->set("AnnoSolareDaDuplicare", annoDaCopiare());
   if (mancante(screen->get("AnnoSolareDaDuplicare"))) {
-    screen->set("AnnoIva", AnnoRiferimento(false));
+    screen->set("AnnoIva", annoDellaChiamata(false));
   }
   platform_->show(*screen, in.ActiveInterface);
 }
@@ -63,10 +67,11 @@ void CLSCO_AZIENDECOLL::configuraAttività() {
   if (!in.ActiveInterface) {
     return;
   }
-  const std::shared_ptr<NamedMembers> screen = newScreen(*platform_, kActivitiesScreen);
+  const std::shared_ptr<NamedMembers> screen =
+      newScreen(*platform_, kActivitiesScreen, in.ActiveInterface);
   screen->set("CodDitta", in.Pvar_Ditta);
   // Callers rely on it: this screen is given the year of the call, not the year to copy from.
-  screen->set("AnnoSolareDaDuplicare", AnnoRiferimento(false));
+  screen->set("AnnoSolareDaDuplicare", annoDellaChiamata(false));
   screen->set("CodiceAttività", in.CodiceAttività);
   platform_->show(*screen, in.ActiveInterface);
 }

@@ -5,23 +5,22 @@
 
 namespace azcoll {
 
-/// Asks the stored procedure for the group and lets go of the command. The recordset stays
-/// connected, on its first row.
-std::shared_ptr<Recordset> CLSCO_AZIENDECOLL::leggiGruppo(const FiltriGruppo& filtri) {
+/// Asks the stored procedure for the group, then lets go of the command. The recordset stands in
+/// `ditte` before that; it stays connected, on its first row.
+void CLSCO_AZIENDECOLL::leggiGruppo(const FiltriGruppo& filtri, std::shared_ptr<Recordset>& ditte) {
   const std::shared_ptr<Command> command = comandoDitteCollegate(filtri);
   std::int64_t affected = 0;
-  std::shared_ptr<Recordset> ditte = command->execute(affected, CommandOption::StoredProcedure);
+  ditte = command->execute(affected, CommandOption::StoredProcedure);
   command->setActiveConnection(nullptr);
   if (!ditte) {
     throw Error("PC_GetDitteCollegate non ha restituito righe");
   }
-  return ditte;
 }
 
 /// Hands out the group without the current company; null and false when nobody is left of it.
 bool CLSCO_AZIENDECOLL::consegnaGruppo(const FiltriGruppo& filtri) {
   CLSCO_OUTPUTAZCOLL& out = output();
-  out.Grst_DitteCollegate = leggiGruppo(filtri);
+  leggiGruppo(filtri, out.Grst_DitteCollegate);
   if (out.Grst_DitteCollegate->atEnd()) {
     out.Grst_DitteCollegate = nullptr;
     return false;

@@ -8,7 +8,7 @@ namespace azcoll {
 
 /// The statement that `componi` makes for the company and the year of the call.
 std::string CLSCO_AZIENDECOLL::istruzioneDitte(IstruzioneDitte componi) {
-  return componi({.company = input().Pvar_Ditta, .year = AnnoRiferimento(false)});
+  return componi({.company = input().Pvar_Ditta, .year = annoDellaChiamata(false)});
 }
 
 /// Opens a recordset of the group in the output object.

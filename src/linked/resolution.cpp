@@ -1,5 +1,8 @@
+#include <optional>
+
 #include "component/service.h"
 #include "component/values.h"
+#include "data/error.h"
 #include "data/text.h"
 
 namespace azcoll {
@@ -11,7 +14,10 @@ constexpr std::int16_t flag(bool value) { return value ? 1 : 0; }
 
 /// The command for the stored procedure that knows the group, with its parameters set.
 std::shared_ptr<Command> CLSCO_AZIENDECOLL::comandoDitteCollegate(const FiltriGruppo& filtri) {
-  const Date start = dayOf(AnnoRiferimento(true), 1, 1);
+  const std::optional<Date> start = dayOf(annoDellaChiamata(true), 1, 1);
+  if (!start) {
+    throw Error("Anno di riferimento non valido");
+  }
   std::shared_ptr<Command> command = connessione().newCommand();
   command->setActiveConnection(input().Connessione);
   command->setCommandText("PC_GetDitteCollegate");
@@ -20,7 +26,7 @@ std::shared_ptr<Command> CLSCO_AZIENDECOLL::comandoDitteCollegate(const FiltriGr
   command->setPrepared(true);
   Parameters& parameters = command->parameters();
   parameters.item("@CodiceDitta").setValue(input().Pvar_Ditta);
-  parameters.item("@DataInizioElaborazione").setValue(start);
+  parameters.item("@DataInizioElaborazione").setValue(*start);
   parameters.item("@GestioneDuplicazioneCliFor").setValue(ValoreGestioneDuplicazioneCliFor());
   parameters.item("@EscludiDittaPrincipale").setValue(flag(filtri.escludiPrincipale));
   parameters.item("@EscludiDittaCorrente").setValue(flag(filtri.escludiCorrente));
@@ -37,7 +43,8 @@ std::string CLSCO_AZIENDECOLL::GetDittaPrincipale() noexcept {
     if (!InizializzaMetodo(Connect::Yes)) {
       return;
     }
-    const std::shared_ptr<Recordset> rows = leggiGruppo({});
+    std::shared_ptr<Recordset> rows;
+    leggiGruppo({}, rows);
     rows->setActiveConnection(nullptr);
     rows->find("PRINCIPALE = 1", 0, SearchDirection::Forward, Bookmark::First);
     if (!rows->atEnd()) {
@@ -70,6 +77,7 @@ std::string CLSCO_AZIENDECOLL::LeggiDitteCollegate(std::shared_ptr<Recordset>& d
 
 void CLSCO_AZIENDECOLL::ControllaDittaPrincipale() noexcept {
   metodo(" in ControllaDittaPrincipale", [this] {
+    static_cast<void>(annoDellaChiamata(true));  // the look-up would only answer that it knows none
     const std::string principale = GetDittaPrincipale();
     output().Gbol_DittaPrincipale =
         principale == join(ValoreDefault(input().Pvar_Ditta, std::int16_t{-1}));
@@ -80,10 +88,10 @@ void CLSCO_AZIENDECOLL::ControllaDittaCollegata() noexcept {
   metodo(" in ControllaDittaCollegata", [this] {
     const std::string company = join(input().Pvar_Ditta);
     const std::shared_ptr<Recordset> links = apriRecordset(
-        join("SELECT * FROM CG86_AZIENDECOLL",                //
-             " WHERE CG86_INDTIPO = 0",                       //
-             " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",   //
-             " AND CG86_ANNOIVA = ", AnnoRiferimento(false),  //
+        join("SELECT * FROM CG86_AZIENDECOLL",                  //
+             " WHERE CG86_INDTIPO = 0",                         //
+             " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",     //
+             " AND CG86_ANNOIVA = ", annoDellaChiamata(false),  //
              " AND (CG86_DITTA_CG18 = ", company, " OR CG86_DITTACOLL_CG18 = ", company, ")"));
     output().Gbol_DittaPrincipale = links->recordCount() != 0;
     if (output().Gbol_DittaPrincipale) {

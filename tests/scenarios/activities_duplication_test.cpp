@@ -139,6 +139,18 @@ TEST_F(ActivityDuplication, ACompanyLinkedUnderAnotherKeepsTheActivitiesToBeCopi
             (Lines{"12"}));
 }
 
+TEST_F(ActivityDuplication, ACompanyLinkedUnderAnotherLosesItsOwnActivitiesWhenItsLinksAreCopied) {
+  // In 2024 company 12 has an own activity, is linked under 10, and now has a link of its own.
+  run("INSERT INTO CG86_AZIENDECOLL (CG86_INDTIPO, CG86_ANNOIVA, CG86_INDTIPOCONT,"
+      " CG86_DITTA_CG18, CG86_DITTACOLL_CG18, CG86_CODATTIVITA) VALUES (0, 2024, 0, 12, 15, 15)");
+  duplicateYear(12, 2024, 2026, true);
+  expectState(0);
+  EXPECT_EQ(year(2026), (Lines{"12|15|15|1"}));
+  EXPECT_EQ(rows("SELECT CG86_DITTACOLL_CG18, CG86_CODATTIVITA FROM CG86_AZIENDECOLL"
+                 " WHERE CG86_ANNOIVA = 2024 AND CG86_DITTA_CG18 = 12"),
+            (Lines{"15|15"}));
+}
+
 TEST_F(ActivityDuplication, OneActivityAloneIsReplaced) {
   in().CodiceAttività = 40;
   duplicateYear(40, 2024, 2025, false);

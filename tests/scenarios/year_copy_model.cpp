@@ -37,7 +37,8 @@ std::set<int> linkedCompanies(const std::vector<ActivityRow>& rows, const Regist
   for (const ActivityRow& row : rows) {
     const bool shown = row.kind == 0 && row.year == copy.from && groups.contains(row.main) &&
                        row.code && registry.contains({row.linked, *row.code}) && copy.selects(row);
-    if (shown && row.isLink() && row.linked != copy.company) {
+    // Its own rows are what is copied, unless links are.
+    if (shown && row.isLink() && (copy.overSeveral || row.linked != copy.company)) {
       linked.insert(row.linked);
     }
   }

@@ -194,7 +194,8 @@ class ScriptedCommand final : public Command {
 /// A statement is answered by the last rule for its exact text, else by the last rule for a prefix
 /// of it. Without a rule a SELECT gives no rows and the columns told for its table, anything else
 /// is accepted. `CommandExecute` has the options type, time-out, prepared, execute option, and 1
-/// when the command works on this connection.
+/// when the command works on this connection. The steps of a transaction have the number of errors
+/// that the connection holds when they come.
 class ScriptedConnection final : public Connection,
                                  public StatementRunner,
                                  public std::enable_shared_from_this<ScriptedConnection> {
@@ -212,7 +213,8 @@ class ScriptedConnection final : public Connection,
     prefixes_.emplace_back(std::move(prefix), Rule{std::move(rows)});
   }
   /// Makes every statement that begins with `prefix` fail; also an operation by name, as
-  /// `BeginTrans`, and a batch update as `UpdateBatch` and the recordset's source.
+  /// `BeginTrans` or `CommandRelease`, and a batch update as `UpdateBatch` and the recordset's
+  /// source.
   void fail(std::string prefix, Failure failure, std::string description) {
     prefixes_.emplace_back(std::move(prefix), Rule{{}, failure, std::move(description)});
   }
@@ -224,6 +226,11 @@ class ScriptedConnection final : public Connection,
   std::function<ProcedureAnswer(Parameters&)> onProcedure = [](Parameters&) {
     return ProcedureAnswer{};
   };
+
+  /// Is given the recordset of every procedure call before the caller is.
+  std::function<void(Recordset&)> onProcedureRows = [](Recordset&) {};
+  /// Sees every operation when it comes, before it is carried out.
+  std::function<void(const Operation&)> onOperation = [](const Operation&) {};
 
   // Record.
   std::vector<Operation> operations;
@@ -246,7 +253,10 @@ class ScriptedConnection final : public Connection,
     }
     throw std::runtime_error{description};
   }
-  void report(Operation operation) { operations.push_back(std::move(operation)); }
+  void report(Operation operation) {
+    onOperation(operation);
+    operations.push_back(std::move(operation));
+  }
 
   /// The rule for `text`, or null; a rule that fails throws.
   const Rule* obey(std::string_view text) {
@@ -340,7 +350,7 @@ class ScriptedConnection final : public Connection,
 
  private:
   void transaction(const char* name) {
-    report({.name = name});
+    report({.name = name, .options = {static_cast<int>(errors_.count())}});
     obey(name);
   }
 
@@ -418,6 +428,7 @@ inline void ScriptedRecordset::updateBatch(Affect affect) {
 inline void ScriptedCommand::setActiveConnection(std::shared_ptr<Connection> connection) {
   if (!connection) {
     owner_->report({.name = "CommandRelease", .sql = text_});
+    owner_->obey("CommandRelease");
   }
   connection_ = std::move(connection);
 }
@@ -441,8 +452,10 @@ inline std::shared_ptr<Recordset> ScriptedCommand::execute(std::int64_t& records
     parameters_.item(name).setValue(value);
   }
   recordsAffected = -1;
-  return std::make_shared<ScriptedRecordset>(
+  auto rows = std::make_shared<ScriptedRecordset>(
       owner_, openClientCursor(ExecutionResult{{std::move(answer.rows)}, -1}, owner_), text_);
+  owner_->onProcedureRows(*rows);
+  return rows;
 }
 
 }  // namespace azcoll::test

@@ -92,6 +92,27 @@ TEST_F(AccountingYearTest, DaysThatTheFrameworkRefusesAreWrittenAsNothing) {
   EXPECT_EQ(steps().back(), statement("", ""));
 }
 
+// Such a year has no first and no last day: the texts hold nothing between their quotes.
+TEST_F(AccountingYearTest, AYearOutsideTheCalendarIsTouchedByNone) {
+  counted(0);
+  for (const Variant& year :
+       {Variant{std::int16_t{0}}, Variant{std::int32_t{-1}}, Variant{std::int32_t{10000}},
+        Variant{"0"}, Variant{"10000"}, Variant{std::int64_t{5000000000}},
+        Variant{*Decimal::parse("-3.00")}}) {
+    input().AnnoSolare = year;
+    connection->operations.clear();
+    EXPECT_FALSE(service.VerificaAnnoIvaEsercizioContabile()) << year.text();
+    EXPECT_EQ(steps(), Lines{statement("", "")}) << year.text();
+    expectSilentSuccess();
+  }
+  for (const std::int32_t year : {1, 9999}) {
+    input().AnnoSolare = year;
+    (void)service.VerificaAnnoIvaEsercizioContabile();
+    const std::string digits = year == 1 ? "0001" : "9999";
+    EXPECT_EQ(steps().back(), statement(digits + "0101", digits + "1231"));
+  }
+}
+
 TEST_F(AccountingYearTest, AYearThatIsNoNumberIsAFailure) {
   input().AnnoSolare = "duemila";
   EXPECT_FALSE(service.VerificaAnnoIvaEsercizioContabile());

@@ -22,15 +22,15 @@ struct Prompt {
   std::string title{};
 };
 
-/// A configuration screen that writes down what it is given.
+/// A configuration screen that writes down what it is given, and when it is shown.
 class Screen final : public NamedMembers {
  public:
   void set(std::string_view member, const Variant& value) override {
-    // How the caller's framework object reaches the screen is the platform's business.
-    if (member == "ActiveInterface") {
-      return;
-    }
-    log.push_back(std::string{member} + "=" + (value.isNull() ? "Null" : value.text()));
+    const bool object = value.kind() == Variant::Kind::Object;
+    log.push_back(std::string{member} + "=" +
+                  (object           ? "object"
+                   : value.isNull() ? "Null"
+                                    : value.text()));
     values[std::string{member}] = value;
   }
   [[nodiscard]] Variant get(std::string_view member) override {
@@ -82,6 +82,7 @@ class PromptPlatform final : public Platform {
   void show(NamedMembers& screen, const std::shared_ptr<Object>& activeInterface) override {
     EXPECT_EQ(&screen, created.back().second.get());
     connection->report({.name = "Show"});
+    created.back().second->log.emplace_back("shown");
     shownThrough.push_back(activeInterface);
     onShow();
   }

@@ -13,6 +13,12 @@ class ScreensTest : public ConfigurationTest {
     input().ActiveInterface = framework;
     platform->answers = {Answer::Yes};
   }
+  /// A screen's whole life: the caller's framework object, its own members, and then it is shown.
+  static Lines shown(Lines members) {
+    members.insert(members.begin(), "ActiveInterface=object");
+    members.emplace_back("shown");
+    return members;
+  }
   [[nodiscard]] Screen& screen() const { return *platform->created.at(0).second; }
   /// Values set, without the reads.
   [[nodiscard]] Lines sets() const {
@@ -48,13 +54,13 @@ TEST_F(ScreensTest, TheLinksOfTheYearBeforeAreOfferedForCopying) {
   linkedIn("2023");
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
   EXPECT_EQ(screen().log,
-            (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=2023", "get AnnoSolareDaDuplicare"}));
+            shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2023", "get AnnoSolareDaDuplicare"}));
   EXPECT_EQ(input().AnnoSolare, Variant{std::int32_t{2024}});
 }
 
 TEST_F(ScreensTest, WithoutLinksInTheYearBeforeTheScreenGetsTheYearItself) {
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(screen().log, (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=",
+  EXPECT_EQ(screen().log, shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=",
                                  "get AnnoSolareDaDuplicare", "AnnoIva=2024"}));
   EXPECT_TRUE(screen().values["AnnoSolareDaDuplicare"].isEmpty());
 }
@@ -63,7 +69,7 @@ TEST_F(ScreensTest, TheYearToDuplicateIsOfferedForCopyingUnasked) {
   input().AnnoSolareDaDuplicare = std::int32_t{2021};
   linkedIn("2021");
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=2021"}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2021"}));
   // The only look at a year's links is the one before the count.
   EXPECT_EQ(steps().front(), linkStatement("2021"));
   for (std::size_t step = 1; step < steps().size(); ++step) {
@@ -75,18 +81,18 @@ TEST_F(ScreensTest, TheScreensOwnYearToDuplicateDecides) {
   linkedIn("2023");
   platform->screenAnswers["AnnoSolareDaDuplicare"] = "";
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=2023", "AnnoIva=2024"}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2023", "AnnoIva=2024"}));
   platform->created.clear();
   platform->prompts.clear();
   platform->screenAnswers["AnnoSolareDaDuplicare"] = kNull;
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets().back(), "AnnoIva=2024");
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2023", "AnnoIva=2024"}));
 }
 
 TEST_F(ScreensTest, AScreenThatKnowsItsOwnYearToDuplicateGetsNoYear) {
   platform->screenAnswers["AnnoSolareDaDuplicare"] = std::int32_t{2020};
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare="}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare="}));
 }
 
 TEST_F(ScreensTest, TheYearBeforeIsCountedFromTheYearOfTheCall) {
@@ -97,14 +103,14 @@ TEST_F(ScreensTest, TheYearBeforeIsCountedFromTheYearOfTheCall) {
     platform->created.clear();
     platform->prompts.clear();
     EXPECT_FALSE(service.ControllaDittaNonCollegata());
-    EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=2018"}));
+    EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2018"}));
     EXPECT_EQ(input().AnnoSolare, none);
   }
   input().AnnoSolare = "2019";
   platform->created.clear();
   platform->prompts.clear();
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=2018"}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=2018"}));
   EXPECT_EQ(input().AnnoSolare, Variant{"2019"});
 }
 
@@ -112,7 +118,7 @@ TEST_F(ScreensTest, AYearBeforeThatCannotBeLookedUpIsNotOffered) {
   connection->fail("SELECT * FROM CG86", Failure::Provider, "Timeout expired");
   output().Gbol_DittaPrincipale = true;  // from an earlier call
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=", "AnnoIva=2024"}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=", "AnnoIva=2024"}));
   EXPECT_EQ(input().AnnoSolare, Variant{std::int32_t{2024}});
   expectState(99, "Timeout expired in ControllaDittaCollegata");
 }
@@ -120,7 +126,7 @@ TEST_F(ScreensTest, AYearBeforeThatCannotBeLookedUpIsNotOffered) {
 TEST_F(ScreensTest, AYearThatIsNoNumberHasNoYearBefore) {
   input().AnnoSolare = "duemila";
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodiceAzienda=20", "AnnoSolareDaDuplicare=", "AnnoIva=duemila"}));
+  EXPECT_EQ(sets(), shown({"CodiceAzienda=20", "AnnoSolareDaDuplicare=", "AnnoIva=duemila"}));
   EXPECT_EQ(input().AnnoSolare, Variant{"duemila"});
 }
 
@@ -158,7 +164,7 @@ TEST_F(ScreensTest, AYesShowsTheScreenOfTheActivitiesThenCountsAnew) {
   EXPECT_TRUE(service.ControllaAttivitaNonCollegata());
   ASSERT_EQ(platform->created.size(), 1U);
   EXPECT_EQ(platform->created.front().first, "AZCOLLUI.CLSCO_ATTIVITACOLL");
-  EXPECT_EQ(sets(), (Lines{"CodDitta=20", "AnnoSolareDaDuplicare=2024", "CodiceAttività=4001"}));
+  EXPECT_EQ(sets(), shown({"CodDitta=20", "AnnoSolareDaDuplicare=2024", "CodiceAttività=4001"}));
   EXPECT_EQ(platform->shownThrough, std::vector<std::shared_ptr<Object>>{framework});
   const Lines done = steps();
   ASSERT_EQ(done.size(), 4U);
@@ -170,14 +176,30 @@ TEST_F(ScreensTest, AYesShowsTheScreenOfTheActivitiesThenCountsAnew) {
 TEST_F(ScreensTest, TheScreenOfTheActivitiesGetsTheYearOfTheCallEvenWhenAnotherIsDuplicated) {
   input().AnnoSolareDaDuplicare = std::int32_t{2021};
   EXPECT_FALSE(service.ControllaAttivitaNonCollegata());
-  EXPECT_EQ(sets(), (Lines{"CodDitta=20", "AnnoSolareDaDuplicare=2024", "CodiceAttività="}));
+  EXPECT_EQ(sets(), shown({"CodDitta=20", "AnnoSolareDaDuplicare=2024", "CodiceAttività="}));
 }
 
 TEST_F(ScreensTest, TheScreenOfTheActivitiesNeverGetsAnotherYear) {
   platform->screenAnswers["AnnoSolareDaDuplicare"] = "";
   EXPECT_FALSE(service.ControllaAttivitaNonCollegata());
-  EXPECT_EQ(sets().size(), 3U);
-  EXPECT_FALSE(screen().values.contains("AnnoIva"));
+  EXPECT_EQ(sets(), shown({"CodDitta=20", "AnnoSolareDaDuplicare=2024", "CodiceAttività="}));
+}
+
+// ------------------------------------------------------------ the caller's framework object
+
+TEST_F(ScreensTest, EveryScreenGetsTheCallersFrameworkObjectItselfBeforeAnythingElse) {
+  for (const bool activity : {false, true}) {
+    platform->created.clear();
+    platform->shownThrough.clear();
+    platform->prompts.clear();
+    EXPECT_FALSE(activity ? service.ControllaAttivitaNonCollegata()
+                          : service.ControllaDittaNonCollegata());
+    ASSERT_FALSE(screen().log.empty());
+    EXPECT_EQ(screen().log.front(), "ActiveInterface=object");
+    EXPECT_EQ(screen().log.back(), "shown");
+    EXPECT_EQ(screen().values["ActiveInterface"].object(), framework);
+    EXPECT_EQ(platform->shownThrough, std::vector<std::shared_ptr<Object>>{framework});
+  }
 }
 
 // ------------------------------------------------------------ failures

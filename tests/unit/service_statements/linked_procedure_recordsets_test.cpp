@@ -63,6 +63,24 @@ TEST_P(ProcedureMemberTest, ReleasesTheCommandAndKeepsTheRecordsetConnected) {
   EXPECT_TRUE(service.Errore.isEmpty());
 }
 
+TEST_P(ProcedureMemberTest, TheCallerHasTheRecordsetBeforeTheCommandIsReleased) {
+  leaveRecordset();
+  std::shared_ptr<Recordset> atRelease;
+  connection->onOperation = [&](const Operation& operation) {
+    if (operation.name == "CommandRelease") {
+      atRelease = service.CPOutput->Grst_DitteCollegate;
+    }
+  };
+  connection->fail("CommandRelease", Failure::Own, "Rotto");
+  call();
+  EXPECT_EQ(service.Stato, Variant{std::int16_t{99}});
+  EXPECT_EQ(errore(), std::string{"Rotto in "} + GetParam().name);
+  ASSERT_NE(atRelease, nullptr);
+  EXPECT_EQ(service.CPOutput->Grst_DitteCollegate, atRelease);
+  ASSERT_TRUE(atRelease->isOpen());
+  EXPECT_EQ(companiesLeft(*atRelease), (Lines{"10", "30"}));
+}
+
 TEST_P(ProcedureMemberTest, HandsOutAMissingAccountingTypeAsItIs) {
   service.CPOutput->IndTipoCont = std::int16_t{5};
   gives({10, std::int16_t{1}, kNull});
@@ -106,6 +124,19 @@ TEST_P(ProcedureMemberTest, AYearOfZeroIsNoYear) {
   call();
   EXPECT_EQ(given(named("CommandExecute").back())["@DataInizioElaborazione"],
             Variant(Date{.year = 2019, .month = 1, .day = 1}));
+}
+
+TEST_P(ProcedureMemberTest, AYearOutsideTheCalendarIsAFailureBeforeTheProcedureIsAsked) {
+  const auto earlier = leaveRecordset();
+  for (const Variant& year : {Variant{std::int32_t{-1}}, Variant{std::int32_t{10000}},
+                              Variant{std::int64_t{5000000000}}, Variant{"10000"}}) {
+    service.CPInput->AnnoSolare = year;
+    call();
+    EXPECT_EQ(service.Stato, Variant{std::int16_t{99}}) << year.text();
+    EXPECT_TRUE(errore().ends_with(std::string{" in "} + GetParam().name)) << errore();
+  }
+  EXPECT_TRUE(connection->operations.empty());
+  EXPECT_EQ(service.CPOutput->Grst_DitteCollegate, earlier);
 }
 
 TEST_P(ProcedureMemberTest, AnyFailureIsReportedUnderTheMethodsName) {

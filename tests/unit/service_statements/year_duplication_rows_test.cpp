@@ -66,6 +66,26 @@ TEST_F(YearDuplicationLinks, LinksAreClearedForSingleCompanyRowsToo) {
   EXPECT_EQ(cleared(), (std::vector<std::string>{"30", "40"}));
 }
 
+// The company is itself linked under another one, and other links of that group are shown, too.
+TEST_F(YearDuplicationLinks, TheCompanysOwnActivitiesGiveWayWhereLinksAreCopied) {
+  configuration({{.id = 1, .dittaColl = 30, .codice = 3001},
+                 {.id = 2, .ditta = 10, .dittaColl = 20, .codice = 2001},
+                 {.id = 3, .ditta = 10, .dittaColl = 40, .codice = 4001}});
+  service.DuplicaAttività();
+  EXPECT_EQ(cleared(), (std::vector<std::string>{"30", "20", "40"}));
+  expectDone();
+}
+
+TEST_F(YearDuplicationLinks, TheCompanysOwnActivitiesStayWhereTheyAreWhatIsCopied) {
+  service.CPInput->IndProvenienzaMultiAziende = false;
+  configuration({{.id = 1, .dittaColl = 30, .codice = 3001},
+                 {.id = 2, .ditta = 10, .dittaColl = 20, .codice = 2001},
+                 {.id = 3, .ditta = 10, .dittaColl = 40, .codice = 4001}});
+  service.DuplicaAttività();
+  EXPECT_EQ(cleared(), (std::vector<std::string>{"30", "40"}));
+  expectDone();
+}
+
 TEST_F(YearDuplicationLinks, TheWalkEndsAtTheFirstFailure) {
   connection->fail(
       " DELETE\r\n FROM   CG86_AZIENDECOLL\r\n WHERE CG86_INDTIPO = 0\r\n AND "
