@@ -168,6 +168,7 @@ TEST_F(PromptsTest, AMissingYearOfTheCallIsMissingAgainAfterwards) {
 TEST_F(PromptsTest, AFailureOfThatLookEndsTheCheckUnderItsOwnName) {
   input().AnnoSolareDaDuplicare = std::int32_t{2022};
   connection->fail("SELECT * FROM CG86", Failure::Provider, "Timeout expired");
+  output().Gbol_DittaPrincipale = true;  // from an earlier call
   EXPECT_FALSE(service.ControllaDittaNonCollegata());
   expectState(99, "Timeout expired in ControllaDittaCollegata");
   EXPECT_EQ(steps(), Lines{linkStatement("2022")});

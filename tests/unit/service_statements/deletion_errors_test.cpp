@@ -33,6 +33,8 @@ TEST_F(DeletionErrorsTest, ARefusedTrialIsUndoneAndNothingElseIsTouched) {
   EXPECT_EQ(lines("DELETE").size(), 15U);
   EXPECT_EQ(steps(), (Lines{"BeginTrans", "RollbackTrans"}));
   EXPECT_EQ(errorEntries(), 0U);
+  // The errors are cleared first: those of a rollback that fails are there to be read.
+  EXPECT_EQ(named("RollbackTrans").front().options, Ints{0});
   EXPECT_EQ(connection->operations.back().name, "RollbackTrans");
 }
 
@@ -81,6 +83,7 @@ TEST_F(DeletionErrorsTest, ARefusingCompanyUndoesTheOnesBeforeItAndIsNamed) {
   expectState(2, "Il cliente non può essere eliminato nella ditta 30!");
   // Trial, company 10, company 30; company 40 is not reached.
   EXPECT_EQ(lines("DELETE").size(), 45U);
+  EXPECT_EQ(named("RollbackTrans").back().options, Ints{0});
   EXPECT_EQ(steps(), (Lines{"BeginTrans", "RollbackTrans", "BeginTrans", "RollbackTrans"}));
   EXPECT_EQ(errorEntries(), 0U);
   EXPECT_EQ(connection->operations.back().name, "RollbackTrans");

@@ -38,6 +38,13 @@ TEST_F(DeletionTest, TriesItHereThenDeletesInEveryOtherCompany) {
   expectSilentSuccess();
 }
 
+TEST_F(DeletionTest, TheWalkBeginsAtTheCurrentRowOfTheGroup) {
+  service.CPInput->Pbol_InTransaction = true;
+  connection->onProcedureRows = [](Recordset& rows) { rows.moveNext(); };
+  service.EliminaCliFor();
+  EXPECT_EQ(lines("DELETE"), deletions("30") + deletions("40"));
+}
+
 TEST_F(DeletionTest, DeletesTheSubTablesThenTheJointHoldersThenTheMasterRow) {
   service.CPInput->Pbol_InTransaction = true;
   companies({7});

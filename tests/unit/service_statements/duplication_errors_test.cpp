@@ -1,3 +1,4 @@
+#include <map>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,8 @@ TEST_P(FailingStatementTest, OfTheDatabaseRollsBackOnceAndClearsTheErrors) {
   EXPECT_EQ(count("RollbackTrans"), 1U);
   EXPECT_EQ(connection->recordedErrors().count(), 0U);
   EXPECT_GE(connection->recordedErrors().clears(), 1);
+  // The errors are cleared first: those of a rollback that fails are there to be read.
+  EXPECT_EQ(named("RollbackTrans").front().options, std::vector<int>{0});
   EXPECT_EQ(connection->operations.back().name, "RollbackTrans");
 }
 
@@ -94,6 +97,41 @@ INSTANTIATE_TEST_SUITE_P(
                       "SELECT * FROM CG31_ANADITTASEDI WHERE CG31_DITTA_CG18 = 40", "CommitTrans"),
     [](const auto& statement) { return "Statement" + std::to_string(statement.index + 1); });
 
+/// A statement of a routine on the way, and the routine's name.
+struct RoutineStatement {
+  const char* statement;
+  const char* routine;
+};
+class RoutineMessageTest : public DuplicationErrorsTest,
+                           public ::testing::WithParamInterface<RoutineStatement> {};
+
+// The routine's message stands there until the public method puts its own in its place.
+TEST_P(RoutineMessageTest, NamesTheRoutineUntilTheCallIsOver) {
+  std::string before = "no rollback";
+  connection->onOperation = [&](const Operation& operation) {
+    before = operation.name == "RollbackTrans" ? service.Errore.text() : before;
+  };
+  connection->fail(GetParam().statement, Failure::Provider, "Rotto");
+  service.DuplicaCliFor();
+  EXPECT_EQ(before, std::string{"Rotto in "} + GetParam().routine);
+  EXPECT_EQ(errore(), "Rotto in DuplicaClifor");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EachStatement, RoutineMessageTest,
+    ::testing::Values(
+        RoutineStatement{"SELECT * FROM CG40_ANADITTAINTER WHERE CG40_DITTA_CG18 = 10",
+                         "ControllaIntermedio"},
+        RoutineStatement{"SELECT * FROM CG40_ANADITTAINTER WHERE CG40_DITTA_CG18 = 20",
+                         "ControllaIntermedio"},
+        RoutineStatement{"INSERT INTO CG40_ANADITTAINTER", "ControllaIntermedio"},
+        RoutineStatement{"SELECT * FROM CG31_ANADITTASEDI WHERE CG31_DITTA_CG18 = 10",
+                         "ControllaSedi"},
+        RoutineStatement{"SELECT * FROM CG31_ANADITTASEDI WHERE CG31_DITTA_CG18 = 20",
+                         "ControllaSedi"},
+        RoutineStatement{"INSERT INTO CG31_ANADITTASEDI", "ControllaSedi"}),
+    [](const auto& statement) { return "Statement" + std::to_string(statement.index + 1); });
+
 TEST_F(DuplicationErrorsTest, AFailingReducedCopyEndsTheCall) {
   connection->fail(std::string{kMasterInsert} + "30, ", Failure::Provider, "Cannot insert");
   service.DuplicaCliFor();
@@ -121,6 +159,42 @@ TEST_F(DuplicationErrorsTest, AnEntryLeftByASkippedFailureMakesALaterFailureRoll
   EXPECT_EQ(errore(), "Overflow in DuplicaClifor");
   EXPECT_EQ(count("RollbackTrans"), 1U);
   EXPECT_EQ(connection->recordedErrors().count(), 0U);
+}
+
+TEST_F(DuplicationErrorsTest, ARollbackThatFailsLeavesItsErrorAndTheMessageOfTheFirst) {
+  connection->fail("INSERT INTO MG19_CLIFORVA", Failure::Provider, "Overflow");
+  connection->fail("RollbackTrans", Failure::Provider, "Connection lost");
+  service.DuplicaCliFor();
+  EXPECT_EQ(errore(), "Overflow in DuplicaClifor");
+  ASSERT_EQ(connection->recordedErrors().count(), 1U);
+  EXPECT_EQ(connection->recordedErrors().item(0).description, "Connection lost");
+}
+
+TEST_F(DuplicationErrorsTest, TheInputKeepsTheNewCodeAfterARollback) {
+  connection->fail("INSERT INTO MG19_CLIFORVA", Failure::Provider, "Overflow");
+  service.DuplicaCliFor();
+  EXPECT_EQ(count("RollbackTrans"), 1U);
+  EXPECT_EQ(service.CPInput->Pvar_CliFor, Variant{std::int32_t{101}});
+}
+
+TEST_F(DuplicationErrorsTest, TheRunningFlagStaysOnAfterATrappedFailureAndIsClearedOtherwise) {
+  const auto flag = [this] {
+    (void)service.GetDittaPrincipale();
+    const Operation asked = named("CommandExecute").back();
+    std::map<std::string, Variant> given{asked.parameters.begin(), asked.parameters.end()};
+    return given["@GestioneDuplicazioneCliFor"];
+  };
+  for (const Failure failure : {Failure::Provider, Failure::Own, Failure::Foreign}) {
+    connection->answerPrefix("INSERT INTO MG19_CLIFORVA", ResultSet{});
+    service.CPInput->Pvar_CliFor = std::int32_t{100};
+    service.DuplicaCliFor();
+    EXPECT_EQ(flag(), Variant{std::int16_t{0}});
+    connection->fail("INSERT INTO MG19_CLIFORVA", failure, "Overflow");
+    service.CPInput->Pvar_CliFor = std::int32_t{100};
+    service.DuplicaCliFor();
+    ASSERT_EQ(service.Stato, Variant{std::int16_t{99}});
+    EXPECT_EQ(flag(), Variant{std::int16_t{1}});
+  }
 }
 
 TEST_F(DuplicationErrorsTest, AMissingSourceRowNeitherCommitsNorRollsBack) {

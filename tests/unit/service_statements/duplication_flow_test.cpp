@@ -203,6 +203,21 @@ TEST_F(DuplicationTest, AFailingListOfCompaniesLeavesTheFullCopyOnly) {
   expectSuccess();
 }
 
+// The recordset of the main company's look-up is detached; that of the companies to be copied to
+// stays connected and open for the walk.
+TEST_F(DuplicationTest, OnlyTheLookUpOfTheMainCompanyDetachesItsRows) {
+  std::vector<std::string> names;
+  connection->onOperation = [&](const Operation& operation) {
+    if (operation.name == "CommandExecute" || operation.name == "CommandRelease" ||
+        operation.name == "Detach" || operation.name == "Find") {
+      names.push_back(operation.name);
+    }
+  };
+  service.DuplicaCliFor();
+  EXPECT_EQ(names, (Lines{"CommandExecute", "CommandRelease", "Detach", "Find", "CommandExecute",
+                          "CommandRelease"}));
+}
+
 TEST_F(DuplicationTest, AFailingProcedureMeansThatThereIsNoGroup) {
   connection->onProcedure = [this](Parameters&) -> ProcedureAnswer {
     connection->raise(Failure::Provider, "Could not find stored procedure", kProcedure);

@@ -181,6 +181,10 @@ TEST_F(WholeGroupTest, AFailureOfEitherStatementIsReported) {
   service.RecordsetDitteCollegatePiuPrincipaleNoPrinc();
   EXPECT_EQ(service.Stato, Variant{std::int16_t{99}});
   EXPECT_EQ(errore(), "Secondo in RecordsetDitteCollegatePiuPrincipaleNoPrinc");
+  // The recordset there is that of the second statement, closed: not the first one, which found
+  // nobody, for the answer.
+  ASSERT_NE(service.CPOutput->Grst_DitteCollegate, nullptr);
+  EXPECT_FALSE(service.CPOutput->Grst_DitteCollegate->isOpen());
   connection->operations.clear();
   connection->fail(kGroupOfMain, Failure::Foreign, "Primo");
   service.RecordsetDitteCollegatePiuPrincipaleNoPrinc();

@@ -288,6 +288,8 @@ TEST_F(ModificationTest, AFailingCommitIsRolledBackAndReported) {
   expectState(99, "Connection lost in ModificaCliFor");
   EXPECT_EQ(steps(), (Lines{"BeginTrans", "CommitTrans", "RollbackTrans"}));
   EXPECT_EQ(connection->recordedErrors().count(), 0U);
+  // The errors are cleared first: those of a rollback that fails are there to be read.
+  EXPECT_EQ(named("RollbackTrans").front().options, Ints{0});
 }
 
 TEST_F(ModificationTest, AFailureThatIsNotTheDatabasesIsReportedWithoutARollback) {
@@ -342,6 +344,28 @@ TEST_F(ModificationTest, AFailureOfTheGroupIsReportedByTheMethodThatAsksForIt) {
   expectState(99, "Timeout expired in RecordsetDitteCollegateOPrincipale");
   EXPECT_EQ(transcript(), Lines{kProcedure});
   EXPECT_EQ(duplicationFlag(), Variant{std::int16_t{0}});
+}
+
+TEST_F(ModificationTest, AFailureOfTheGroupIsNotAnsweredFromAnEarlierCall) {
+  service.RecordsetDitteCollegateOPrincipale();
+  const std::shared_ptr<Recordset> earlier = service.CPOutput->Grst_DitteCollegate;
+  ASSERT_NE(earlier, nullptr);
+  for (const Failure failure : {Failure::Provider, Failure::Own, Failure::Foreign}) {
+    service.CPOutput->Grst_DitteCollegate = earlier;
+    connection->operations.clear();
+    failProcedure(failure, "Timeout expired");
+    service.ModificaCliFor();
+    expectState(99, "Timeout expired in RecordsetDitteCollegateOPrincipale");
+    EXPECT_EQ(transcript(), Lines{kProcedure});
+    EXPECT_FALSE(earlier->atEnd());
+  }
+}
+
+TEST_F(ModificationTest, TheWalkBeginsAtTheCurrentRowOfTheGroup) {
+  connection->onProcedureRows = [](Recordset& rows) { rows.moveNext(); };
+  service.ModificaCliFor();
+  EXPECT_EQ(lines("UPDATE"), (Lines{update("30"), update("40")}));
+  expectSilentSuccess();
 }
 
 TEST_F(ModificationTest, TheRunningFlagStaysOnAfterAFailure) {

@@ -13,7 +13,7 @@ class NumberingTest : public DuplicationTest {
   [[nodiscard]] Lines companies() const {
     Lines list;
     for (const Numbering& numbering : platform->numberings) {
-      list.push_back(numbering.Ditta);
+      list.push_back(numbering.Ditta.text());
     }
     return list;
   }
@@ -33,6 +33,30 @@ TEST_F(NumberingTest, ReceivesItsNineInputs) {
     EXPECT_EQ(numbering.Connessione, connection.get());
     EXPECT_EQ(numbering.StringaConnessione, "Provider=prova");
   }
+}
+
+TEST_F(NumberingTest, HasANewObjectForEveryElementAndReleasesItBeforeTheNext) {
+  platform->numberingStates = {{"40", 7}};
+  service.DuplicaCliFor();
+  EXPECT_EQ(platform->numberingLife,
+            (Lines{"new", "30", "released", "new", "40", "released", "new", "10", "released"}));
+}
+
+TEST_F(NumberingTest, GetsEachElementWithoutTheBlanksAroundIt) {
+  group("10", {30, 40}, "  30 ,40,  50");
+  service.DuplicaCliFor();
+  Lines given;
+  for (const Numbering& numbering : platform->numberings) {
+    ASSERT_EQ(numbering.Ditta.kind(), Variant::Kind::Text);
+    given.push_back(numbering.Ditta.text());
+  }
+  EXPECT_EQ(given, (Lines{"30", "40", "50", "10"}));
+}
+
+TEST_F(NumberingTest, LooksUpTodayOnce) {
+  service.DuplicaCliFor();
+  ASSERT_EQ(platform->numberings.size(), 3U);
+  EXPECT_EQ(platform->todays, 1);
 }
 
 TEST_F(NumberingTest, OfASupplierIsOfItsOwnType) {

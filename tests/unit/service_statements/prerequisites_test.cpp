@@ -142,6 +142,28 @@ TEST_F(PrerequisitesTest, EveryLinkedCompanyReceivesThem) {
   expectSuccess();
 }
 
+TEST_F(PrerequisitesTest, WithoutAMainCompanyNoAgentIsLookedFor) {
+  group("", {30}, "30");
+  service.DuplicaCliFor();
+  EXPECT_TRUE(lines(" SELECT     DST").empty());
+  const Lines copies = lines("INSERT INTO CG44_CLIFOR");
+  ASSERT_FALSE(copies.empty());
+  // The agent's place stands between the VAT code and the branch.
+  EXPECT_NE(copies.front().find("N'I22', Null, 2, "), std::string::npos) << copies.front();
+}
+
+TEST_F(PrerequisitesTest, WithoutAnAgentNoneIsLookedFor) {
+  for (const Variant& none : {Variant{kNull}, Variant{""}}) {
+    connection->operations.clear();
+    master.set("CG44_IDAGENTE_MG17", none);
+    script();
+    service.DuplicaCliFor();
+    EXPECT_TRUE(lines(" SELECT     DST").empty());
+    expectSuccess();
+    connection->operations.clear();
+  }
+}
+
 TEST_F(PrerequisitesTest, OneMissingInTheSourceTooEndsTheCallWithoutARollback) {
   for (const std::string table : {"CG40_ANADITTAINTER", "CG31_ANADITTASEDI"}) {
     connection->operations.clear();

@@ -18,7 +18,7 @@ inline constexpr const char* kProcedure = "PC_GetDitteCollegate";
 /// What the numbering object was given when it was run.
 struct Numbering {
   std::int16_t TipoDocumento = 0;
-  std::string Ditta{};  ///< without the blanks around it
+  Variant Ditta{};
   std::int16_t Modo = 0;
   std::string Sezione{};
   std::int16_t Anno = -1;
@@ -33,14 +33,20 @@ class ScriptedPlatform final : public Platform {
  public:
   std::shared_ptr<ScriptedConnection> connection = std::make_shared<ScriptedConnection>();
   std::vector<Numbering> numberings;
+  std::vector<std::string> numberingLife;  ///< each object's "new", company and "released"
+  int todays = 0;                          ///< how often today was looked up
   std::vector<std::pair<std::string, std::int32_t>> numberingStates;  ///< status by company, else 0
   Date now{.year = 2024, .month = 3, .day = 15};
 
   [[nodiscard]] std::shared_ptr<Connection> newConnection(std::string_view) override {
     return connection;
   }
-  [[nodiscard]] Date today() override { return now; }
+  [[nodiscard]] Date today() override {
+    ++todays;
+    return now;
+  }
   [[nodiscard]] std::unique_ptr<NumerazioneDocumenti> newNumbering() override {
+    numberingLife.emplace_back("new");
     return std::make_unique<Recorder>(*this);
   }
 
@@ -48,9 +54,15 @@ class ScriptedPlatform final : public Platform {
   class Recorder final : public NumerazioneDocumenti {
    public:
     explicit Recorder(ScriptedPlatform& platform) : platform_{platform} {}
+    Recorder(const Recorder&) = delete;
+    Recorder(Recorder&&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+    Recorder& operator=(Recorder&&) = delete;
+    ~Recorder() override { platform_.numberingLife.emplace_back("released"); }
     void ElaboraNumerazione() override {
-      const std::string company{trim(Ditta.text())};
-      platform_.numberings.push_back(Numbering{TipoDocumento, company, Modo, Sezione, Anno, Data,
+      const std::string company = Ditta.text();
+      platform_.numberingLife.push_back(company);
+      platform_.numberings.push_back(Numbering{TipoDocumento, Ditta, Modo, Sezione, Anno, Data,
                                                Codice.text(), Connessione.get(),
                                                StringaConnessione});
       platform_.connection->report({.name = "Numera", .sql = company});
@@ -61,12 +73,6 @@ class ScriptedPlatform final : public Platform {
     [[nodiscard]] std::int32_t Stato() const override { return stato_; }
 
    private:
-    static std::string_view trim(std::string_view text) {
-      const auto first = text.find_first_not_of(' ');
-      return first == std::string_view::npos
-                 ? std::string_view{}
-                 : text.substr(first, text.find_last_not_of(' ') - first + 1);
-    }
     ScriptedPlatform& platform_;
     std::int32_t stato_ = 0;
   };

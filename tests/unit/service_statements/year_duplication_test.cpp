@@ -101,17 +101,43 @@ TEST_F(YearDuplication, SingleCompanyRowsDoNotGoOntoAYearOfLinks) {
   }
 }
 
-TEST_F(YearDuplication, TheLinesArePartedByCarriageReturnAndLineFeed) {
-  service.DuplicaAttività();
-  std::size_t found = 0;
-  for (const std::string& line : transcript()) {
-    if (line.starts_with(" SELECT COUNT(1)") || line.starts_with(" DELETE")) {
-      ++found;
-      EXPECT_NE(line.find("\r\n"), std::string::npos) << line;
-      EXPECT_EQ(std::ranges::count(line, '\r'), std::ranges::count(line, '\n')) << line;
-    }
+/// Line breaks of a text that are not CR LF.
+long otherBreaks(const std::string& text) {
+  long pairs = 0;
+  for (std::size_t at = text.find("\r\n"); at != std::string::npos;
+       at = text.find("\r\n", at + 2)) {
+    ++pairs;
   }
-  EXPECT_EQ(found, 3U);
+  return std::ranges::count(text, '\r') + std::ranges::count(text, '\n') - 2 * pairs;
+}
+
+// Every statement of its own: the counts, the main activities remembered, cleared, counted, put
+// back and given to the lowest code, the deletion and the copy, with and without restrictions.
+TEST_F(YearDuplication, TheLinesArePartedByCarriageReturnAndLineFeed) {
+  remembered({std::int32_t{2002}});
+  mainActivities(0);
+  for (const std::string& flags : everySet("MAI")) {
+    const TextCase which{flags};
+    service.CPInput->IndProvenienzaMultiAziende = which.has('M');
+    service.CPInput->CodiceAttività = which.has('A') ? Variant{std::int32_t{2001}} : Variant{};
+    service.CPInput->IdAttività = which.has('I') ? Variant{std::int32_t{77}} : Variant{};
+    connection->operations.clear();
+    service.DuplicaAttività();
+    const Lines all = transcript();
+    EXPECT_EQ(all.size(), 13U) << flags;
+    for (const std::string& line : all) {
+      EXPECT_EQ(otherBreaks(line), 0) << line;
+      EXPECT_EQ(line.find("\r\n") != std::string::npos, !line.ends_with("Trans")) << line;
+    }
+    expectDone();
+  }
+}
+
+TEST_F(YearDuplication, TheMessagesLineIsPartedTheSameWay) {
+  links(1);
+  service.DuplicaAttività();
+  EXPECT_EQ(otherBreaks(errore()), 0);
+  EXPECT_EQ(std::ranges::count(errore(), '\n'), 1);
 }
 
 // The whole run.
