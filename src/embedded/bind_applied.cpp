@@ -84,7 +84,7 @@ void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& fu
     BoundExpression value;
     value.isColumn = argument.isColumn;
     value.type = parameter.type;
-    requireConvertible(argument, parameter.type, function.arguments[i]->position);
+    requireConvertible(argument.type, parameter.type, function.arguments[i]->position);
     value.sql = coerce(argument, parameter.type, Conversion::Cut);
     body.arguments_[foldText(parameter.name)] = {std::move(value), isOfRow};
   }

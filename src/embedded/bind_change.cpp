@@ -106,7 +106,7 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
       throw SqlError(157, "An aggregate may not appear in the set list of an UPDATE statement.");
     }
     BoundExpression value = bind(*assignment.value, scope);
-    requireConvertible(value, table.columns[*column].type, assignment.value->position);
+    requireConvertible(value.type, table.columns[*column].type, assignment.value->position);
     assigned.emplace_back(*column, coerce(value, table.columns[*column].type, Conversion::Assign));
   }
   return assigned;

@@ -40,7 +40,7 @@ std::optional<BoundExpression> Binder::bindDateCall(std::string_view name,
   const auto bindDate = [&](const tsql::Expression& expression, Type& type) {
     BoundExpression date = bind(expression, scope);
     type = date.type.isDate() ? date.type : kDateTime;
-    requireConvertible(date, type, position);
+    requireConvertible(date.type, type, position);
     return coerce(date, type, Conversion::Compare);
   };
   const auto part = [&] {

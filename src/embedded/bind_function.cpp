@@ -132,7 +132,7 @@ BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& p
   if (operand.type.isDate() && type.isNumber()) {
     refuse(context_.text, position, "a date as a number");
   }
-  requireConvertible(operand, type, position);
+  requireConvertible(operand.type, type, position);
   if (node.style) {
     const auto* const style = std::get_if<tsql::Literal>(&node.style->node);
     if (style == nullptr || style->kind != tsql::LiteralKind::Integer) {
@@ -167,7 +167,7 @@ std::string Binder::bindText(const tsql::Expression& expression, const Scope& sc
   if (bound.type.isText()) {
     return natural(bound);
   }
-  requireConvertible(bound, kVarChar, expression.position);
+  requireConvertible(bound.type, kVarChar, expression.position);
   return coerce(bound, kVarChar, Conversion::Compare);
 }
 
@@ -223,7 +223,7 @@ BoundExpression Binder::bindTextCall(std::string_view name, const tsql::Function
       length = i == 0 && type.isText() ? type.length : length;
     } else {
       BoundExpression number = bind(*call.arguments[i], scope);
-      requireConvertible(number, kBigInt, position);
+      requireConvertible(number.type, kBigInt, position);
       sql += coerce(number, kBigInt, Conversion::Compare);
     }
   }

@@ -354,7 +354,7 @@ void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
   }
   const Scope nothing(nullptr);
   BoundExpression count = bind(*top.count, nothing);
-  requireConvertible(count, kBigInt, top.count->position);
+  requireConvertible(count.type, kBigInt, top.count->position);
   select.limit = "ts_top(" + coerce(count, kBigInt, Conversion::Cut) + ")";
 }
 

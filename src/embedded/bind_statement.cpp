@@ -134,7 +134,7 @@ std::string Binder::bindAssignments(const tsql::Query& query,
     OutputColumn& column = bound.columns()[i];
     const std::size_t variable = bound.select->assigned[i];
     const Type& type = context_.variables->scalars[variable].type;
-    requireConvertible(column.expression, type, column.position);
+    requireConvertible(column.expression.type, type, column.position);
     column.sql = coerce(column.expression, type, Conversion::Cut);
     targets.push_back({variable, type});
   }
@@ -144,7 +144,7 @@ std::string Binder::bindAssignments(const tsql::Query& query,
 std::string Binder::bindValue(const tsql::Expression& expression, const Type& type) {
   const Scope nothing(nullptr);
   BoundExpression value = bind(expression, nothing);
-  requireConvertible(value, type, expression.position);
+  requireConvertible(value.type, type, expression.position);
   return "SELECT " + coerce(value, type, Conversion::Cut);
 }
 

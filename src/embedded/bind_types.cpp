@@ -131,16 +131,6 @@ void Binder::requireConvertible(const Type& from, const Type& to,
                           " is incompatible with " + std::string(typeName(to)));
 }
 
-/// A whole number becomes a date or not by how many digits it has: a plan that was compiled for one
-/// that does must not run with one that does not, which is refused before the batch starts.
-void Binder::requireConvertible(const BoundExpression& from, const Type& to,
-                                const tsql::Position& position) {
-  requireConvertible(from.type, to, position);
-  if (from.type.isInteger() && to.isDate()) {
-    guard(from, Guard::Kind::SameType, from.type);
-  }
-}
-
 std::string Binder::coerce(BoundExpression& expression, const Type& type, Conversion conversion) {
   if (expression.pending) {
     return emitSlot(expression, type, conversion);

@@ -98,8 +98,6 @@ class Binder {
   void guard(const BoundExpression& expression, Guard::Kind kind, const Type& type);
   void guardText(const tsql::Literal& literal);
   void requireConvertible(const Type& from, const Type& to, const tsql::Position& position) const;
-  void requireConvertible(const BoundExpression& from, const Type& to,
-                          const tsql::Position& position);
 
   // ---- expressions (bind_expression.cpp)
   [[nodiscard]] BoundExpression bind(const tsql::Expression& expression, const Scope& scope);

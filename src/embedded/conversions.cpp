@@ -1,5 +1,6 @@
 #include "embedded/conversions.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -191,6 +192,53 @@ Value toFloat(const Value& value, const Type& from, const Type& to) {
 
 // ---------------------------------------------------------------- to dates and texts
 
+/// The moment `digits` (with `scale` of them behind the point) days after 1 January 1900, to the
+/// nearest 1/300 second; nothing outside the calendar.
+std::optional<Date> momentOfDays(Int128 digits, int scale) {
+  constexpr Int128 kTicks = 25'920'000;  // of a day
+  constexpr int kTickZeros = 4;          // that a number of ticks ends in
+  const Int128 one = powerOfTen(scale);
+  Int128 day = digits / one;
+  Int128 rest = digits % one;
+  if (rest < 0) {  // the time of the day counts forward on both sides of 1900
+    rest += one;
+    --day;
+  }
+  // rest * kTicks / one, in two steps, because the product of 38 digits would not fit.
+  const Int128 part = powerOfTen(std::max(scale - kTickZeros, 0));
+  const Int128 perPart = kTicks / powerOfTen(std::min(scale, kTickZeros));
+  Int128 ticks = rest / part * perPart + (rest % part * perPart + part / 2) / part;
+  if (ticks == kTicks) {
+    ticks = 0;
+    ++day;
+  }
+  constexpr Int128 kBeyondCalendar = 10'000'000;
+  if (day > kBeyondCalendar || day < -kBeyondCalendar) {
+    return std::nullopt;
+  }
+  const std::optional<Date> date = dateOfDay(static_cast<std::int64_t>(day));
+  return date ? std::optional(withTime(*date, (static_cast<std::int64_t>(ticks) * 10 + 1) / 3))
+              : std::nullopt;
+}
+
+/// Days since 1 January 1900 as a moment of `to`, which reaches from 1753 or from 1900.
+Date dateFromNumber(const Value& value, const Type& from, const Type& to) {
+  constexpr int kDoubleScale = 20;  // more places than a double of the calendar's size has
+  std::optional<Date> date;
+  if (from.isFloat()) {
+    if (const auto digits = digitsOfDouble(value.real, kDoubleScale)) {
+      date = momentOfDays(*digits, kDoubleScale);
+    }
+  } else {
+    date = momentOfDays(value.digits(), from.scale);
+  }
+  date = date ? fitDate(*date, to) : std::nullopt;
+  if (!date) {
+    failOverflow("expression", to);
+  }
+  return *date;
+}
+
 Value toDate(const Value& value, const Type& from, const Type& to) {
   std::optional<Date> date;
   if (from.isText()) {
@@ -208,12 +256,8 @@ Value toDate(const Value& value, const Type& from, const Type& to) {
     if (parsed.outcome == DateOutcome::Good) {
       date = fitDate(parsed.date, to);
     }
-  } else if (from.isInteger()) {
-    date = dateOfDay(value.integer);
-    date = date ? fitDate(*date, to) : std::nullopt;
-    if (!date) {
-      failOverflow("expression", to);
-    }
+  } else if (from.isNumber()) {
+    date = dateFromNumber(value, from, to);
   } else {
     date = fitDate(dateFromStored(value.text), to);
   }
@@ -306,7 +350,7 @@ bool isConvertible(const Type& from, const Type& to) {
   }
   if (from.isDate() || to.isDate()) {
     const bool days =
-        from.isInteger() && (to.kind == TypeKind::DateTime || to.kind == TypeKind::SmallDateTime);
+        from.isNumber() && (to.kind == TypeKind::DateTime || to.kind == TypeKind::SmallDateTime);
     return (from.isDate() && to.isDate()) || days;
   }
   return true;

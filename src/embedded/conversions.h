@@ -20,8 +20,8 @@ enum class Conversion : std::uint8_t {
 /// 245, 248, 8114, 8115, 8152). NULL stays NULL.
 [[nodiscard]] Value convert(Value value, const Type& from, const Type& to, Conversion conversion);
 
-/// Whether there is a conversion at all; numbers and dates do not turn into one another, but for
-/// whole numbers, which are days since 1900.
+/// Whether there is a conversion at all. A number is days since 1900 to a DATETIME and a
+/// SMALLDATETIME; otherwise numbers and dates do not turn into one another.
 [[nodiscard]] bool isConvertible(const Type& from, const Type& to);
 
 /// The type that a constant has of itself: INT, or DECIMAL for more digits; DECIMAL by its digits;

@@ -85,6 +85,7 @@ TEST(Functions, OfDates) {
       {"CASE WHEN GETDATE() > '20200101' THEN 1 END", "1"},
       {"CAST(2 AS DATETIME), CAST('20240307 10:00' AS SMALLDATETIME)",
        "03/01/1900|07/03/2024 10:00:00"},
+      {"YEAR(1.5), DATEPART(hour, 1.75), DATEADD(day, 1, 0.5)", "1900|18|02/01/1900 12:00:00"},
   });
   expectRefusals({{"DATEADD(day, 4000000, '20240101')", 517},
                   {"DATEADD(year, 9000, '20240101')", 517},
@@ -95,7 +96,7 @@ TEST(Functions, OfDates) {
                   {"CONVERT(VARCHAR(9), GETDATE(), 130)", 0},
                   {"CAST('20240101 10:00:00.1234' AS DATETIME)", 241},
                   {"CAST('20240101 10:00:00.1234' AS DATETIME2(3))", 0},
-                  {"YEAR(1.5)", 206}});
+                  {"CAST(1.5 AS DATE)", 206}});
 }
 
 TEST(Functions, OfNumbersAndMissingValues) {

@@ -201,8 +201,8 @@ TEST(PlanCache, RunsNothingOfATextThatHoldsAConstantWithoutAValue) {
   }
 }
 
-TEST(PlanCache, RefusesANumberThatIsNoDateBeforeAnyStatementRuns) {
-  // A whole number of type INT is a day since 1900; one of more digits is a NUMERIC, and none.
+TEST(PlanCache, TakesANumberOfAnyTypeForADate) {
+  // A whole number is an INT or, with more digits, a NUMERIC: one shape, and days since 1900 both.
   for (const bool planCache : {true, false}) {
     const auto connection = openVaried({.planCache = planCache});
     connection->run(
@@ -223,8 +223,13 @@ TEST(PlanCache, RefusesANumberThatIsNoDateBeforeAnyStatementRuns) {
       };
       EXPECT_EQ(failure(*connection, batch("z", "1")), "no error") << statement;
       connection->run("DELETE FROM V WHERE I = 50");
-      EXPECT_EQ(failureNumber(*connection, batch("too long", "12345678901")), 206) << statement;
-      EXPECT_EQ(rows(*connection, "SELECT COUNT(*) FROM V WHERE I = 50"), "0") << statement;
+      for (const char* beyond : {"12345678901", "2958464", "2958464.5"}) {
+        EXPECT_EQ(failureNumber(*connection, batch("y", beyond)), 8115) << statement;
+        EXPECT_EQ(rows(*connection, "SELECT COUNT(*) FROM V WHERE I = 50"), "1") << statement;
+        connection->run("DELETE FROM V WHERE I = 50");
+      }
+      EXPECT_EQ(failure(*connection, batch("z", "45320.25")), "no error") << statement;
+      connection->run("DELETE FROM V WHERE I = 50");
     }
   }
 }
