@@ -14,7 +14,7 @@ for page in README.md docs/*.md; do
   chmod +x "$folder/dev"
   while IFS= read -r line; do
     case $line in
-      './dev demo' | './dev test' | './dev check' | './dev bench' | '#'* | '') continue ;;
+      './dev demo' | './dev test' | './dev server' | './dev check' | './dev bench' | '#'* | '') continue ;;
       'git clone '* | 'cd '*) continue ;; # how a person gets here
     esac
     echo "» $page: $line"

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <utility>
 
-#include "faults/server_example.h"
+#include "support/server_example.h"
 #include "support/test_database.h"
 
 namespace azcoll::test {

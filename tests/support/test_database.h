@@ -1,27 +1,15 @@
 #pragma once
 
-#include <cstdint>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <variant>
-#include <vector>
 
 #include "data/connection.h"
-#include "data/error.h"
 #include "embedded/embedded_connection.h"
 #ifdef AZCOLL_TEST_ADO
 #include "ado/connection.h"
 #endif
-#include "platform/provider_factory.h"
-#include "support/server_database.h"
-#include "tsql/ast.h"
-#include "tsql/parser.h"
+#include "support/example_scripts.h"
+#include "support/server_example.h"
 
 /// Databases for tests: the schema of `schema/` with its example data, on the embedded engine in
 /// memory, or on the server that the environment variable AZCOLL_TEST_CONNESSIONE names.
@@ -30,90 +18,12 @@ namespace azcoll::test {
 /// Connection string of a database of this process's own on the server under test, which is created
 /// at the first question and dropped at the end; empty when the tests run on the embedded engine.
 inline const std::string& serverConnectionString() {
-  static const std::unique_ptr<const ServerDatabase> own = [] {
-    const char* const server = std::getenv("AZCOLL_TEST_CONNESSIONE");
-    return server == nullptr || *server == '\0' ? nullptr
-                                                : std::make_unique<const ServerDatabase>(server);
-  }();
   static const std::string none;
-  return own ? own->connectionString() : none;
-}
-
-/// Whole content of a file; throws `std::runtime_error` when it cannot be read.
-inline std::string readFile(const std::string& path) {
-  std::ifstream file{path, std::ios::binary};
-  if (!file) {
-    throw std::runtime_error{"cannot read " + path};
-  }
-  return std::string{std::istreambuf_iterator<char>{file}, std::istreambuf_iterator<char>{}};
-}
-
-inline std::string schemaPath(std::string_view fileName) {
-  return std::string{AZCOLL_SOURCE_DIR} + "/schema/" + std::string{fileName};
-}
-
-/// A table of the suite that refers to customers and suppliers, with rows for the example data.
-inline std::string documentsPath() {
-  return std::string{AZCOLL_SOURCE_DIR} + "/tests/support/documenti.sql";
-}
-
-/// Runs every batch of a script; a failure names the line on which its batch starts.
-inline void runScript(Connection& connection, const std::string& path) {
-  for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(path))) {
-    try {
-      std::int64_t affected = 0;
-      connection.execute(batch.text, affected, CommandOption::Text);
-    } catch (const Error& error) {
-      throw std::runtime_error{path + ", batch of line " + std::to_string(batch.firstLine) + ": " +
-                               error.description()};
-    }
-  }
+  const ServerExample* const server = ServerExample::find();
+  return server == nullptr ? none : server->connectionString();
 }
 
 namespace detail {
-
-// Routines and tables that a broken run did not reach are not there to be dropped.
-inline void dropIfThere(Connection& connection, const std::string& text) {
-  try {
-    std::int64_t affected = 0;
-    connection.execute(text, affected, CommandOption::Text);
-  } catch (const Error&) {
-    return;
-  }
-}
-
-inline std::vector<std::string> readTableNames() {
-  std::vector<std::string> names;
-  for (const std::string& path : {schemaPath("tabelle.sql"), documentsPath()}) {
-    for (const tsql::ScriptBatch& batch : tsql::splitScript(readFile(path))) {
-      const tsql::Batch parsed = tsql::parse(batch.text);
-      for (const tsql::StatementPtr& statement : parsed.statements) {
-        if (const auto* table = std::get_if<tsql::CreateTableStatement>(&statement->node)) {
-          names.push_back(table->name.parts.back());
-        }
-      }
-    }
-  }
-  return names;
-}
-
-/// The tables of an example database for tests, in the order in which they are made. The scripts
-/// are read once: a picture of the database is taken after every fault.
-inline const std::vector<std::string>& testTables() {
-  static const std::vector<std::string> names = readTableNames();
-  return names;
-}
-
-/// Empties the server's database, which is this process's own, before the next test fills it.
-inline void emptyTestDatabase(Connection& connection) {
-  const std::vector<std::string>& tables = testTables();
-  dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
-  dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
-  for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
-    dropIfThere(connection, "DROP TABLE " + *table);
-  }
-  connection.errors().clear();
-}
 
 /// The embedded engine; in the Windows tests behind automation objects, as callers hand them over.
 inline std::shared_ptr<Connection> newEmbedded() {
@@ -124,52 +34,36 @@ inline std::shared_ptr<Connection> newEmbedded() {
 #endif
 }
 
-inline std::shared_ptr<Connection> openConnection() {
-  const std::string& server = serverConnectionString();
-  std::shared_ptr<Connection> connection;
-  if (server.empty()) {
-    connection = newEmbedded();
-    connection->setConnectionString("Provider=embedded;Data Source=:memory:");
-  } else {
-    connection = newConnectionFor(server);
-  }
+inline std::shared_ptr<Connection> openMemory() {
+  std::shared_ptr<Connection> connection = newEmbedded();
+  connection->setConnectionString("Provider=embedded;Data Source=:memory:");
   connection->setCommandTimeout(100);
   connection->setCursorLocation(CursorLocation::Client);
   connection->open("", "", CommandOption::Unspecified);
-  if (!server.empty()) {
-    emptyTestDatabase(*connection);
-  }
   return connection;
 }
 
 }  // namespace detail
 
-using detail::testTables;
-
-/// Fills an empty database: tables, procedure and function.
-inline void fillSchema(Connection& connection) {
-  runScript(connection, schemaPath("tabelle.sql"));
-  runScript(connection, schemaPath("procedure.sql"));
-}
-
-/// Like `fillSchema`, with the example data and the documents that refer to its customers.
-inline void fillExample(Connection& connection) {
-  fillSchema(connection);
-  runScript(connection, schemaPath("esempio.sql"));
-  runScript(connection, documentsPath());
-}
-
 /// An open connection to a fresh database with the tables, the procedure and the function, but
 /// without rows. On a server it is this process's own database, emptied first.
 inline std::shared_ptr<Connection> openSchema() {
-  std::shared_ptr<Connection> connection = detail::openConnection();
+  if (ServerExample* const server = ServerExample::find()) {
+    server->empty();
+    return server->connect();
+  }
+  std::shared_ptr<Connection> connection = detail::openMemory();
   fillSchema(*connection);
   return connection;
 }
 
 /// The same with the example data and the documents.
 inline std::shared_ptr<Connection> openExample() {
-  std::shared_ptr<Connection> connection = detail::openConnection();
+  if (ServerExample* const server = ServerExample::find()) {
+    server->restore();
+    return server->connect();
+  }
+  std::shared_ptr<Connection> connection = detail::openMemory();
   fillExample(*connection);
   return connection;
 }
