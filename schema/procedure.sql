@@ -31,15 +31,12 @@ BEGIN
     -- Without it the row counts of the inner statements would be the first results of the call.
     SET NOCOUNT ON
 
-    DECLARE @Anno INT, @Principale INT, @Ditta INT, @IdLegame INT
-    DECLARE @Gruppo TABLE (
-        DITTA INT NOT NULL,
-        PRINCIPALE SMALLINT NOT NULL,
-        CG86_INDTIPOCONT SMALLINT NULL,
-        PRIMARY KEY (PRINCIPALE, DITTA)
-    )
+    -- @Capo: the main company when its row is returned. @Ditta reaches below every company's code.
+    DECLARE @Anno INT, @Principale INT, @Capo INT, @IdLegame INT, @Esclusa INT, @Ditta BIGINT
     SET @Anno = YEAR(@DataInizioElaborazione)
     SET @DitteCollegate = ''
+    IF @TipoCF IS NULL
+        SET @CodIntermedio = NULL
 
     -- The main company: the calling one when it has links of its own, else the one above it.
     SELECT @Principale = MIN(CG86_DITTA_CG18)
@@ -52,73 +49,100 @@ BEGIN
         WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno
           AND CG86_DITTACOLL_CG18 = @CodiceDitta AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18
 
-    IF @Principale IS NOT NULL
-    BEGIN
-        -- A pair of companies may have several rows in a year; the first one entered speaks for it.
-        INSERT INTO @Gruppo (DITTA, PRINCIPALE, CG86_INDTIPOCONT)
-        SELECT L.CG86_DITTACOLL_CG18, 0, L.CG86_INDTIPOCONT
-        FROM CG86_AZIENDECOLL AS L
-        WHERE L.CG86_INDTIPO = 0 AND L.CG86_ANNOIVA = @Anno
-          AND L.CG86_DITTA_CG18 = @Principale AND L.CG86_DITTACOLL_CG18 <> @Principale
-          AND NOT EXISTS (SELECT 1
-                          FROM CG86_AZIENDECOLL AS P
-                          WHERE P.CG86_INDTIPO = 0 AND P.CG86_ANNOIVA = @Anno
-                            AND P.CG86_DITTA_CG18 = @Principale
-                            AND P.CG86_DITTACOLL_CG18 = L.CG86_DITTACOLL_CG18
-                            AND P.CG86_IDATTIVITA < L.CG86_IDATTIVITA)
+    -- The linked companies are all but the main one and, where asked for, the calling one.
+    SET @Capo = @Principale
+    SET @Esclusa = @Principale
+    IF @EscludiDittaCorrente = 1
+        SET @Esclusa = @CodiceDitta
+    IF @EscludiDittaPrincipale = 1 OR (@EscludiDittaCorrente = 1 AND @CodiceDitta = @Principale)
+        SET @Capo = NULL
+    IF @CodIntermedio IS NOT NULL
+       AND NOT EXISTS (SELECT 1
+                       FROM CG40_ANADITTAINTER
+                       WHERE CG40_DITTA_CG18 = @Capo AND CG40_TIPOCF = @TipoCF
+                         AND CG40_INTERMEDIO = @CodIntermedio)
+        SET @Capo = NULL
+    IF @CodSede IS NOT NULL
+       AND NOT EXISTS (SELECT 1
+                       FROM CG31_ANADITTASEDI
+                       WHERE CG31_DITTA_CG18 = @Capo AND CG31_CODICE = @CodSede)
+        SET @Capo = NULL
 
-        -- The link that the main company's row speaks of.
+    -- The link that the main company's row speaks of: the calling company's, else the first one. A
+    -- pair of companies may have several rows in a year; the first one entered speaks for it.
+    IF @Capo IS NOT NULL
         SELECT @IdLegame = MIN(CG86_IDATTIVITA)
         FROM CG86_AZIENDECOLL
-        WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno
-          AND CG86_DITTA_CG18 = @Principale AND CG86_DITTACOLL_CG18 = @CodiceDitta
-          AND CG86_DITTACOLL_CG18 <> @Principale
-        IF @IdLegame IS NULL
-        BEGIN
-            SELECT @Ditta = MIN(DITTA) FROM @Gruppo
-            SELECT @IdLegame = MIN(CG86_IDATTIVITA)
-            FROM CG86_AZIENDECOLL
-            WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno
-              AND CG86_DITTA_CG18 = @Principale AND CG86_DITTACOLL_CG18 = @Ditta
-        END
-        INSERT INTO @Gruppo (DITTA, PRINCIPALE, CG86_INDTIPOCONT)
-        SELECT CG86_DITTA_CG18, 1, CG86_INDTIPOCONT
+        WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno AND CG86_DITTA_CG18 = @Principale
+          AND CG86_DITTACOLL_CG18 = @CodiceDitta AND CG86_DITTACOLL_CG18 <> @Principale
+    IF @Capo IS NOT NULL AND @IdLegame IS NULL
+        SELECT @IdLegame = MIN(CG86_IDATTIVITA)
         FROM CG86_AZIENDECOLL
-        WHERE CG86_IDATTIVITA = @IdLegame
-    END
+        WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno AND CG86_DITTA_CG18 = @Principale
+          AND CG86_DITTACOLL_CG18 = (SELECT MIN(CG86_DITTACOLL_CG18)
+                                     FROM CG86_AZIENDECOLL
+                                     WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno
+                                       AND CG86_DITTA_CG18 = @Principale
+                                       AND CG86_DITTACOLL_CG18 <> @Principale)
 
-    IF @EscludiDittaPrincipale = 1
-        DELETE FROM @Gruppo WHERE PRINCIPALE = 1
-    IF @EscludiDittaCorrente = 1
-        DELETE FROM @Gruppo WHERE DITTA = @CodiceDitta
-    IF @CodIntermedio IS NOT NULL AND @TipoCF IS NOT NULL
-        DELETE FROM @Gruppo
-        WHERE NOT EXISTS (SELECT 1
-                          FROM CG40_ANADITTAINTER
-                          WHERE CG40_DITTA_CG18 = DITTA AND CG40_TIPOCF = @TipoCF
-                            AND CG40_INTERMEDIO = @CodIntermedio)
-    IF @CodSede IS NOT NULL
-        DELETE FROM @Gruppo
-        WHERE NOT EXISTS (SELECT 1
-                          FROM CG31_ANADITTASEDI
-                          WHERE CG31_DITTA_CG18 = DITTA AND CG31_CODICE = @CodSede)
-
-    -- The list in the order of the rows: the main company, when still there, then the others. The
-    -- separator that the last element leaves behind is cut off at the end.
-    SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 1
-    IF @Ditta IS NOT NULL
-        SET @DitteCollegate = CAST(@Ditta AS VARCHAR(11)) + ', '
-    SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 0
+    -- The list in the order of the rows: the main company, when it is there, then the others. The
+    -- separator that the last element leaves behind is cut off at the end. Without filters, which
+    -- are rare, the statement that runs for every company does not name their tables.
+    IF @Capo IS NOT NULL
+        SET @DitteCollegate = CAST(@Capo AS VARCHAR(11)) + ', '
+    SET @Ditta = -2147483649
     WHILE @Ditta IS NOT NULL
     BEGIN
-        SET @DitteCollegate = @DitteCollegate + CAST(@Ditta AS VARCHAR(11)) + ', '
-        SELECT @Ditta = MIN(DITTA) FROM @Gruppo WHERE PRINCIPALE = 0 AND DITTA > @Ditta
+        IF @CodIntermedio IS NULL AND @CodSede IS NULL
+            SELECT @Ditta = MIN(CG86_DITTACOLL_CG18)
+            FROM CG86_AZIENDECOLL
+            WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno AND CG86_DITTA_CG18 = @Principale
+              AND CG86_DITTACOLL_CG18 > @Ditta
+              AND CG86_DITTACOLL_CG18 <> @Principale AND CG86_DITTACOLL_CG18 <> @Esclusa
+        ELSE
+            SELECT @Ditta = MIN(CG86_DITTACOLL_CG18)
+            FROM CG86_AZIENDECOLL
+            WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = @Anno AND CG86_DITTA_CG18 = @Principale
+              AND CG86_DITTACOLL_CG18 > @Ditta
+              AND CG86_DITTACOLL_CG18 <> @Principale AND CG86_DITTACOLL_CG18 <> @Esclusa
+              AND (@CodIntermedio IS NULL
+                   OR EXISTS (SELECT 1
+                              FROM CG40_ANADITTAINTER
+                              WHERE CG40_DITTA_CG18 = CG86_DITTACOLL_CG18
+                                AND CG40_TIPOCF = @TipoCF AND CG40_INTERMEDIO = @CodIntermedio))
+              AND (@CodSede IS NULL
+                   OR EXISTS (SELECT 1
+                              FROM CG31_ANADITTASEDI
+                              WHERE CG31_DITTA_CG18 = CG86_DITTACOLL_CG18
+                                AND CG31_CODICE = @CodSede))
+        SET @DitteCollegate = @DitteCollegate + ISNULL(CAST(@Ditta AS VARCHAR(11)) + ', ', '')
     END
     IF @DitteCollegate <> ''
         SET @DitteCollegate = SUBSTRING(@DitteCollegate, 1, LEN(@DitteCollegate) - 1)
 
-    SELECT DITTA, PRINCIPALE, CG86_INDTIPOCONT
-    FROM @Gruppo
+    SELECT CG86_DITTA_CG18 AS DITTA, CAST(1 AS SMALLINT) AS PRINCIPALE, CG86_INDTIPOCONT
+    FROM CG86_AZIENDECOLL
+    WHERE CG86_IDATTIVITA = @IdLegame
+    UNION ALL
+    SELECT L.CG86_DITTACOLL_CG18, CAST(0 AS SMALLINT), L.CG86_INDTIPOCONT
+    FROM CG86_AZIENDECOLL AS L
+    WHERE L.CG86_INDTIPO = 0 AND L.CG86_ANNOIVA = @Anno AND L.CG86_DITTA_CG18 = @Principale
+      AND L.CG86_DITTACOLL_CG18 <> @Principale AND L.CG86_DITTACOLL_CG18 <> @Esclusa
+      AND NOT EXISTS (SELECT 1
+                      FROM CG86_AZIENDECOLL AS P
+                      WHERE P.CG86_INDTIPO = 0 AND P.CG86_ANNOIVA = @Anno
+                        AND P.CG86_DITTA_CG18 = @Principale
+                        AND P.CG86_DITTACOLL_CG18 = L.CG86_DITTACOLL_CG18
+                        AND P.CG86_IDATTIVITA < L.CG86_IDATTIVITA)
+      AND (@CodIntermedio IS NULL
+           OR EXISTS (SELECT 1
+                      FROM CG40_ANADITTAINTER
+                      WHERE CG40_DITTA_CG18 = L.CG86_DITTACOLL_CG18 AND CG40_TIPOCF = @TipoCF
+                        AND CG40_INTERMEDIO = @CodIntermedio))
+      AND (@CodSede IS NULL
+           OR EXISTS (SELECT 1
+                      FROM CG31_ANADITTASEDI
+                      WHERE CG31_DITTA_CG18 = L.CG86_DITTACOLL_CG18 AND CG31_CODICE = @CodSede))
     ORDER BY PRINCIPALE DESC, DITTA
 END
 GO

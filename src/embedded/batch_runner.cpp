@@ -349,9 +349,21 @@ void BatchRunner::bind(const Piece& piece) {
   }
 }
 
+namespace {
+
+/// Whether every value of `from` is one of `to` as it stands.
+bool isAlready(const Type& from, const Type& to) {
+  return from == to || (from.isInteger() && to.kind == TypeKind::BigInt);
+}
+
+}  // namespace
+
 void BatchRunner::bindSlot(sqlite3_stmt* statement, int position, const Slot& slot) {
   if (slot.source == SlotSource::Literal) {
     bindLiteral(statement, position, slot);
+  } else if (slot.source == SlotSource::Variable && !slot.negate &&
+             isAlready(plan_.variables.scalars[slot.index].type, slot.target)) {
+    bindValue(statement, position, variables_[slot.index]);  // a text is copied once, not twice
   } else {
     bindValue(statement, position, slotValue(slot));
   }
