@@ -150,11 +150,37 @@ std::vector<cursor::ProcedureParameter> EmbeddedConnection::parametersOf(const R
   return parameters;
 }
 
+namespace {
+
+/// The value as a whole number of the declared type. A command converts its values before it sends
+/// them, as every provider does: rounded, and what does not convert is no failure of the database.
+Variant asDeclared(const Variant& value, const Type& type) {
+  if (value.isEmpty() || value.isNull()) {
+    return value;
+  }
+  switch (type.kind) {
+    case TypeKind::TinyInt:
+    case TypeKind::SmallInt:
+      return value.toInt16();
+    case TypeKind::Int:
+      return value.toInt32();
+    case TypeKind::BigInt:
+      return value.toInt64();
+    default:
+      return value;
+  }
+}
+
+}  // namespace
+
 std::shared_ptr<Recordset> EmbeddedConnection::callProcedure(const Routine& routine,
                                                              std::vector<Variant>& values,
                                                              std::int64_t& recordsAffected,
                                                              int timeoutSeconds) {
   Engine& engine = this->engine();
+  for (std::size_t index = 0; index < values.size(); ++index) {
+    values[index] = asDeclared(values[index], routine.parameters[index].type);
+  }
   engine.setTimeout(timeoutSeconds);
   try {
     ExecutionResult result = recorded(routine.name, [&] { return engine.call(routine, values); });

@@ -97,6 +97,35 @@ TEST_P(Procedures, ANullInputArrivesAsNull) {
   EXPECT_TRUE(rows->fields().item("DITTA").value().isNull());
 }
 
+TEST_P(Procedures, AValueTakesTheDeclaredTypeBeforeItIsSent) {
+  const auto given = [&](const Variant& value) {
+    const auto call = command();
+    call->parameters().item(named("Codice")).setValue(value);
+    std::int64_t affected = 0;
+    const auto rows = call->execute(affected, CommandOption::StoredProcedure);
+    return rows->fields().item("DITTA").value().toInt64();
+  };
+  EXPECT_EQ(given(Decimal::parse("3.5").value()), 4);
+  EXPECT_EQ(given(Decimal::parse("2.5").value()), 2);
+  EXPECT_EQ(given(-2.7), -3);
+  EXPECT_EQ(given("12.0"), 12);
+  EXPECT_EQ(given("3.5"), 4);
+}
+
+TEST_P(Procedures, AValueThatCannotTakeTheDeclaredTypeIsNotSent) {
+  for (const Variant& value :
+       {Variant{"dodici"}, Variant{""}, Variant{std::int64_t{3'000'000'000}}}) {
+    const auto call = command();
+    call->parameters().item(named("Codice")).setValue(value);
+    std::int64_t affected = 0;
+    connection().errors().clear();
+    EXPECT_FALSE(
+        failureOf([&] { call->execute(affected, CommandOption::StoredProcedure); }).fromProvider())
+        << value.text();
+    EXPECT_EQ(connection().errors().count(), 0U);
+  }
+}
+
 TEST_P(Procedures, OneThatIsNotThereIsAnErrorOfTheProvider) {
   const auto call = command();
   call->setCommandText("P9_MANCANTE");
