@@ -32,18 +32,21 @@ struct Script {
   };
   std::vector<Step> steps;
 
-  explicit Script(const std::shared_ptr<Connection>& connection) {
+  /// Does the job twice, with the codes `first` and the one after it, which nobody else uses.
+  explicit Script(const std::shared_ptr<Connection>& connection,
+                  std::int64_t first = kFirstCode - 1) {
     const auto traced =
         std::make_shared<ConnessioneTracciata>(connection, [this](const TraceEntry& entry) {
           steps.push_back({entry, {}});
         });
     CLSCO_AZIENDECOLL service;
-    for (const std::int64_t code : {kFirstCode - 1, kFirstCode}) {
+    const std::int64_t last = first + 1;
+    for (const std::int64_t code : {first, last}) {
       steps.clear();  // the first number is inserted, later ones are updated
       addCustomer(*connection, code);
       spread(service, traced, code);
     }
-    const std::string code = std::to_string(kFirstCode);
+    const std::string code = std::to_string(last);
     for (Step& step : steps) {
       std::string_view rest = step.entry.sql;
       for (std::size_t at = rest.find(code); at != std::string_view::npos; at = rest.find(code)) {

@@ -113,7 +113,8 @@ int main(int argc, char** argv) {
   }
   registerAll({"sqlite", sqliteDatabase, processorTime});
   registerAll({"postgresql", postgresqlDatabase, wallTime});
-  if (!registerServerJob()) {
+  const bool server = registerServerJob();
+  if (!server) {
     std::printf(
         "skipped: the main job at 100 companies needs a server that speaks T-SQL"
         " (AZCOLL_TEST_CONNESSIONE)\n");
@@ -125,6 +126,11 @@ int main(int argc, char** argv) {
               "goal");
   for (const char* const database : {"sqlite", "postgresql", "server"}) {
     printRatios(times, database);
+  }
+  if (server) {
+    const RoundTrips trips = serverRoundTrips();
+    line("server: main job, round trips per linked company, component", trips.component, 1, "");
+    line("server: main job, round trips per linked company, bare ODBC", trips.bare, 1, "");
   }
   return times.failed() ? 1 : 0;
 }

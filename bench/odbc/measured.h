@@ -31,4 +31,12 @@ void registerStatements(const Measured& on);
 /// it.
 bool registerServerJob();
 
+/// Questions and answers between program and server in one main job, for each linked company.
+struct RoundTrips {
+  double component = 0;
+  double bare = 0;
+};
+/// Counts them on the server of AZCOLL_TEST_CONNESSIONE, which is there.
+[[nodiscard]] RoundTrips serverRoundTrips();
+
 }  // namespace azcoll::bench

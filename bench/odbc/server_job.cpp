@@ -3,12 +3,14 @@
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "bare_odbc.h"
 #include "bench_database.h"
+#include "counting_relay.h"
 #include "data/text.h"
 #include "job_script.h"
 #include "measured.h"
@@ -36,14 +38,22 @@ const std::string& serverDatabase() {
   return own.connectionString();
 }
 
-std::shared_ptr<Connection> openServer() {
-  return openOdbc({.connectionString = serverDatabase()});
+/// The first of `count` codes that no job of this run has had.
+std::int64_t takeCodes(int count) {
+  static std::int64_t next = kFirstCode;
+  next += count;
+  return next - count;
 }
 
-std::int64_t nextCode() {
-  static std::int64_t code = kFirstCode;
-  return ++code;
-}
+/// A connection that has done the job before, and its operations: what a session learns at first
+/// (parameters of a procedure, plans of the server) is not the job's.
+struct WarmJob {
+  explicit WarmJob(const std::string& database)
+      : connection{openOdbc({.connectionString = database})}, script{connection, takeCodes(2)} {}
+
+  std::shared_ptr<Connection> connection;
+  Script script;
+};
 
 /// A constant of T-SQL.
 std::string literal(const Variant& value) {
@@ -93,17 +103,56 @@ void runBareToEnd(const BareConnection& connection, const std::string& text) {
   } while (SQLMoreResults(statement.get()) == SQL_SUCCESS);
 }
 
+/// The operations of a job through bare calls.
+void replayBare(BareConnection& floor, const Script& script,
+                const std::vector<std::string>& texts) {
+  for (std::size_t at = 0; at < script.steps.size(); ++at) {
+    const TraceEntry& entry = script.steps[at].entry;
+    if (entry.operation == "Execute") {
+      runBareToEnd(floor, texts[at]);
+    } else if (entry.operation == "CommandExecute") {
+      runBareToEnd(floor, callText(entry));
+    } else if (entry.operation == "BeginTrans") {
+      floor.begin();
+    } else if (entry.operation == "CommitTrans") {
+      floor.commit();
+    }
+  }
+}
+
+/// The three ways to do the job, each on a connection that is warm. There is one of each in a run:
+/// the repetitions take turns on them.
+struct Ways {
+  explicit Ways(const std::string& database)
+      : component{database}, provider{database}, bare{database}, floor{database} {
+    for (int time = 0; time < 2; ++time) {
+      const std::int64_t code = takeCodes(1);
+      addCustomer(*bare.connection, code);
+      replayBare(floor, bare.script, bare.script.texts(code));
+    }
+  }
+
+  WarmJob component;
+  WarmJob provider;
+  WarmJob bare;  ///< its connection adds the customers and looks at the copies
+  BareConnection floor;
+};
+
+Ways& ways() {
+  static Ways all{serverDatabase()};
+  return all;
+}
+
 template <typename Job>
-void timeServerJobs(benchmark::State& state, const std::shared_ptr<Connection>& connection,
-                    const Job& job) {
+void timeServerJobs(benchmark::State& state, Connection& connection, const Job& job) {
   for (auto _ : state) {
-    const std::int64_t code = nextCode();
-    addCustomer(*connection, code);
+    const std::int64_t code = takeCodes(1);
+    addCustomer(connection, code);
     const auto work = job(code);
     const double start = wallTime();
     work();
     state.SetIterationTime(wallTime() - start);
-    if (companiesWith(*connection, code) != kLinked + 1) {
+    if (companiesWith(connection, code) != kLinked + 1) {
       state.SkipWithError("the copies are not all there");
       return;
     }
@@ -111,40 +160,24 @@ void timeServerJobs(benchmark::State& state, const std::shared_ptr<Connection>& 
 }
 
 void component(benchmark::State& state) {
-  const std::shared_ptr<Connection> connection = openServer();
-  CLSCO_AZIENDECOLL service;
-  timeServerJobs(state, connection, [&](std::int64_t code) {
+  static CLSCO_AZIENDECOLL service;
+  const std::shared_ptr<Connection>& connection = ways().component.connection;
+  timeServerJobs(state, *connection, [&](std::int64_t code) {
     return [&, code] { spread(service, connection, code); };
   });
 }
 
 void replayed(benchmark::State& state) {
-  const std::shared_ptr<Connection> connection = openServer();
-  const Script script{connection};
-  timeServerJobs(state, connection, [&](std::int64_t code) {
-    return [&, texts = script.texts(code)] { script.replay(connection, texts); };
+  const WarmJob& job = ways().provider;
+  timeServerJobs(state, *job.connection, [&](std::int64_t code) {
+    return [&, texts = job.script.texts(code)] { job.script.replay(job.connection, texts); };
   });
 }
 
 void bare(benchmark::State& state) {
-  const std::shared_ptr<Connection> connection = openServer();
-  const Script script{connection};
-  BareConnection floor{serverDatabase()};
-  timeServerJobs(state, connection, [&](std::int64_t code) {
-    return [&, texts = script.texts(code)] {
-      for (std::size_t at = 0; at < script.steps.size(); ++at) {
-        const TraceEntry& entry = script.steps[at].entry;
-        if (entry.operation == "Execute") {
-          runBareToEnd(floor, texts[at]);
-        } else if (entry.operation == "CommandExecute") {
-          runBareToEnd(floor, callText(entry));
-        } else if (entry.operation == "BeginTrans") {
-          floor.begin();
-        } else if (entry.operation == "CommitTrans") {
-          floor.commit();
-        }
-      }
-    };
+  const WarmJob& job = ways().bare;
+  timeServerJobs(state, *job.connection, [&](std::int64_t code) {
+    return [&, texts = job.script.texts(code)] { replayBare(ways().floor, job.script, texts); };
   });
 }
 
@@ -161,6 +194,27 @@ bool registerServerJob() {
     benchmark::RegisterBenchmark(name, job)->UseManualTime()->Unit(benchmark::kMillisecond);
   }
   return true;
+}
+
+RoundTrips serverRoundTrips() {
+  CountingRelay relay{serverDatabase()};
+  Ways through{relay.connectionString()};
+  const auto turnsOf = [&](const std::function<void(std::int64_t)>& job) {
+    const std::int64_t code = takeCodes(1);
+    addCustomer(*ways().bare.connection, code);
+    const std::int64_t before = relay.turns();
+    job(code);
+    return static_cast<double>(relay.turns() - before) / kLinked;
+  };
+  RoundTrips perCompany;
+  perCompany.component = turnsOf([&](std::int64_t code) {
+    CLSCO_AZIENDECOLL service;
+    spread(service, through.component.connection, code);
+  });
+  perCompany.bare = turnsOf([&](std::int64_t code) {
+    replayBare(through.floor, through.bare.script, through.bare.script.texts(code));
+  });
+  return perCompany;
 }
 
 }  // namespace azcoll::bench
