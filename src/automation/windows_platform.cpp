@@ -1,5 +1,8 @@
 #include "automation/windows_platform.h"
 
+#include <array>
+#include <cstddef>
+#include <string_view>
 #include <utility>
 
 #include "ado/automated.h"
@@ -42,18 +45,18 @@ class HostNumbering final : public NumerazioneDocumenti {
  public:
   explicit HostNumbering(ado::ComPtr<IDispatch> object) : host_{std::move(object)} {}
 
-  void ElaboraNumerazione() override {
-    host_.put(L"TipoDocumento", Variant{TipoDocumento});
-    host_.put(L"Ditta", Ditta);
-    host_.put(L"Modo", Variant{Modo});
-    host_.put(L"Sezione", Sezione);
-    host_.put(L"Anno", Variant{Anno});
-    host_.put(L"Data", Variant{Data});
-    host_.put(L"Codice", Codice);
-    host_.putRef(L"Connessione", ado::dispatchOf(Connessione));
-    host_.put(L"StringaConnessione", StringaConnessione);
-    host_.call(L"ElaboraNumerazione");
+  void imposta(Ingresso ingresso, const Variant& valore) override {
+    constexpr std::array<std::wstring_view, 9> kNames{
+        L"TipoDocumento", L"Ditta",  L"Modo",        L"Sezione",           L"Anno",
+        L"Data",          L"Codice", L"Connessione", L"StringaConnessione"};
+    const std::wstring_view name = kNames.at(static_cast<std::size_t>(ingresso));
+    if (ingresso == Ingresso::Connessione) {
+      host_.putRef(name, ado::dispatchOf(valore.object()));
+    } else {
+      host_.put(name, valore);
+    }
   }
+  void ElaboraNumerazione() override { host_.call(L"ElaboraNumerazione"); }
   [[nodiscard]] std::int32_t Stato() const override {
     return static_cast<std::int32_t>(host_.getNumber(L"Stato"));
   }

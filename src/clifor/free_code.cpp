@@ -103,15 +103,17 @@ void CLSCO_AZIENDECOLL::NumeraCliFor(const std::string& /*ditta*/,
     if (!numbering) {
       throw Error("Oggetto non impostato: numerazione dei documenti");
     }
-    numbering->TipoDocumento = in.Pint_TipoCF == Cliente ? kCustomerNumbering : kSupplierNumbering;
-    numbering->Ditta = company;
-    numbering->Modo = NumerazioneDocumenti::kRecordUsedNumber;
-    numbering->Sezione = "00";
-    numbering->Anno = 0;
-    numbering->Data = today;
-    numbering->Codice = codice;
-    numbering->Connessione = in.Connessione;
-    numbering->StringaConnessione = in.StringaConnessione;
+    using enum NumerazioneDocumenti::Ingresso;
+    numbering->imposta(TipoDocumento,
+                       in.Pint_TipoCF == Cliente ? kCustomerNumbering : kSupplierNumbering);
+    numbering->imposta(Ditta, company);
+    numbering->imposta(Modo, NumerazioneDocumenti::kRecordUsedNumber);
+    numbering->imposta(Sezione, "00");
+    numbering->imposta(Anno, std::int16_t{0});
+    numbering->imposta(Data, today);
+    numbering->imposta(Codice, codice);
+    numbering->imposta(Connessione, std::shared_ptr<Object>{in.Connessione});
+    numbering->imposta(StringaConnessione, in.StringaConnessione);
     numbering->ElaboraNumerazione();
     if (numbering->Stato() != 0) {
       Stato = kTrapped;

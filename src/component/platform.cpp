@@ -23,6 +23,38 @@ class DateOfCalendar final : public DateConverter {
 
 }  // namespace
 
+void NumerazioneDocumenti::imposta(Ingresso ingresso, const Variant& valore) {
+  switch (ingresso) {
+    case Ingresso::TipoDocumento:
+      TipoDocumento = valore.toInt16();
+      return;
+    case Ingresso::Ditta:
+      Ditta = valore;
+      return;
+    case Ingresso::Modo:
+      Modo = valore.toInt16();
+      return;
+    case Ingresso::Sezione:
+      Sezione = valore.text();
+      return;
+    case Ingresso::Anno:
+      Anno = valore.toInt16();
+      return;
+    case Ingresso::Data:
+      Data = valore.toDate();
+      return;
+    case Ingresso::Codice:
+      Codice = valore;
+      return;
+    case Ingresso::Connessione:
+      Connessione = std::dynamic_pointer_cast<Connection>(valore.object());
+      return;
+    case Ingresso::StringaConnessione:
+      StringaConnessione = valore.text();
+      return;
+  }
+}
+
 std::unique_ptr<DateConverter> Platform::newDateConverter() {
   return std::make_unique<DateOfCalendar>();
 }

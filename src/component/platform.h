@@ -30,7 +30,8 @@ class DateConverter {
 
 /// Records a document number that was used: the suite's document numbering.
 ///
-/// The nine inputs are set in this order, then `ElaboraNumerazione` is called and the status read.
+/// The nine inputs are handed over one by one in the order of `Ingresso`, then `ElaboraNumerazione`
+/// is called and the status read. Each number has an object of its own.
 class NumerazioneDocumenti {
  public:
   NumerazioneDocumenti() = default;
@@ -39,6 +40,22 @@ class NumerazioneDocumenti {
   NumerazioneDocumenti& operator=(const NumerazioneDocumenti&) = delete;
   NumerazioneDocumenti& operator=(NumerazioneDocumenti&&) = delete;
   virtual ~NumerazioneDocumenti() = default;
+
+  /// The inputs; the names are those of the suite's own numbering object.
+  enum class Ingresso : std::uint8_t {
+    TipoDocumento,
+    Ditta,
+    Modo,
+    Sezione,
+    Anno,
+    Data,
+    Codice,
+    Connessione,
+    StringaConnessione
+  };
+  /// Takes one input; the default keeps it in the field of its name. Throws `Error` when the value
+  /// is not of the field's kind.
+  virtual void imposta(Ingresso ingresso, const Variant& valore);
 
   /// `Modo`: a number that is in use already is recorded.
   static constexpr std::int16_t kRecordUsedNumber = 3;

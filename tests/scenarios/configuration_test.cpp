@@ -42,7 +42,9 @@ class User final : public Platform {
   [[nodiscard]] std::shared_ptr<NamedMembers> createObject(std::string_view /*progId*/) override {
     return std::make_shared<Screen>();
   }
-  void show(NamedMembers& screen, const std::shared_ptr<Object>& /*activeInterface*/) override {
+  void show(NamedMembers& screen, const std::shared_ptr<Object>& activeInterface) override {
+    EXPECT_NE(activeInterface, nullptr);
+    EXPECT_EQ(screen.get("ActiveInterface").object(), activeInterface);
     onShow(screen);
   }
 };

@@ -1,12 +1,9 @@
 // What schema/permessi.sql grants is what the statements need: no less and no more.
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -15,13 +12,10 @@
 #include <variant>
 #include <vector>
 
-#include "component/members.h"
-#include "component/service.h"
 #include "data/text.h"
-#include "embedded/embedded_connection.h"
+#include "statements/composed_statements.h"
 #include "statements/needed_rights.h"
 #include "statements/statement_file.h"
-#include "support/recording_connection.h"
 #include "support/test_database.h"
 #include "tsql/parser.h"
 
@@ -85,131 +79,18 @@ TEST(NeededRights, ReachIntoBranchesAndVariables) {
 
 // ---------------------------------------------------------------- what the component sends
 
-/// The texts that reached the database, one for each shape.
-class Recorder {
- public:
-  Recorder() {
-    std::shared_ptr<Connection> inner = embedded::newConnection();
-    inner->setConnectionString("Provider=embedded;Data Source=:memory:");
-    inner->open("", "", CommandOption::Unspecified);
-    test::fillExample(*inner);
-    connection_ = std::make_shared<test::RecordingConnection>(
-        std::move(inner), test::RecordingConnection::Listener{
-                              [this](std::string_view text) { take(text); },
-                              [this](std::string_view name) { addProcedureRight(rights_, name); }});
-  }
-
-  void take(std::string_view text) {
-    tsql::scanShape(text, shape_);
-    if (shape_.cacheable && !shapes_.insert(shape_.key).second) {
-      return;
-    }
-    try {
-      addNeededRights(rights_, text);
-    } catch (const tsql::SyntaxError&) {
-      // A value that breaks its statement (an apostrophe that is not doubled): no server runs it.
-      broken_.emplace_back(text);
-    }
-  }
-
-  [[nodiscard]] const std::shared_ptr<test::RecordingConnection>& connection() const {
-    return connection_;
-  }
-  [[nodiscard]] const Rights& rights() const { return rights_; }
-  [[nodiscard]] const std::vector<std::string>& broken() const { return broken_; }
-
- private:
-  std::shared_ptr<test::RecordingConnection> connection_;
-  Rights rights_;
-  std::set<std::string> shapes_;
-  std::vector<std::string> broken_;
-  tsql::Shape shape_;
-};
-
-using Setting = void (*)(CLSCO_INPUTAZCOLL&);
-
-/// What a caller may set beside company and year, one at a time.
-constexpr std::array<Setting, 15> kSettings{
-    [](CLSCO_INPUTAZCOLL&) {},
-    [](CLSCO_INPUTAZCOLL& in) { in.CodiceSede = 1; },
-    [](CLSCO_INPUTAZCOLL& in) { in.CodiceIntermedio = 1; },
-    [](CLSCO_INPUTAZCOLL& in) { in.CodiceAttività = 1001; },
-    [](CLSCO_INPUTAZCOLL& in) { in.CodiceAttività = 9999; },
-    [](CLSCO_INPUTAZCOLL& in) { in.IdAttività = 5; },
-    [](CLSCO_INPUTAZCOLL& in) { in.Sezionale = "01"; },
-    [](CLSCO_INPUTAZCOLL& in) { in.Pbol_AggiungiCampiDecodificheAttività = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.IndProvenienzaMultiAziende = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.SelezionaAttivitàSingolaAzienda = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.InserisciAttivitàDaPeriodoPrecedente = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.SelezionaSoloAnagraficheAttività = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.SelezionaAttivitàPrincipale = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.Pbol_ValorizzaRecordsetSezionali = true; },
-    [](CLSCO_INPUTAZCOLL& in) { in.MultiAziendaEscludiCollegate = true; },
-};
-
-struct CustomerOrSupplier {
-  EnumTipoCF kind;
-  int code;
-};
-constexpr std::array<CustomerOrSupplier, 7> kCustomersAndSuppliers{{{Cliente, 110},
-                                                                    {Cliente, 112},
-                                                                    {Cliente, 120},
-                                                                    {Cliente, 125},
-                                                                    {Cliente, 150},
-                                                                    {Fornitore, 205},
-                                                                    {Fornitore, 210}}};
-
-void call(Recorder& recorder, const MethodEntry& method, int company, int year, Setting setting,
-          const CustomerOrSupplier& one) {
-  CLSCO_AZIENDECOLL service;
-  CLSCO_INPUTAZCOLL& in = *service.CPInput;
-  in.Connessione = recorder.connection();
-  in.Pvar_Ditta = company;
-  in.AnnoSolare = year;
-  in.AnnoSolareDaDuplicare = year - 1;
-  in.Pint_TipoCF = one.kind;
-  in.Pvar_CliFor = one.code;
-  setting(in);
-  std::visit(
-      [&service](auto member) {
-        if constexpr (!std::is_same_v<decltype(member), std::monostate>) {
-          static_cast<void>((service.*member)());
-        }
-      },
-      method.member);
-  // A statement that a method hands out is the caller's to run, with the same rights.
-  const std::string handedOut = service.CPOutput->GstrSQL_AttivitaCollegate;
-  if (handedOut.starts_with("SELECT") || handedOut.starts_with("DELETE")) {
-    recorder.take(handedOut);
-  }
-}
-
-/// Every method for every company of the example, in several years, with every setting, for
-/// customers and suppliers in every state. Each method starts from the example anew.
 Rights rightsOfAllMethods() {
   Rights all;
-  for (const MethodEntry& method : kMethods) {
-    Recorder recorder;
-    for (const int company : {5, 10, 12, 15, 20, 30, 31, 40}) {
-      for (const int year : {2024, 2025, 2026}) {
-        call(recorder, method, company, year, kSettings.front(), {Cliente, 120});
-      }
-      for (const Setting setting : kSettings) {
-        call(recorder, method, company, 2025, setting, {Cliente, 110});
-      }
-    }
-    for (const int company : {5, 10}) {
-      for (const CustomerOrSupplier& one : kCustomersAndSuppliers) {
-        call(recorder, method, company, 2025, kSettings.front(), one);
-      }
-    }
-    for (const auto& [object, verbs] : recorder.rights()) {
-      all[object].insert(verbs.begin(), verbs.end());
-    }
-    for (const std::string& text : recorder.broken()) {
-      ADD_FAILURE() << method.name << ": " << text;
-    }
-  }
+  composeEverything({.statement =
+                         [&all](std::string_view method, std::string_view text) {
+                           try {
+                             addNeededRights(all, text);
+                           } catch (const tsql::SyntaxError&) {
+                             // A value that breaks its statement: no server runs it.
+                             ADD_FAILURE() << method << ": " << text;
+                           }
+                         },
+                     .procedure = [&all](std::string_view name) { addProcedureRight(all, name); }});
   return all;
 }
 

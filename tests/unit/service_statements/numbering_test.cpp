@@ -42,6 +42,15 @@ TEST_F(NumberingTest, HasANewObjectForEveryElementAndReleasesItBeforeTheNext) {
             (Lines{"new", "30", "released", "new", "40", "released", "new", "10", "released"}));
 }
 
+TEST_F(NumberingTest, GetsItsInputsInTheirOrder) {
+  using enum NumerazioneDocumenti::Ingresso;
+  group("10", {}, "");
+  service.DuplicaCliFor();
+  EXPECT_EQ(platform->inputs, (std::vector<NumerazioneDocumenti::Ingresso>{
+                                  TipoDocumento, Ditta, Modo, Sezione, Anno, Data, Codice,
+                                  Connessione, StringaConnessione}));
+}
+
 TEST_F(NumberingTest, GetsEachElementWithoutTheBlanksAroundIt) {
   group("10", {30, 40}, "  30 ,40,  50");
   service.DuplicaCliFor();

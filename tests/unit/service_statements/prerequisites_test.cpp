@@ -152,18 +152,6 @@ TEST_F(PrerequisitesTest, WithoutAMainCompanyNoAgentIsLookedFor) {
   EXPECT_NE(copies.front().find("N'I22', Null, 2, "), std::string::npos) << copies.front();
 }
 
-TEST_F(PrerequisitesTest, WithoutAnAgentNoneIsLookedFor) {
-  for (const Variant& none : {Variant{kNull}, Variant{""}}) {
-    connection->operations.clear();
-    master.set("CG44_IDAGENTE_MG17", none);
-    script();
-    service.DuplicaCliFor();
-    EXPECT_TRUE(lines(" SELECT     DST").empty());
-    expectSuccess();
-    connection->operations.clear();
-  }
-}
-
 TEST_F(PrerequisitesTest, OneMissingInTheSourceTooEndsTheCallWithoutARollback) {
   for (const std::string table : {"CG40_ANADITTAINTER", "CG31_ANADITTASEDI"}) {
     connection->operations.clear();

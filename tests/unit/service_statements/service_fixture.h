@@ -34,7 +34,8 @@ class ScriptedPlatform final : public Platform {
   std::shared_ptr<ScriptedConnection> connection = std::make_shared<ScriptedConnection>();
   std::vector<Numbering> numberings;
   std::vector<std::string> numberingLife;  ///< each object's "new", company and "released"
-  int todays = 0;                          ///< how often today was looked up
+  std::vector<NumerazioneDocumenti::Ingresso> inputs;  ///< of all objects, as they came
+  int todays = 0;                                      ///< how often today was looked up
   std::vector<std::pair<std::string, std::int32_t>> numberingStates;  ///< status by company, else 0
   Date now{.year = 2024, .month = 3, .day = 15};
 
@@ -59,6 +60,10 @@ class ScriptedPlatform final : public Platform {
     Recorder& operator=(const Recorder&) = delete;
     Recorder& operator=(Recorder&&) = delete;
     ~Recorder() override { platform_.numberingLife.emplace_back("released"); }
+    void imposta(Ingresso ingresso, const Variant& valore) override {
+      platform_.inputs.push_back(ingresso);
+      NumerazioneDocumenti::imposta(ingresso, valore);
+    }
     void ElaboraNumerazione() override {
       const std::string company = Ditta.text();
       platform_.numberingLife.push_back(company);

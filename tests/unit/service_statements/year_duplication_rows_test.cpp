@@ -208,6 +208,22 @@ TEST_F(YearDuplicationRows, EqualCodesArePairedInTheirOrder) {
   EXPECT_EQ(written, (std::map<std::int64_t, std::string>{{11, "5"}, {12, "6"}}));
 }
 
+TEST_F(YearDuplicationRows, WhenTheCopiedRowsCannotBeReadAgainTheCopyStays) {
+  configuration({{.id = 1, .indComLettInt = 1}, {.id = 11, .anno = 2024}});
+  connection->onOperation = [this](const Operation& operation) {
+    if (operation.sql.starts_with(" INSERT INTO CG86_AZIENDECOLL (")) {
+      connection->fail(" SELECT CASE WHEN CG86_AZIENDECOLL.CG86_CODATTIVITA", Failure::Provider,
+                       "guasto");
+    }
+  };
+  service.DuplicaAttività();
+  expectTrapped("guasto in RecordsetAttivitaCollegate");
+  EXPECT_EQ(count("CommitTrans"), 1U);
+  EXPECT_EQ(count("RollbackTrans"), 0U);
+  EXPECT_EQ(count("UpdateBatch"), 0U);
+  EXPECT_EQ(stepsLike(joined(countLines())).size(), 1U);
+}
+
 TEST_F(YearDuplicationRows, ARowChangedMeanwhileEndsTheCopy) {
   configuration({{.id = 1, .indComLettInt = 1}, {.id = 11, .anno = 2024}});
   connection->fail("UpdateBatch ", Failure::Provider, "guasto");

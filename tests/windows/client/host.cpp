@@ -65,7 +65,17 @@ LRESULT CALLBACK whenWindowsComeUp(int code, WPARAM window, LPARAM details) {
 
 // ---- objects created by ProgID
 
-/// A screen: any member may be set and read.
+/// The caller's framework object, behind which the one that a test means stands.
+class FrameworkObject final : public LateObject {
+ public:
+  explicit FrameworkObject(std::shared_ptr<Object> meant);
+  [[nodiscard]] const std::shared_ptr<Object>& meant() const { return meant_; }
+
+ private:
+  std::shared_ptr<Object> meant_;
+};
+
+/// A screen: any member may be set and read. The framework object comes by reference.
 class ScreenObject final : public LateObject {
  public:
   explicit ScreenObject(std::shared_ptr<NamedMembers> members)
@@ -78,7 +88,11 @@ class ScreenObject final : public LateObject {
                         if (!arguments.assigns()) {
                           return result(members_->get(member));
                         }
-                        members_->set(member, arguments.value(0));
+                        const auto* const framework = dynamic_cast<FrameworkObject*>(
+                            static_cast<LateObject*>(arguments.object(0)));
+                        EXPECT_EQ(arguments.byReference(), framework != nullptr) << member;
+                        members_->set(member, framework != nullptr ? Variant{framework->meant()}
+                                                                   : arguments.value(0));
                         return nothing();
                       }};
   }
@@ -87,67 +101,64 @@ class ScreenObject final : public LateObject {
   std::shared_ptr<NamedMembers> members_;
 };
 
-class FrameworkObject final : public LateObject {
- public:
-  explicit FrameworkObject(std::shared_ptr<Object> meant)
-      : LateObject{"Framework"}, meant_{std::move(meant)} {
-    setMembers({{L"Mostra", [this](const CallArguments& arguments) {
-                   auto* const screen =
-                       dynamic_cast<ScreenObject*>(static_cast<LateObject*>(arguments.object(0)));
-                   if (screen == nullptr || !current) {
-                     throw Error("nothing to be shown");
-                   }
-                   current->show(screen->members(), meant_);
-                   return nothing();
-                 }}});
-  }
+FrameworkObject::FrameworkObject(std::shared_ptr<Object> meant)
+    : LateObject{"Framework"}, meant_{std::move(meant)} {
+  setMembers({{L"Mostra", [this](const CallArguments& arguments) {
+                 auto* const screen =
+                     dynamic_cast<ScreenObject*>(static_cast<LateObject*>(arguments.object(0)));
+                 if (screen == nullptr || !current) {
+                   throw Error("nothing to be shown");
+                 }
+                 current->show(screen->members(), meant_);
+                 return nothing();
+               }}});
+}
 
- private:
-  std::shared_ptr<Object> meant_;
-};
-
+/// The suite's numbering object: takes its inputs once each, in their order.
 class NumberingObject final : public LateObject {
  public:
   explicit NumberingObject(std::unique_ptr<NumerazioneDocumenti> numbering)
       : LateObject{"Numbering"}, numbering_{std::move(numbering)} {
-    NumerazioneDocumenti& numbers = *numbering_;
-    setMembers({{L"TipoDocumento", takes(numbers.TipoDocumento)},
-                {L"Ditta", takes(numbers.Ditta)},
-                {L"Modo", takes(numbers.Modo)},
-                {L"Sezione", takes(numbers.Sezione)},
-                {L"Anno", takes(numbers.Anno)},
-                {L"Data", takes(numbers.Data)},
-                {L"Codice", takes(numbers.Codice)},
-                {L"Connessione",
-                 [&numbers](const CallArguments& arguments) {
-                   numbers.Connessione =
-                       ado::wrapConnection(ado::ComPtr<IDispatch>::share(arguments.object(0)));
-                   return nothing();
-                 }},
-                {L"StringaConnessione", takes(numbers.StringaConnessione)},
+    using enum NumerazioneDocumenti::Ingresso;
+    setMembers({{L"TipoDocumento", takes(TipoDocumento)},
+                {L"Ditta", takes(Ditta)},
+                {L"Modo", takes(Modo)},
+                {L"Sezione", takes(Sezione)},
+                {L"Anno", takes(Anno)},
+                {L"Data", takes(Data)},
+                {L"Codice", takes(Codice)},
+                {L"Connessione", takes(Connessione)},
+                {L"StringaConnessione", takes(StringaConnessione)},
                 {L"ElaboraNumerazione",
-                 [&numbers](const auto&) {
-                   numbers.ElaboraNumerazione();
+                 [this](const auto&) {
+                   EXPECT_EQ(taken_, kInputs);
+                   numbering_->ElaboraNumerazione();
                    return nothing();
                  }},
-                {L"Stato", [&numbers](const auto&) { return result(numbers.Stato()); }}});
+                {L"Stato", [this](const auto&) { return result(numbering_->Stato()); }}});
   }
 
  private:
-  static void read(const Variant& given, std::int16_t& into) { into = given.toInt16(); }
-  static void read(const Variant& given, std::string& into) { into = given.text(); }
-  static void read(const Variant& given, Variant& into) { into = given; }
-  static void read(const Variant& given, Date& into) { into = *given.get<Date>(); }
+  static constexpr int kInputs = 9;
 
-  template <typename Value>
-  static std::function<ado::ScopedVariant(const CallArguments&)> takes(Value& into) {
-    return [&into](const CallArguments& arguments) {
-      read(arguments.value(0), into);
+  std::function<ado::ScopedVariant(const CallArguments&)> takes(
+      NumerazioneDocumenti::Ingresso input) {
+    return [this, input](const CallArguments& arguments) {
+      EXPECT_EQ(static_cast<int>(input), taken_);
+      ++taken_;
+      if (input == NumerazioneDocumenti::Ingresso::Connessione) {
+        EXPECT_TRUE(arguments.byReference());
+        numbering_->imposta(input, std::shared_ptr<Object>{ado::wrapConnection(
+                                       ado::ComPtr<IDispatch>::share(arguments.object(0)))});
+      } else {
+        numbering_->imposta(input, arguments.value(0));
+      }
       return nothing();
     };
   }
 
   std::unique_ptr<NumerazioneDocumenti> numbering_;
+  int taken_ = 0;
 };
 
 IDispatch* newScreen(const char* progId) {
