@@ -75,6 +75,31 @@ inline const std::vector<std::string>& testTables() {
   return names;
 }
 
+namespace detail {
+
+// Routines and tables that a broken run did not reach are not there to be dropped.
+inline void dropIfThere(Connection& connection, const std::string& text) {
+  try {
+    std::int64_t affected = 0;
+    connection.execute(text, affected, CommandOption::Text);
+  } catch (const Error&) {
+    return;
+  }
+}
+
+}  // namespace detail
+
+/// Drops what `fillExample` makes, as far as it is there.
+inline void dropExample(Connection& connection) {
+  const std::vector<std::string>& tables = testTables();
+  detail::dropIfThere(connection, "DROP PROCEDURE PC_GetDitteCollegate");
+  detail::dropIfThere(connection, "DROP FUNCTION DBO.FNCG28_TABCODIVA");
+  for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
+    detail::dropIfThere(connection, "DROP TABLE " + *table);
+  }
+  connection.errors().clear();
+}
+
 /// Fills an empty database: tables, procedure and function.
 inline void fillSchema(Connection& connection) {
   runScript(connection, schemaPath("tabelle.sql"));

@@ -30,6 +30,8 @@ class ServerExample {
   /// must open connections of their own (`connect`), and leave through `_Exit`, as `ChildProcess`
   /// does.
   static ServerExample* find();
+  /// The connection string of the server under test; empty when there is none.
+  [[nodiscard]] static std::string server();
 
   ServerExample(const ServerExample&) = delete;
   ServerExample(ServerExample&&) = delete;
@@ -108,12 +110,14 @@ inline std::string listed(const std::vector<std::string>& names) {
 
 }  // namespace detail
 
+inline std::string ServerExample::server() {
+  const char* const server = std::getenv("AZCOLL_TEST_CONNESSIONE");
+  return server == nullptr ? std::string{} : std::string{server};
+}
+
 inline ServerExample* ServerExample::find() {
-  static const std::unique_ptr<ServerExample> only = [] {
-    const char* const server = std::getenv("AZCOLL_TEST_CONNESSIONE");
-    return std::unique_ptr<ServerExample>{
-        server == nullptr || *server == '\0' ? nullptr : new ServerExample{server}};
-  }();
+  static const std::unique_ptr<ServerExample> only{server().empty() ? nullptr
+                                                                    : new ServerExample{server()}};
   return only.get();
 }
 

@@ -8,7 +8,9 @@
 #ifdef AZCOLL_TEST_ADO
 #include "ado/connection.h"
 #endif
+#include "platform/provider_factory.h"
 #include "support/example_scripts.h"
+#include "support/server_database.h"
 #include "support/server_example.h"
 
 /// Databases for tests: the schema of `schema/` with its example data, on the embedded engine in
@@ -44,6 +46,21 @@ inline std::shared_ptr<Connection> openMemory() {
 }
 
 }  // namespace detail
+
+/// Connection string of a second database of this process's own on the server under test, with none
+/// of the company's tables and routines, for tests that make them by other ways; empty as above.
+inline std::string emptyServerDatabase() {
+  if (ServerExample::server().empty()) {
+    return {};
+  }
+  static const ServerDatabase own{ServerExample::server()};
+  const std::shared_ptr<Connection> connection = newConnectionFor(own.connectionString());
+  connection->setCommandTimeout(100);
+  connection->open("", "", CommandOption::Unspecified);
+  dropExample(*connection);
+  connection->close();
+  return own.connectionString();
+}
 
 /// An open connection to a fresh database with the tables, the procedure and the function, but
 /// without rows. On a server it is this process's own database, emptied first.

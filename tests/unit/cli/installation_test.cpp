@@ -307,11 +307,10 @@ TEST_F(CreaOnConnection, NeverShowsAPassword) {
 }
 
 TEST(CreaOnAServer, InstallsOnceAndIsFoundWhole) {
-  const std::string server = test::serverConnectionString();
+  const std::string server = test::emptyServerDatabase();
   if (server.empty()) {
     GTEST_SKIP() << "AZCOLL_TEST_CONNESSIONE names no server to install on";
   }
-  test::detail::openConnection()->close();  // leaves the tests' own database empty
   const Outcome first = azcoll("crea", "--connessione", server, "--esempio");
   ASSERT_EQ(first.code, ExitCode::Ok) << first.err;
   const Outcome second = azcoll("crea", "--connessione", server, "--esempio");

@@ -16,7 +16,6 @@ class ServerTest : public FolderTest {
     if (server_.empty()) {
       GTEST_SKIP() << "AZCOLL_TEST_CONNESSIONE names no server";
     }
-    test::detail::openConnection()->close();
   }
 
   /// Runs a statement as the owner of the database.
@@ -31,7 +30,7 @@ class ServerTest : public FolderTest {
     ASSERT_EQ(outcome.code, ExitCode::Ok) << outcome.err;
   }
 
-  std::string server_ = test::serverConnectionString();
+  std::string server_ = test::emptyServerDatabase();
 };
 
 }  // namespace azcoll::cli
