@@ -10,6 +10,7 @@
 
 #include "cursor/client_cursor.h"
 #include "data/connection.h"
+#include "support/inner_command.h"
 
 namespace azcoll::test {
 
@@ -55,7 +56,7 @@ class RecordingConnection final : public Connection,
   [[nodiscard]] Errors& errors() override { return inner_->errors(); }
   [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
   [[nodiscard]] std::shared_ptr<Command> newCommand() override {
-    return std::make_shared<RecordingCommand>(*this);
+    return std::make_shared<InnerCommand>(inner_, listener_.procedure);
   }
 
   ExecutionResult run(std::string_view text) override {
@@ -68,33 +69,6 @@ class RecordingConnection final : public Connection,
   }
 
  private:
-  class RecordingCommand final : public Command {
-   public:
-    explicit RecordingCommand(RecordingConnection& owner)
-        : owner_{owner}, inner_{owner.inner_->newCommand()} {}
-    void setActiveConnection(std::shared_ptr<Connection> connection) override {
-      inner_->setActiveConnection(connection ? owner_.inner_ : nullptr);
-    }
-    void setCommandText(std::string text) override {
-      text_ = text;
-      inner_->setCommandText(std::move(text));
-    }
-    void setCommandType(CommandOption type) override { inner_->setCommandType(type); }
-    void setCommandTimeout(int seconds) override { inner_->setCommandTimeout(seconds); }
-    void setPrepared(bool prepared) override { inner_->setPrepared(prepared); }
-    [[nodiscard]] Parameters& parameters() override { return inner_->parameters(); }
-    std::shared_ptr<Recordset> execute(std::int64_t& recordsAffected,
-                                       CommandOption options) override {
-      owner_.listener_.procedure(text_);
-      return inner_->execute(recordsAffected, options);
-    }
-
-   private:
-    RecordingConnection& owner_;
-    std::shared_ptr<Command> inner_;
-    std::string text_;
-  };
-
   std::shared_ptr<Connection> inner_;
   StatementRunner& runner_;
   Listener listener_;
