@@ -45,11 +45,19 @@ std::int64_t takeCodes(int count) {
   return next - count;
 }
 
+std::shared_ptr<Connection> openSession(const std::string& database) {
+  std::shared_ptr<Connection> connection = openOdbc({.connectionString = database});
+  // A server may find the name of a table variable no more once its session has checked a foreign
+  // key, unless it has seen one before.
+  run(*connection, "DECLARE @Prima TABLE (A INT NOT NULL) SELECT A FROM @Prima");
+  return connection;
+}
+
 /// A connection that has done the job before, and its operations: what a session learns at first
 /// (parameters of a procedure, plans of the server) is not the job's.
 struct WarmJob {
   explicit WarmJob(const std::string& database)
-      : connection{openOdbc({.connectionString = database})}, script{connection, takeCodes(2)} {}
+      : connection{openSession(database)}, script{connection, takeCodes(2)} {}
 
   std::shared_ptr<Connection> connection;
   Script script;
@@ -136,6 +144,7 @@ struct Ways {
   WarmJob provider;
   WarmJob bare;  ///< its connection adds the customers and looks at the copies
   BareConnection floor;
+  CLSCO_AZIENDECOLL service{};
 };
 
 Ways& ways() {
@@ -160,10 +169,9 @@ void timeServerJobs(benchmark::State& state, Connection& connection, const Job& 
 }
 
 void component(benchmark::State& state) {
-  static CLSCO_AZIENDECOLL service;
   const std::shared_ptr<Connection>& connection = ways().component.connection;
   timeServerJobs(state, *connection, [&](std::int64_t code) {
-    return [&, code] { spread(service, connection, code); };
+    return [&, code] { spread(ways().service, connection, code); };
   });
 }
 
@@ -207,10 +215,8 @@ RoundTrips serverRoundTrips() {
     return static_cast<double>(relay.turns() - before) / kLinked;
   };
   RoundTrips perCompany;
-  perCompany.component = turnsOf([&](std::int64_t code) {
-    CLSCO_AZIENDECOLL service;
-    spread(service, through.component.connection, code);
-  });
+  perCompany.component = turnsOf(
+      [&](std::int64_t code) { spread(through.service, through.component.connection, code); });
   perCompany.bare = turnsOf([&](std::int64_t code) {
     replayBare(through.floor, through.bare.script, through.bare.script.texts(code));
   });
