@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <vector>
 
 #include "data/connection.h"
 #include "data/error.h"
@@ -30,6 +31,22 @@ inline std::string keyOf(std::string_view pair) {
   return key;
 }
 
+/// The pairs of a connection string, without the empty ones.
+inline std::vector<std::string_view> pairsOf(std::string_view text) {
+  std::vector<std::string_view> pairs;
+  while (!text.empty()) {
+    std::size_t end = 0;  // of this pair: a semicolon that stands in no braces
+    for (bool inBraces = false; end < text.size() && (inBraces || text[end] != ';'); ++end) {
+      inBraces = text[end] == '{' || (inBraces && text[end] != '}');
+    }
+    if (end > 0) {
+      pairs.push_back(text.substr(0, end));
+    }
+    text.remove_prefix(end < text.size() ? end + 1 : end);
+  }
+  return pairs;
+}
+
 /// A name that no other test process gives to what it makes on a server.
 inline std::string ownName() {
   std::random_device random;
@@ -46,19 +63,25 @@ inline std::string ownName() {
 inline std::string withKey(std::string_view text, std::string_view key, std::string_view value,
                            std::initializer_list<std::string_view> otherNames) {
   std::string result;
-  while (!text.empty()) {
-    std::size_t end = 0;  // of this pair: a semicolon that stands in no braces
-    for (bool inBraces = false; end < text.size() && (inBraces || text[end] != ';'); ++end) {
-      inBraces = text[end] == '{' || (inBraces && text[end] != '}');
-    }
-    const std::string_view pair = text.substr(0, end);
-    if (!pair.empty() &&
-        std::find(otherNames.begin(), otherNames.end(), detail::keyOf(pair)) == otherNames.end()) {
+  for (const std::string_view pair : detail::pairsOf(text)) {
+    if (std::find(otherNames.begin(), otherNames.end(), detail::keyOf(pair)) == otherNames.end()) {
       result += std::string{pair} + ";";
     }
-    text.remove_prefix(end < text.size() ? end + 1 : end);
   }
   return result + std::string{key} + "=" + std::string{value} + ";";
+}
+
+/// The value that a connection string gives under one of `names`, in small letters; empty when it
+/// gives none.
+inline std::string valueOf(std::string_view text, std::initializer_list<std::string_view> names) {
+  for (const std::string_view pair : detail::pairsOf(text)) {
+    const std::size_t sign = pair.find('=');
+    if (sign != std::string_view::npos &&
+        std::find(names.begin(), names.end(), detail::keyOf(pair)) != names.end()) {
+      return std::string{pair.substr(sign + 1)};
+    }
+  }
+  return {};
 }
 
 /// The connection string with another database in it.
