@@ -4,7 +4,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,7 +11,7 @@
 #include "component/service.h"
 #include "data/tracing.h"
 #include "faults/relay.h"
-#include "faults/server_example.h"
+#include "support/server_example.h"
 #include "platform/provider_factory.h"
 
 namespace azcoll::test {
@@ -73,9 +72,9 @@ class CutConnection : public ::testing::Test {
     }
   }
 
-  /// The call over a new connection through the relay, which is told by `watch` what to do; then the
-  /// database, once no other connection holds a lock on it. With `seconds`, no statement may take
-  /// longer.
+  /// The call over a new connection through the relay, which is told by `watch` what to do; then
+  /// the database, once no other connection holds a lock on it. With `seconds`, no statement may
+  /// take longer.
   Result call(const std::function<void()>& watch, int seconds = 0) {
     Result result;
     {
@@ -85,8 +84,8 @@ class CutConnection : public ::testing::Test {
       connection->setCommandTimeout(seconds);
       watch();
       CLSCO_AZIENDECOLL service;
-      service.CPInput->Connessione = std::make_shared<ConnessioneTracciata>(
-          connection, [&](const TraceEntry& entry) {
+      service.CPInput->Connessione =
+          std::make_shared<ConnessioneTracciata>(connection, [&](const TraceEntry& entry) {
             result.steps.push_back({entry.operation, relay_->packets(Direction::ToServer),
                                     relay_->packets(Direction::ToClient)});
           });
@@ -153,8 +152,8 @@ class CutConnection : public ::testing::Test {
       return nth == 1 ? Expected{.stato = 99, .before = true, .after = true}
                       : Expected{.stato = 0, .before = false, .after = true};
     }
-    const bool answered = trouble == Trouble::CutAfter ? number > earlier.toClient
-                                                       : number > earlier.toClient + 1;
+    const bool answered =
+        trouble == Trouble::CutAfter ? number > earlier.toClient : number > earlier.toClient + 1;
     const bool reached = trouble == Trouble::CutInside || answered;
     return {.stato = answered ? 0 : 99, .before = !reached, .after = reached};
   }
@@ -164,16 +163,16 @@ class CutConnection : public ::testing::Test {
     const Expected expected = promised(direction, number, trouble);
     const std::size_t broken = brokenAt(direction, number, trouble);
     const std::string where =
-        join(nameOf(trouble), " packet ", static_cast<std::int64_t>(number), " ",
-             nameOf(direction), ", ",
-             broken < whole_.steps.size() ? whole_.steps[broken].operation : "the end");
+        join(nameOf(trouble), " packet ", static_cast<std::int64_t>(number), " ", nameOf(direction),
+             ", ", broken < whole_.steps.size() ? whole_.steps[broken].operation : "the end");
     EXPECT_EQ(found.stato, Variant{static_cast<std::int16_t>(expected.stato)})
         << where << ": " << found.errore.text();
     if (expected.stato == 0) {
       EXPECT_TRUE(found.errore.isEmpty()) << where << ": " << found.errore.text();
     } else {
       const std::string text = found.errore.text();
-      EXPECT_TRUE(text.ends_with(kFixedEnd) && text.size() > kFixedEnd.size()) << where << ": " << text;
+      EXPECT_TRUE(text.ends_with(kFixedEnd) && text.size() > kFixedEnd.size())
+          << where << ": " << text;
     }
     const bool asBefore = found.database == before_;
     EXPECT_TRUE(asBefore || found.database == whole_.database) << where << ": between";
@@ -185,15 +184,14 @@ class CutConnection : public ::testing::Test {
   void expectPromisedEverywhere(Direction direction, Trouble trouble) {
     const Step& last = whole_.steps.back();
     const std::size_t packets = direction == Direction::ToServer ? last.toServer : last.toClient;
-    if (std::getenv("SHOW") != nullptr) for (auto& s : whole_.steps) std::cout << s.operation << " " << s.toServer << " " << s.toClient << "\n";
     ASSERT_GT(packets, whole_.steps.size() / 2);
     for (std::size_t number = 1; number <= packets; ++number) {
       const Result found = call([&] { relay_->watch(direction, number, trouble); });
       EXPECT_TRUE(relay_->troubled()) << number;
       expectPromised(direction, number, trouble, found);
     }
-    std::cout << packets << " connections " << nameOf(trouble) << " a packet "
-              << nameOf(direction) << "\n";
+    std::cout << packets << " connections " << nameOf(trouble) << " a packet " << nameOf(direction)
+              << "\n";
   }
 
   ServerExample* example_ = nullptr;
@@ -220,8 +218,7 @@ TEST_F(CutConnection, ASlowOneChangesNothing) {
   for (const Direction direction : {Direction::ToServer, Direction::ToClient}) {
     const Result found = call([&] {
       const Step& middle = whole_.steps[commit_ / 2];
-      relay_->watch(direction,
-                    direction == Direction::ToServer ? middle.toServer : middle.toClient,
+      relay_->watch(direction, direction == Direction::ToServer ? middle.toServer : middle.toClient,
                     Trouble::Delay, kDelay);
     });
     EXPECT_TRUE(relay_->troubled());

@@ -12,16 +12,14 @@
 #include <thread>
 
 #include "component/service.h"
-#include "data/tracing.h"
+#include "faults/killed_call.h"
 #include "support/child_process.h"
 #include "support/database_file.h"
-#include "support/method.h"
 
 namespace azcoll::test {
 namespace {
 
 constexpr int kKillsAtRandom = 300;
-const std::set<std::string> kGroup{"5", "10", "12", "15"};
 
 class Kill : public ::testing::Test {
  protected:
@@ -29,23 +27,7 @@ class Kill : public ::testing::Test {
     folder = std::make_unique<ScratchFolder>();
     const std::string path = folder->file("example.db");
     makeExampleFile(path);
-    // A customer that the whole group has, with an intermediary in company 5 alone.
-    const std::shared_ptr<Connection> connection = openFile(path);
-    for (const std::string& company : kGroup) {
-      runSql(*connection,
-             join("INSERT INTO CG44_CLIFOR (CG44_DITTA_CG18, CG44_TIPOCF, CG44_CLIFOR, "
-                  "CG44_CODICE_CG16, CG44_TIPOCF_CG40, CG44_INTERMEDIO_CG40, CG44_FLGATTIVO) "
-                  "VALUES (",
-                  company, ", 0, 777, 3005, 0, Null, 1)"));
-      runSql(*connection,
-             join("IF NOT EXISTS (SELECT 1 FROM CG40_ANADITTAINTER WHERE CG40_DITTA_CG18 = ",
-                  company, " AND CG40_TIPOCF = 0 AND CG40_INTERMEDIO = 1) INSERT INTO ",
-                  "CG40_ANADITTAINTER (CG40_DITTA_CG18, CG40_TIPOCF, CG40_INTERMEDIO) VALUES (",
-                  company, ", 0, 1)"));
-    }
-    runSql(*connection,
-           "UPDATE CG44_CLIFOR SET CG44_INTERMEDIO_CG40 = 1 WHERE CG44_DITTA_CG18 = 5 AND "
-           "CG44_CLIFOR = 777");
+    runSql(*openFile(path), customerOfTheWholeGroup());
   }
   static void TearDownTestSuite() { folder.reset(); }
 
@@ -65,43 +47,17 @@ class Kill : public ::testing::Test {
 };
 std::unique_ptr<ScratchFolder> Kill::folder;
 
-Variant call(Method method, const std::shared_ptr<Connection>& connection, int company, int code) {
-  CLSCO_AZIENDECOLL service;
-  service.CPInput->Connessione = connection;
-  service.CPInput->AnnoSolare = 2025;
-  service.CPInput->Pvar_Ditta = company;
-  service.CPInput->Pint_TipoCF = Cliente;
-  service.CPInput->Pvar_CliFor = code;
-  (service.*method)();
-  return service.Stato;
-}
-
 Variant duplicate(const std::shared_ptr<Connection>& connection, int company, int code) {
-  return call(&CLSCO_AZIENDECOLL::DuplicaCliFor, connection, company, code);
+  return callOn(connection, &CLSCO_AZIENDECOLL::DuplicaCliFor, company, code);
 }
-
-/// Operations of the whole job on a customer of the example.
-std::vector<std::string> operationsOf(const std::string& path, Method method, int code) {
-  std::vector<std::string> names;
-  const auto connection = std::make_shared<ConnessioneTracciata>(
-      openFile(path), [&](const TraceEntry& entry) { names.push_back(entry.operation); });
-  EXPECT_EQ(call(method, connection, 5, code), Variant{std::int16_t{0}});
-  return names;
-}
-
-struct Job {
-  const char* name;
-  Method method;
-  int code;
-};
 
 class KillAtEveryStep : public Kill, public ::testing::WithParamInterface<Job> {};
 
 TEST_P(KillAtEveryStep, LeavesAllOrNothing) {
-  const auto [name, method, code] = GetParam();
   const Lines before = picture(folder->file("example.db"));
   const std::string whole = copy();
-  const std::vector<std::string> operations = operationsOf(whole, method, code);
+  const std::vector<std::string> operations = operationsOf(openFile(whole), GetParam());
+  ASSERT_FALSE(operations.empty());
   const Lines after = picture(whole);
   ASSERT_NE(before, after);
 
@@ -109,31 +65,7 @@ TEST_P(KillAtEveryStep, LeavesAllOrNothing) {
   for (std::size_t step = 0; step < operations.size(); ++step) {
     for (const bool done : {false, true}) {
       const std::string path = copy();
-      ChildProcess process{[&] {
-        std::size_t count = 0;
-        const auto die = [&](const TraceEntry& /*entry*/) {
-          if (count == step) {
-            ::raise(SIGKILL);
-          }
-        };
-        const auto connection = std::make_shared<ConnessioneTracciata>(
-            openFile(path), TraceHooks{.after =
-                                           [&](const TraceEntry& entry) {
-                                             if (done) {
-                                               die(entry);
-                                             }
-                                             ++count;
-                                           },
-                                       .before =
-                                           [&](const TraceEntry& entry) {
-                                             if (!done) {
-                                               die(entry);
-                                             }
-                                           }});
-        call(GetParam().method, connection, 5, GetParam().code);
-        return 0;
-      }};
-      ASSERT_EQ(process.wait(), -SIGKILL) << step;
+      ASSERT_EQ(killedAt([&] { return openFile(path); }, GetParam(), step, done), -SIGKILL) << step;
       committed = committed || (done && operations[step] == "CommitTrans");
       const std::string where = join(done ? "after" : "before", " operation ",
                                      static_cast<std::int64_t>(step), ", ", operations[step]);

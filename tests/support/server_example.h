@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "data/connection.h"
@@ -49,10 +49,11 @@ class ServerExample {
   void restore(const std::string& prepare = "");
   /// Takes every row away.
   void empty();
-  /// The next identities are those that follow the largest ones there, in tables that have some.
+  /// The next identities are those that follow the largest ones that `restore` made.
   void resetIdentities();
 
-  /// Every row of the database.
+  /// Every row of the database. An identity that was given after `restore` shows as `new`: in which
+  /// order the rows of one statement get theirs is the server's affair.
   [[nodiscard]] Lines picture();
 
   /// Writes every row of the database at once, and undoes it. Returns when no other connection
@@ -65,7 +66,16 @@ class ServerExample {
   [[nodiscard]] Lines rows(const std::string& text);
 
  private:
+  /// A table with an identity.
+  struct Identity {
+    std::string table;
+    std::string column;
+    std::size_t position = 0;  ///< of the column among the table's
+    std::int64_t largest = 0;  ///< of the rows that `restore` made
+  };
+
   explicit ServerExample(std::string server);
+  void markNewIdentities(const std::string& table, Lines& lines) const;
   void copyTables();
 
   ServerDatabase database_;
@@ -74,8 +84,7 @@ class ServerExample {
   std::string restore_;  ///< the batch that empties and refills
   std::string touch_;    ///< the batch that writes every row
   std::string read_;     ///< the batch that reads every row
-  /// Tables with an identity, and the question for the largest one.
-  std::vector<std::pair<std::string, std::string>> identities_;
+  std::vector<Identity> identities_;
 };
 
 namespace detail {
@@ -156,7 +165,10 @@ inline void ServerExample::copyTables() {
     if (const auto found = identityOf.find(detail::lower(table)); found != identityOf.end()) {
       fill += join("SET IDENTITY_INSERT ", table, " ON ", refill, "SET IDENTITY_INSERT ", table,
                    " OFF ");
-      identities_.emplace_back(table, join("SELECT MAX(", found->second, ") AS N FROM ", table));
+      const auto column = std::ranges::find(columns, detail::lower(found->second), detail::lower);
+      identities_.push_back({.table = table,
+                             .column = found->second,
+                             .position = static_cast<std::size_t>(column - columns.begin())});
     } else {
       fill += refill;
     }
@@ -169,22 +181,37 @@ inline void ServerExample::copyTables() {
 
 inline void ServerExample::restore(const std::string& prepare) {
   run(restore_);
+  for (Identity& each : identities_) {
+    const Lines found = rows(join("SELECT MAX(", each.column, ") AS N FROM ", each.table));
+    each.largest = std::stoll(found.at(0));
+  }
   resetIdentities();
   if (!prepare.empty()) {
     run(prepare);
   }
 }
 
-inline void ServerExample::empty() {
-  run(empty_);
-  resetIdentities();
-}
+inline void ServerExample::empty() { run(empty_); }
 
 inline void ServerExample::resetIdentities() {
-  for (const auto& [table, largest] : identities_) {
-    const std::string last = rows(largest).at(0);
-    if (last != "NULL") {
-      run(join("DBCC CHECKIDENT ('", table, "', RESEED, ", last, ")"));
+  for (const Identity& each : identities_) {
+    run(join("DBCC CHECKIDENT ('", each.table, "', RESEED, ", each.largest, ")"));
+  }
+}
+
+inline void ServerExample::markNewIdentities(const std::string& table, Lines& lines) const {
+  const auto found = std::ranges::find(identities_, table, &Identity::table);
+  if (found == identities_.end()) {
+    return;
+  }
+  for (std::string& line : lines) {
+    std::size_t start = 0;
+    for (std::size_t column = 0; column < found->position; ++column) {
+      start = line.find('|', start) + 1;
+    }
+    const std::size_t length = line.find('|', start) - start;
+    if (std::stoll(line.substr(start, length)) > found->largest) {
+      line.replace(start, length, "new");
     }
   }
 }
@@ -194,7 +221,9 @@ inline Lines ServerExample::picture() {
   std::shared_ptr<Recordset> found = own_->execute(read_, affected, CommandOption::Text);
   Lines all;
   for (const std::string& table : testTables()) {
-    for (const std::string& line : linesOf(*found)) {
+    Lines lines = linesOf(*found);
+    markNewIdentities(table, lines);
+    for (const std::string& line : lines) {
       all.push_back(join(table, "|", line));
     }
     found = found->nextRecordset();
