@@ -173,7 +173,11 @@ FaultScenario duplicationOfLinks() {
     of(10, 2025, 0, &CLSCO_AZIENDECOLL::DuplicaAttività)(service);
   });
   // Without a financial year a regime that cannot be read has nothing seeded.
-  scenario.prepare = "DELETE FROM CG19_ANADITTAESER WHERE CG19_DITTA_CG18 = 10";
+  // Only one link is without an activity: which of several becomes the main one is open.
+  scenario.prepare =
+      "DELETE FROM CG19_ANADITTAESER WHERE CG19_DITTA_CG18 = 10 UPDATE CG86_AZIENDECOLL SET "
+      "CG86_CODATTIVITA = 1501 WHERE CG86_INDTIPO = 0 AND CG86_ANNOIVA = 2024 AND CG86_DITTA_CG18 "
+      "= 10 AND CG86_DITTACOLL_CG18 = 15";
   scenario.documented = [inCompany = duplication().documented](
                             const Fault& fault,
                             const Reference& reference) -> std::optional<Outcome> {

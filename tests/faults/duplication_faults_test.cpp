@@ -113,6 +113,7 @@ std::optional<Outcome> whenTheGroupIsNotKnown(const Case& each, const Fault& fau
     std::ranges::replace_if(
         result.database, [&](const std::string& line) { return line.starts_with(numbering); },
         numbering + "700");
+    result.endWhenUndone = kSuffix;  // the code is looked for in an empty list of companies
   } else {
     // Without the list of the linked companies, the main company is all there is.
     result.database = databaseWithout(reference, [&](const std::string& line) {

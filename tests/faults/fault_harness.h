@@ -25,6 +25,9 @@ struct Outcome {
   /// How `errore` ends when the words before it are the database's own, which are compared on the
   /// embedded engine alone; empty when all of it is fixed.
   std::string_view fixedEnd{};
+  /// The call goes on over a statement that is no valid T-SQL then. A server that undoes the whole
+  /// transaction for it takes nothing more: the call is undone as `refused` says, with this end.
+  std::string_view endWhenUndone{};
 };
 
 /// The call without a fault, to be compared with.

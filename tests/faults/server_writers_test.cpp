@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "faults/saved_customers.h"
-#include "faults/server_example.h"
+#include "support/server_example.h"
 #include "support/child_process.h"
 
 namespace azcoll::test {
