@@ -45,19 +45,11 @@ std::int64_t takeCodes(int count) {
   return next - count;
 }
 
-std::shared_ptr<Connection> openSession(const std::string& database) {
-  std::shared_ptr<Connection> connection = openOdbc({.connectionString = database});
-  // A server may find the name of a table variable no more once its session has checked a foreign
-  // key, unless it has seen one before.
-  run(*connection, "DECLARE @Prima TABLE (A INT NOT NULL) SELECT A FROM @Prima");
-  return connection;
-}
-
 /// A connection that has done the job before, and its operations: what a session learns at first
 /// (parameters of a procedure, plans of the server) is not the job's.
 struct WarmJob {
   explicit WarmJob(const std::string& database)
-      : connection{openSession(database)}, script{connection, takeCodes(2)} {}
+      : connection{openOdbc({.connectionString = database})}, script{connection, takeCodes(2)} {}
 
   std::shared_ptr<Connection> connection;
   Script script;

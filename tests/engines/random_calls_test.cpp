@@ -39,7 +39,7 @@ std::shared_ptr<Connection> openEmbedded() {
 }
 
 std::shared_ptr<Connection> openServer() {
-  openExample();  // by a session of its own: see `Engine`
+  openExample();  // the schema, by a session of its own
   const std::shared_ptr<Connection> connection = newConnectionFor(serverConnectionString());
   connection->setCommandTimeout(100);
   connection->setCursorLocation(CursorLocation::Client);
