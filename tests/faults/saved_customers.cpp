@@ -63,19 +63,20 @@ std::string groupOfEight() {
   return sql;
 }
 
-Saved saveNewCustomers(const std::shared_ptr<Connection>& connection, int company, int count) {
+Saved saveNewCustomers(const std::function<std::shared_ptr<Connection>()>& open, int company,
+                       int count) {
   Saved saved;
+  const std::shared_ptr<Connection> front = open();
   std::optional<ErrorInfo> failure;
-  const auto traced =
-      std::make_shared<ConnessioneTracciata>(connection, [&](const TraceEntry& entry) {
-        if (entry.error && !failure) {
-          failure = entry.error;
-        }
-      });
+  const auto traced = std::make_shared<ConnessioneTracciata>(open(), [&](const TraceEntry& entry) {
+    if (entry.error && !failure) {
+      failure = entry.error;
+    }
+  });
   for (int number = 0; number < count; ++number) {
     std::string code;
     while (code.empty()) {
-      code = save(*connection, company, kFirstEntry + kEntriesEach * company + number);
+      code = save(*front, company, kFirstEntry + kEntriesEach * company + number);
     }
     failure.reset();
     CLSCO_AZIENDECOLL service;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -26,8 +27,11 @@ struct Saved {
 
 /// Saves `count` customers in one company, each under the next code of that company, and spreads
 /// each. A code that another writer took meanwhile is followed by the next one; a call that is
-/// refused is not repeated.
-Saved saveNewCustomers(const std::shared_ptr<Connection>& connection, int company, int count);
+/// refused is not repeated. The customers are saved on one connection of `open` and spread on
+/// another: some servers lose the way to a table variable in a session that has checked a foreign
+/// key before.
+Saved saveNewCustomers(const std::function<std::shared_ptr<Connection>()>& open, int company,
+                       int count);
 
 /// The customers of `saveNewCustomers` that are there, by the entry that each has in the registry.
 struct FoundCustomer {

@@ -39,9 +39,12 @@ class ServerWriters : public ::testing::Test {
       // The last company first, so that with few writers the main company is not among them.
       const int company = kFirstCompany + kCompanies - 1 - i;
       processes.emplace_back([this, company, customers, more] {
-        const std::shared_ptr<Connection> connection = example_->connect(more);
-        connection->setCommandTimeout(kPatienceSeconds);
-        const Saved saved = saveNewCustomers(connection, company, customers);
+        const auto open = [&] {
+          std::shared_ptr<Connection> connection = example_->connect(more);
+          connection->setCommandTimeout(kPatienceSeconds);
+          return connection;
+        };
+        const Saved saved = saveNewCustomers(open, company, customers);
         std::cerr << saved.otherwise;
         return saved.otherwise.empty() ? saved.refused : kOtherFailure;
       });

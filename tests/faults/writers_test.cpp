@@ -31,7 +31,8 @@ TEST_P(Writers, NeverShareACodeBetweenCustomers) {
       // The last company first, so that with few writers the main company is not among them.
       const int company = kFirstCompany + kCompanies - 1 - i;
       processes.emplace_back([&path, company] {
-        const Saved saved = saveNewCustomers(openFile(path, "Timeout=60"), company, kCustomersEach);
+        const Saved saved =
+            saveNewCustomers([&] { return openFile(path, "Timeout=60"); }, company, kCustomersEach);
         std::cerr << saved.otherwise;
         return saved.otherwise.empty() ? saved.refused : kFailedOtherwise;
       });
