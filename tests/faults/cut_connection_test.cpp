@@ -73,21 +73,23 @@ class CutConnection : public ::testing::Test {
   }
 
   /// The call over a new connection through the relay, which is told by `watch` what to do; then
-  /// the database, once no other connection holds a lock on it. With `seconds`, no statement may
-  /// take longer.
+  /// the database, once no other connection holds a lock on it. With `seconds`, no statement of
+  /// the transaction may take longer.
   Result call(const std::function<void()>& watch, int seconds = 0) {
     Result result;
     {
       const std::shared_ptr<Connection> connection =
           newConnectionFor(throughPort(example_->connectionString(), relay_->port()));
       connection->open("", "", CommandOption::Unspecified);
-      connection->setCommandTimeout(seconds);
       watch();
       CLSCO_AZIENDECOLL service;
       service.CPInput->Connessione =
           std::make_shared<ConnessioneTracciata>(connection, [&](const TraceEntry& entry) {
             result.steps.push_back({entry.operation, relay_->packets(Direction::ToServer),
                                     relay_->packets(Direction::ToClient)});
+            if (entry.operation == "BeginTrans") {
+              connection->setCommandTimeout(seconds);  // the questions before are slow at first
+            }
           });
       service.CPInput->AnnoSolare = 2025;
       service.CPInput->Pvar_Ditta = 5;
@@ -211,6 +213,25 @@ TEST_F(CutConnection, AfterAnyAnswerLeavesAllOrNothing) {
 
 TEST_F(CutConnection, InsideAnyAnswerLeavesAllOrNothing) {
   expectPromisedEverywhere(Direction::ToClient, Trouble::CutInside);
+}
+
+TEST_F(CutConnection, AHeldOneEndsWithTheTimeOutAndAllIsUndone) {
+  constexpr int kSeconds = 3;
+  const std::size_t statement = (indexOf("BeginTrans") + commit_) / 2;
+  ASSERT_EQ(whole_.steps[statement].operation, "Execute");
+  for (const Direction direction : {Direction::ToServer, Direction::ToClient}) {
+    const Step& step = whole_.steps[statement];
+    const Result found = call(
+        [&] {
+          relay_->watch(direction, direction == Direction::ToServer ? step.toServer : step.toClient,
+                        Trouble::Hold);
+        },
+        kSeconds);
+    EXPECT_TRUE(relay_->troubled());
+    EXPECT_EQ(found.stato, Variant{std::int16_t{99}});
+    EXPECT_TRUE(found.errore.text().ends_with(kFixedEnd)) << found.errore.text();
+    EXPECT_EQ(found.database, before_) << nameOf(direction);
+  }
 }
 
 TEST_F(CutConnection, ASlowOneChangesNothing) {
