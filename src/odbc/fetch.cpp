@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "odbc/diagnostics.h"
 #include "odbc/pieces.h"
@@ -53,6 +55,27 @@ std::size_t widthOf(const Column& column) {
   }
 }
 
+/// Whether a fetch brought rows. Throws `DriverFailure` for a failure, and for one that the driver
+/// tells beside the rows in front of it: FreeTDS gives the part of a block that came before the
+/// statement failed as a success with information, and the end of the rows next.
+bool fetchRows(const Handle& statement) {
+  const SQLRETURN result = SQLFetch(statement.get());
+  if (result == SQL_NO_DATA) {
+    return false;
+  }
+  statement.require(result, "SQLFetch");
+  if (result == SQL_SUCCESS_WITH_INFO) {
+    std::vector<ErrorInfo> told = diagnosticsOf(SQL_HANDLE_STMT, statement.get(), "SQLFetch");
+    const auto warnings = std::stable_partition(
+        told.begin(), told.end(),
+        [](const ErrorInfo& entry) { return !entry.sqlState.starts_with("01"); });
+    if (warnings != told.begin()) {
+      throw DriverFailure{std::move(told)};
+    }
+  }
+  return true;
+}
+
 /// Fetches through bound columns. The bindings end with the object, before the buffers do.
 class BlockReader {
  public:
@@ -86,11 +109,9 @@ class BlockReader {
   /// Appends the next block to `rows`; the rows it has, 0 behind the last one.
   std::size_t next(cursor::PackedRows& rows) {
     fetched_ = 0;
-    const SQLRETURN result = SQLFetch(statement_.get());
-    if (result == SQL_NO_DATA) {
+    if (!fetchRows(statement_)) {
       return 0;
     }
-    statement_.require(result, "SQLFetch");
     // A driver that knows no blocks fetches one row and does not count.
     const std::size_t count = std::clamp<std::size_t>(fetched_, 1, rows_);
     for (std::size_t row = 0; row < count; ++row) {
@@ -176,12 +197,7 @@ class BlockReader {
 
 void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,
                    cursor::PackedRows& rows) {
-  while (true) {
-    const SQLRETURN result = SQLFetch(statement.get());
-    if (result == SQL_NO_DATA) {
-      return;
-    }
-    statement.require(result, "SQLFetch");
+  while (fetchRows(statement)) {
     for (std::size_t index = 0; index < columns.size(); ++index) {
       rows.append(
           readInPieces(statement, static_cast<SQLUSMALLINT>(index + 1), columns[index].carrier));

@@ -43,6 +43,16 @@ TEST_F(Reading, ColumnSizesThatLieCutNothing) {
   }
 }
 
+TEST_F(Reading, AFailureBehindSomeRowsIsNotTheEndOfTheRows) {
+  for (const char* const reread : {"Reread=none", "Reread=bound", "Reread=block"}) {
+    SCOPED_TRACE(reread);
+    connect(reread);
+    const Error error = failureOf([&] { run("FAILS BEHIND ITS ROWS"); });
+    EXPECT_EQ(error.info().nativeNumber, 8134);
+    EXPECT_EQ(error.description(), "Divide by zero");
+  }
+}
+
 TEST_F(Reading, AQueryIsReadInBlocksAlsoWhereADriverGivesNoValueTwice) {
   connect("Reread=none;Server=tsql");
   run("COUNTERS");

@@ -40,6 +40,7 @@ struct FaultResult {
   std::vector<std::vector<Cell>> rows{};
   SQLLEN rowCount = -1;
   std::optional<std::size_t> linkFailsAfter{};  ///< rows after which the connection breaks
+  bool failsBehindItsRows = false;              ///< told with the last block, as FreeTDS does
 };
 
 struct Scenario {

@@ -220,6 +220,10 @@ SQLRETURN SQLFetch(SQLHSTMT handle) {
       statement.status[index] = SQL_ROW_SUCCESS;
     }
   }
+  if (result.failsBehindItsRows && statement.row + statement.blockRows == result.rows.size()) {
+    statement.diagnostics = {{"01000", u"a remark", 0}, {"22012", u"Divide by zero", 8134}};
+    return SQL_SUCCESS_WITH_INFO;
+  }
   statement.diagnostics = {{"01004", u"String data, right truncated", 0}};
   return cut ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
 }

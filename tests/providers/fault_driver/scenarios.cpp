@@ -46,6 +46,13 @@ Scenario linkLostInAFetch() {
 }
 
 /// Says 5 characters, gives 5,000 (and one that fits on either side).
+/// As FreeTDS gives a block in which the statement fails.
+Scenario failsBehindItsRows() {
+  return one({.columns = {column(u"C1", SQL_INTEGER)},
+              .rows = {{u"1"}, {u"2"}},
+              .failsBehindItsRows = true});
+}
+
 Scenario lyingSizes() {
   FaultResult result{.columns = {column(u"C1", SQL_INTEGER), column(u"C2", SQL_WVARCHAR, 5),
                                  column(u"C3", SQL_WVARCHAR, 5)}};
@@ -179,6 +186,7 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
       {u"SELECT * FROM LYING_SIZES", lyingSizes()},
       {u"EXEC LYING_SIZES", lyingSizes()},
       {u"SELECT * FROM MANY_ROWS", manyRows()},
+      {u"FAILS BEHIND ITS ROWS", failsBehindItsRows()},
       {u"TIME LIMITS", timeLimits(statement)},
       {u"NO TOTAL", noTotal()},
       {u"IMPOSSIBLE LENGTH", impossibleLength()},
