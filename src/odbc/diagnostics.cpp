@@ -66,8 +66,7 @@ DriverFailure::DriverFailure(std::string_view sqlState, int nativeNumber, std::s
   entries_.push_back(std::move(info));
 }
 
-std::vector<ErrorInfo> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle,
-                                     std::string_view operation) {
+std::vector<ErrorInfo> recordsOf(SQLSMALLINT kind, SQLHANDLE handle) {
   std::vector<ErrorInfo> entries;
   for (SQLSMALLINT number = 1; number <= kMostRecords; ++number) {
     std::optional<ErrorInfo> info = record(kind, handle, number);
@@ -76,6 +75,12 @@ std::vector<ErrorInfo> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle,
     }
     entries.push_back(std::move(*info));
   }
+  return entries;
+}
+
+std::vector<ErrorInfo> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle,
+                                     std::string_view operation) {
+  std::vector<ErrorInfo> entries = recordsOf(kind, handle);
   if (entries.empty()) {
     return DriverFailure{
         "HY000", "Il driver ODBC non dà spiegazioni dell'errore di " + std::string{operation}}

@@ -26,8 +26,12 @@ class DriverFailure {
   std::vector<ErrorInfo> entries_;
 };
 
-/// All diagnostic records of a handle, whole messages, in the driver's order; one entry that names
-/// `operation` when there are none. The makers' marks in brackets before a message are left out.
+/// All diagnostic records of a handle, whole messages, in the driver's order. The makers' marks in
+/// brackets before a message are left out.
+[[nodiscard]] std::vector<ErrorInfo> recordsOf(SQLSMALLINT kind, SQLHANDLE handle);
+
+/// The same of a handle whose operation has failed: one entry that names `operation` when there are
+/// none.
 [[nodiscard]] std::vector<ErrorInfo> diagnosticsOf(SQLSMALLINT kind, SQLHANDLE handle,
                                                    std::string_view operation);
 

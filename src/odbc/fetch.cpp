@@ -65,7 +65,7 @@ bool fetchRows(const Handle& statement) {
   }
   statement.require(result, "SQLFetch");
   if (result == SQL_SUCCESS_WITH_INFO) {
-    std::vector<ErrorInfo> told = diagnosticsOf(SQL_HANDLE_STMT, statement.get(), "SQLFetch");
+    std::vector<ErrorInfo> told = recordsOf(SQL_HANDLE_STMT, statement.get());
     const auto warnings = std::stable_partition(
         told.begin(), told.end(),
         [](const ErrorInfo& entry) { return !entry.sqlState.starts_with("01"); });

@@ -28,8 +28,8 @@ bool isNothingToUndo(const std::vector<ErrorInfo>& entries) {
 }
 
 void run(const Session& session, std::string_view text) {
-  static_cast<void>(runToEnd(*session.newStatement(kQuestionSeconds, false), text,
-                             session.reread(), Reading::Once));
+  static_cast<void>(runToEnd(*session.newStatement(kQuestionSeconds, false), text, session.reread(),
+                             Reading::Once));
 }
 
 /// The one number that a query gives, as its last result.
