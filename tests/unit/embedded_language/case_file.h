@@ -30,6 +30,12 @@
 /// `2024-01-31` or `2024-01-31 10:00:00.003` (a date), `~3.5` (that number in any kind), `*`
 /// (anything but NULL). `\r`, `\n` and `\e` (nothing) in a statement stand for line breaks and for
 /// an empty line's content.
+///
+/// The same sections run on the server of AZCOLL_TEST_CONNESSIONE, but for blocks that the engine
+/// refuses as outside the language. There an error is its number alone. `server: REASON` in front
+/// of a block's expectation says that a server that is not SQL Server answers this block otherwise;
+/// as a block of its own, the first of a section, that it answers something in the section
+/// otherwise. What is marked and answered as written all the same is a failure: the mark has to go.
 namespace azcoll::test {
 
 struct Expected {
@@ -54,6 +60,7 @@ struct Block {
   Expected expected;
   std::string statement;
   std::size_t line = 0;
+  std::string serverWay;  ///< why another server answers otherwise; empty when it does not
 };
 
 struct Section {
@@ -62,6 +69,7 @@ struct Section {
   std::string problem;  ///< why the section cannot be run; else empty
   std::vector<Block> setup;
   std::vector<Block> blocks;
+  std::string serverWay;  ///< as of a block, for blocks of which one depends on the other
 
   friend std::ostream& operator<<(std::ostream& out, const Section& section) {
     return out << section.file << ": " << section.title;
@@ -76,6 +84,15 @@ struct Section {
 
 /// Runs a section on an empty database in memory; returns what was not as expected.
 [[nodiscard]] std::vector<std::string> runSection(const Section& section);
+
+/// What a server made of a block.
+struct ServerAnswer {
+  std::vector<std::string> complaints;  ///< what was not as expected
+  bool transactionLost = false;         ///< by an error
+};
+
+/// Runs one block on a connection to a server, which words its messages in its own way.
+[[nodiscard]] ServerAnswer runOnServer(const Block& block, Connection& connection);
 
 /// A value as the cells show it.
 [[nodiscard]] std::string cellText(const Variant& value);

@@ -13,6 +13,7 @@ namespace {
 constexpr std::string_view kRowsMark = "----";
 constexpr std::string_view kResultMark = "====";
 constexpr std::string_view kTitleMark = "== ";
+constexpr std::string_view kServerMark = "server: ";
 
 std::vector<std::string> cellsOf(std::string_view line) {
   constexpr std::string_view kSeparator = " | ";
@@ -99,7 +100,7 @@ void readResultLine(Expected& expected, std::string_view line) {
 }
 
 Block readBlock(const std::vector<std::string>& lines, std::size_t firstLine) {
-  Block block{readExpectation(lines.front()), {}, firstLine};
+  Block block{readExpectation(lines.front()), {}, firstLine, {}};
   bool inRows = false;
   for (std::size_t i = 1; i < lines.size(); ++i) {
     if (inRows) {
@@ -133,7 +134,7 @@ class SectionReader {
     ++number_;
     if (line.starts_with(kTitleMark)) {
       endBlock();
-      sections_.push_back({file_, line.substr(kTitleMark.size()), {}, {}, {}});
+      sections_.push_back({file_, line.substr(kTitleMark.size()), {}, {}, {}, {}});
     } else if (line.empty()) {
       endBlock();
     } else if (!line.starts_with('#') || !lines_.empty()) {
@@ -165,15 +166,33 @@ class SectionReader {
   }
 
  private:
+  void addBlock(Section& section) {
+    std::string serverWay;
+    if (lines_.front().starts_with(kServerMark)) {
+      serverWay = lines_.front().substr(kServerMark.size());
+      lines_.erase(lines_.begin());
+      ++blockLine_;
+    }
+    if (!lines_.empty()) {
+      section.blocks.push_back(readBlock(lines_, blockLine_));
+      section.blocks.back().serverWay = serverWay;
+    } else if (section.blocks.empty() && section.serverWay.empty()) {
+      section.serverWay = serverWay;
+    } else {
+      throw std::runtime_error{"a mark of a whole section stands at its beginning"};
+    }
+  }
+
   void endBlock() {
     if (lines_.empty()) {
       return;
     }
     if (sections_.empty()) {
-      sections_.push_back({file_, "start", "a block stands in front of the first title", {}, {}});
+      sections_.push_back(
+          {file_, "start", "a block stands in front of the first title", {}, {}, {}});
     }
     try {
-      sections_.back().blocks.push_back(readBlock(lines_, blockLine_));
+      addBlock(sections_.back());
     } catch (const std::runtime_error& error) {
       sections_.back().problem = "line " + std::to_string(blockLine_) + ": " + error.what();
     }

@@ -2,6 +2,7 @@
 #include <array>
 #include <charconv>
 
+#include "support/another_server.h"
 #include "unit/embedded_language/case_file.h"
 #include "unit/embedded_language/support.h"
 
@@ -110,7 +111,8 @@ bool rowsMatch(const Expected& expected, const Expected::Result& result, std::ve
 /// One block on its way: collects what was not as expected.
 class BlockRun {
  public:
-  BlockRun(const Block& block, Connection& connection) : block_{block}, connection_{connection} {}
+  BlockRun(const Block& block, Connection& connection, bool onServer = false)
+      : block_{block}, connection_{connection}, onServer_{onServer} {}
 
   std::vector<std::string> run() {
     std::shared_ptr<Recordset> rows;
@@ -136,6 +138,8 @@ class BlockRun {
     return std::move(complaints_);
   }
 
+  [[nodiscard]] bool transactionLost() const { return transactionLost_; }
+
  private:
   void complain(const std::string& what) {
     complaints_.push_back("line " + std::to_string(block_.line) + ": " + what + "\n    " +
@@ -146,6 +150,13 @@ class BlockRun {
     const Expected& expected = block_.expected;
     const ErrorInfo& info = error.info();
     const std::string got = std::to_string(info.nativeNumber) + " " + info.description;
+    if (onServer_) {
+      transactionLost_ = info.transactionLost;
+      if (expected.kind != Expected::Kind::Error || !isFailure(info, {expected.number})) {
+        complain("error " + got);
+      }
+      return;
+    }
     const bool isOutside = info.nativeNumber == 0 && info.description.starts_with(kOutside);
     if (expected.kind == Expected::Kind::Outside || (expected.outsideToo && isOutside)) {
       if (!isOutside) {
@@ -201,7 +212,7 @@ class BlockRun {
       const std::string name = fields.item(i).name();
       names.push_back(name.empty() ? "-" : name);
     }
-    if (!result.names.empty() && names != result.names) {
+    if (!result.names.empty() && !sameNames(result.names, names)) {
       complain("names of the columns: " + testing::PrintToString(names));
     }
     std::vector<Row> rows;
@@ -229,8 +240,20 @@ class BlockRun {
     }
   }
 
+  [[nodiscard]] bool sameNames(const std::vector<std::string>& expected,
+                               const std::vector<std::string>& found) const {
+    return onServer_
+               ? std::equal(expected.begin(), expected.end(), found.begin(), found.end(),
+                            [](const std::string& wanted, const std::string& name) {
+                              return wanted == name || (wanted == "-" && isColumnName(name, ""));
+                            })
+               : expected == found;
+  }
+
   const Block& block_;
   Connection& connection_;
+  bool onServer_ = false;
+  bool transactionLost_ = false;
   std::vector<std::string> complaints_;
 };
 
@@ -278,6 +301,12 @@ std::vector<std::string> runSection(const Section& section) {
     }
   }
   return complaints;
+}
+
+ServerAnswer runOnServer(const Block& block, Connection& connection) {
+  BlockRun blockRun{block, connection, true};
+  std::vector<std::string> complaints = blockRun.run();
+  return {std::move(complaints), blockRun.transactionLost()};
 }
 
 }  // namespace azcoll::test

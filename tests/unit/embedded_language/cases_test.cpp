@@ -53,6 +53,22 @@ TEST(CaseRunner, AcceptsWhatIsAsWritten) {
   EXPECT_EQ(complaintsOf("outside/SELECT a FROM t FOR XML PATH"), 0U);
 }
 
+TEST(CaseRunner, ReadsTheMarksOfWhatAServerAnswersInItsOwnWay) {
+  const auto section = [](const std::string& text) {
+    return readSections("file", "== title\n" + text).at(0);
+  };
+  const Section block = section("ok\nSELECT 1\n\nserver: its way\nok\nSELECT 2\n");
+  ASSERT_EQ(block.blocks.size(), 2U);
+  EXPECT_EQ(block.serverWay + block.blocks[0].serverWay, "");
+  EXPECT_EQ(block.blocks[1].serverWay, "its way");
+  EXPECT_EQ(block.blocks[1].line, 6U);
+  const Section whole = section("server: all of it\n\nok\nSELECT 1\n");
+  EXPECT_EQ(whole.serverWay, "all of it");
+  EXPECT_EQ(whole.blocks.at(0).serverWay, "");
+  EXPECT_FALSE(section("ok\nSELECT 1\n\nserver: too late\n\nok\nSELECT 2\n").problem.empty());
+  EXPECT_FALSE(section("server: nothing follows\n").problem.empty());
+}
+
 TEST(CaseRunner, NoticesEveryDifference) {
   for (const char* text : {"rows/SELECT 1/----/2",
                            "rows/SELECT 1/----",
