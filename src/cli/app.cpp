@@ -21,6 +21,7 @@
 #include "cli/command_metodi.h"
 #include "cli/command_sql.h"
 #include "cli/console.h"
+#include "cli/database.h"
 #include "cli/names.h"
 #include "data/error.h"
 
@@ -189,6 +190,10 @@ ExitCode guarded(const std::vector<std::string>& args, Console& console) {
   } catch (const OpenError& error) {
     console.err << fmt::format("azcoll: {}\n", error.what());
     return ExitCode::CannotOpen;
+  } catch (const Error& error) {
+    const bool lost = error.info().connectionLost;
+    console.err << fmt::format("azcoll: {}\n", lost ? describeLoss(error.info()) : error.what());
+    return lost ? ExitCode::CannotOpen : ExitCode::Failed;
   } catch (const std::exception& error) {
     console.err << fmt::format("azcoll: {}\n", error.what());
     return ExitCode::Failed;

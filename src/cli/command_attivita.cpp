@@ -5,6 +5,7 @@
 
 #include "cli/activities.h"
 #include "cli/activities_report.h"
+#include "cli/connection_watch.h"
 #include "data/error.h"
 
 namespace azcoll::cli {
@@ -25,16 +26,18 @@ CLI::App* CommandAttivita::setup(CLI::App& parent) {
 ExitCode CommandAttivita::run(Console& console) const {
   const std::int32_t company = what.company();
   const std::int32_t year = what.years().first;
-  const std::shared_ptr<Connection> connection = openDatabase(database);
+  const ConnectionWatch watch{openDatabase(database)};
   try {
-    const ActivityView view = readActivities(connection, company, year);
+    const ActivityView view = readActivities(watch.connection(), company, year);
+    watch.requireAlive();
     if (json) {
       printActivitiesJson(console.out, view);
     } else {
       printActivities(console.out, view);
     }
   } catch (const Error& error) {
-    console.err << describeFailure(error) << '\n';
+    watch.requireAlive();
+    console.err << withDiagnosisHint(error.info()) << '\n';
     return ExitCode::Failed;
   }
   return ExitCode::Ok;

@@ -106,6 +106,9 @@ ExitCode CommandDiagnosi::run(Console& console) const {
   try {
     diagnosis = diagnose(*connection);
   } catch (const Error& error) {
+    if (error.info().connectionLost) {
+      throw;
+    }
     console.err << fmt::format(
         "Il database non dice che cosa contiene: {}\n"
         "Servono il diritto di connettersi (GRANT CONNECT) e di leggere le viste di sistema\n"

@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "cli/call_report.h"
+#include "cli/connection_watch.h"
 #include "cli/console_platform.h"
 #include "cli/names.h"
 #include "cli/trace.h"
@@ -148,7 +149,7 @@ CLI::App* CommandEsegui::setup(CLI::App& parent) {
   command->add_flag("--json", json, "stampa i risultati come oggetto JSON");
   command->footer(
       "Esce con 0 se Stato è 0, 1 con un altro Stato, 2 per un uso errato,\n"
-      "3 se il database non si apre.");
+      "3 se il database non si apre o la connessione cade, qualunque sia lo Stato.");
   return command;
 }
 
@@ -160,7 +161,8 @@ ExitCode CommandEsegui::run(Console& console) const {
   fillInput(*service.CPInput, *this);
   const CLSCO_INPUTAZCOLL before = *service.CPInput;
 
-  const std::shared_ptr<Connection> connection = openDatabase(database);
+  const ConnectionWatch watch{openDatabase(database)};
+  const std::shared_ptr<Connection>& connection = watch.connection();
   std::optional<TraceWriter> trace = openTrace(*this, console.err);
   service.CPInput->Connessione = trace ? trace->traced(connection) : connection;
 
@@ -173,6 +175,10 @@ ExitCode CommandEsegui::run(Console& console) const {
     report.printJson(console.out);
   } else {
     report.print(console.out);
+  }
+  watch.requireAlive();
+  if (watch.refusal()) {  // the method may have passed over it
+    console.err << fmt::format("Rifiutato dal database: {}\n", withDiagnosisHint(*watch.refusal()));
   }
   endOpenTransaction(*connection, console.err);
   return succeeded(service.Stato) ? ExitCode::Ok : ExitCode::Failed;

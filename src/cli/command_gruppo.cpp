@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <ostream>
 
+#include "cli/connection_watch.h"
 #include "cli/drawing_file.h"
 #include "cli/group.h"
 #include "cli/group_drawing.h"
@@ -42,9 +43,10 @@ ExitCode CommandGruppo::run(Console& console) const {
   if (drawn) {
     requireSvgName(*svg);
   }
-  const std::shared_ptr<Connection> connection = openDatabase(database);
+  const ConnectionWatch watch{openDatabase(database)};
   try {
-    const GroupView view = readGroups(connection, company, years);
+    const GroupView view = readGroups(watch.connection(), company, years);
+    watch.requireAlive();
     if (drawn) {
       writeSvg(groupsAsDot(view), *svg);
       console.err << fmt::format("Scritto il disegno {}.\n", *svg);
@@ -56,7 +58,8 @@ ExitCode CommandGruppo::run(Console& console) const {
       printGroups(console.out, view);
     }
   } catch (const Error& error) {
-    console.err << describeFailure(error) << '\n';
+    watch.requireAlive();
+    console.err << withDiagnosisHint(error.info()) << '\n';
     return ExitCode::Failed;
   }
   return ExitCode::Ok;

@@ -107,6 +107,9 @@ ExitCode runBatches(Connection& connection, const std::vector<tsql::ScriptBatch>
     } catch (const Error& error) {
       // What came before the failure is printed all the same.
       printer.finish();
+      if (error.info().connectionLost) {
+        throw;
+      }
       err << describeFailure(error, failureLine(batch, error)) << '\n';
       return ExitCode::Failed;
     }

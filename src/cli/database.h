@@ -33,8 +33,8 @@ struct DatabaseOptions {
 /// file's.
 [[nodiscard]] std::string embeddedConnectionString(std::string_view file);
 
-/// Opens a connection with a client-side cursor. Throws `OpenError`; its message does not repeat
-/// the string, which may hold a password.
+/// Opens a connection with a client-side cursor. Throws `OpenError`; its message says what to check
+/// and does not repeat the string, which may hold a password.
 [[nodiscard]] std::shared_ptr<Connection> openConnection(const std::string& connectionString);
 
 /// Opens the database that the options name. Throws `UsageError` unless exactly one is given, and
@@ -48,6 +48,20 @@ struct DatabaseOptions {
 /// `Errore NUMERO (SQLSTATE), riga N: descrizione`, with what is known of it.
 [[nodiscard]] std::string describeFailure(const Error& error,
                                           std::optional<std::uint32_t> line = std::nullopt);
+
+/// The same for what is known of a failure.
+[[nodiscard]] std::string describeFailure(const ErrorInfo& info,
+                                          std::optional<std::uint32_t> line = std::nullopt);
+
+/// Where to learn that tables, columns or rights are missing.
+inline constexpr std::string_view kAskDiagnosis =
+    "Se mancano tabelle, colonne o diritti lo dice: azcoll diagnosi";
+
+/// `describeFailure`, followed by `kAskDiagnosis` when something is not there or not allowed.
+[[nodiscard]] std::string withDiagnosisHint(const ErrorInfo& info);
+
+/// That the connection was lost, with the failure that showed it and what to check.
+[[nodiscard]] std::string describeLoss(const ErrorInfo& info);
 
 }  // namespace cli
 }  // namespace azcoll

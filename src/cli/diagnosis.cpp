@@ -102,6 +102,23 @@ Finding nothingVisible(const ServerUser& user, const std::string& role) {
                   intoTheRole(user, role))};
 }
 
+/// The statement that gives rights; for a function also as those servers want it that know no
+/// reading from one.
+std::string grantOf(const std::string& rights, const std::string& object,
+                    const std::string& grantee) {
+  const std::string grant = fmt::format("GRANT {} ON {} TO {}", rights, object, grantee);
+  const SchemaRoutine* const routine =
+      expectedSchema().routine(object.substr(object.find('.') + 1));
+  if (routine == nullptr || !routine->isFunction) {
+    return grant;
+  }
+  return fmt::format(
+      "{}\n-- Se il server non lo ammette su una funzione (e SELECT sulle tabelle che essa "
+      "legge):\n"
+      "GRANT EXECUTE ON {} TO {}",
+      grant, object, grantee);
+}
+
 void tellMissingRights(Diagnosis& diagnosis, const std::vector<Grant>& missing,
                        const ServerUser& user, const std::string& role) {
   // One line for each object, in the order of the script.
@@ -121,7 +138,7 @@ void tellMissingRights(Diagnosis& diagnosis, const std::vector<Grant>& missing,
     diagnosis.findings.push_back(
         {"diritto", object,
          fmt::format("All'utente {} manca su {}: {}.", shownName(user), object, rights),
-         fmt::format("GRANT {} ON {} TO {}", rights, object, grantee)});
+         grantOf(rights, object, grantee)});
   }
   if (!missing.empty() && !user.inRole.value_or(false)) {
     diagnosis.notes.push_back("I diritti si danno anche tutti insieme: " + intoTheRole(user, role));

@@ -75,8 +75,12 @@ constexpr std::string_view kParameters =
     " WHERE P.parameter_id > 0 AND S.name IN (SCHEMA_NAME(), N'dbo')"
     " AND O.name IN ({}) ORDER BY P.object_id, P.parameter_id";
 
-// Gives a function's columns and no row, on every server. The function, then its parameters.
-constexpr std::string_view kFunction = "SELECT * FROM {}({}) WHERE 1 = 0";
+// Gives a function's columns and no row, on every server. It proves no right: a server may see that
+// there is nothing to read.
+constexpr std::string_view kFunction = "SELECT * FROM {} WHERE 1 = 0";
+
+// Really reads from a function.
+constexpr std::string_view kReading = "SELECT 1 AS LETTA FROM {}";
 
 constexpr std::string_view kRight =
     "SELECT {} AS NUMERO, HAS_PERMS_BY_NAME({}, N'OBJECT', N'{}') AS CONCESSO";
@@ -198,16 +202,32 @@ void addParameters(Connection& connection, Schema& found, const std::string& nam
   }
 }
 
-void addFunctionColumns(Connection& connection, SchemaRoutine& function, std::size_t arguments) {
+/// A function with the same value for every argument: `[dbo].[F](NULL, NULL)`.
+std::string callOf(const SchemaRoutine& function, std::size_t arguments, std::string_view value) {
   std::string values;
   for (std::size_t i = 0; i < arguments; ++i) {
-    values += i == 0 ? "NULL" : ", NULL";
+    values += fmt::format("{}{}", i == 0 ? "" : ", ", value);
   }
-  const Rows rows =
-      query(connection, fmt::format(kFunction, qualified(function.owner, function.name), values));
+  return fmt::format("{}({})", qualified(function.owner, function.name), values);
+}
+
+void addFunctionColumns(Connection& connection, SchemaRoutine& function, std::size_t arguments) {
+  const Rows rows = query(connection, fmt::format(kFunction, callOf(function, arguments, "NULL")));
   for (const std::string& column : rows.columns) {
     function.columns.push_back({.name = column});
   }
+}
+
+/// Whether the user can read from a function; not every server tells that as a right.
+bool canRead(Connection& connection, const SchemaRoutine& function) {
+  const SchemaRoutine* const expected = expectedSchema().routine(function.name);
+  const std::size_t arguments =
+      expected != nullptr ? expected->parameters.size() : function.parameters.size();
+  std::vector<std::string> refused;
+  return couldAsk(refused, function.name, [&] {
+    // With Null a server may see that there is nothing to read; a 0 fits every type.
+    static_cast<void>(query(connection, fmt::format(kReading, callOf(function, arguments, "0"))));
+  });
 }
 
 /// Completes a function that is there by the columns of its rows. The list of objects may keep one
@@ -315,9 +335,6 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
     if (table == nullptr && routine == nullptr) {
       continue;  // what is not there is told by itself
     }
-    if (routine != nullptr && !routine->columns.empty()) {
-      continue;  // the server let this user read from the function; not every one tells so
-    }
     const std::string& owner = table != nullptr ? table->owner : routine->owner;
     question += question.empty() ? "" : " UNION ALL ";
     question +=
@@ -336,7 +353,9 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
   }
   std::vector<Grant> missing;
   for (std::size_t i = 0; i < asked.size(); ++i) {
-    if (!held.contains(i)) {
+    const SchemaRoutine* const routine = found.routine(asked[i].object);
+    const bool isFunction = routine != nullptr && routine->isFunction;
+    if (!held.contains(i) && !(isFunction && canRead(connection, *routine))) {
       missing.push_back(asked[i]);
     }
   }

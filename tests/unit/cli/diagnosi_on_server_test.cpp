@@ -107,6 +107,13 @@ TEST_F(DiagnosisOfAServersDatabase, TellsAUserWithoutRightsHowToGetThemAndFindsT
   EXPECT_THAT(before.out, Not(HasSubstr(test::ServerLogin::kPassword)));
 
   login.join("azcoll_servizio");
+  if (made.code == ExitCode::Failed) {
+    const Outcome withoutFunction = asUser();
+    EXPECT_THAT(messagesOf(withoutFunction),
+                Contains("All'utente " + login.name() + " manca su dbo.FNCG28_TABCODIVA: SELECT."));
+    run("GRANT EXECUTE ON dbo.FNCG28_TABCODIVA TO azcoll_servizio");
+    run("GRANT SELECT ON dbo.CG28_TABCODIVA TO azcoll_servizio");
+  }
   const Outcome member = asUser();
   EXPECT_EQ(member.code, ExitCode::Ok) << member.out << member.err;
   EXPECT_EQ(member.json()["trovati"]["diritti"], expectedRights().grants.size());

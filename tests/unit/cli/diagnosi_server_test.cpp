@@ -113,7 +113,7 @@ class DiagnosisOnAServer : public ::testing::Test {
   }
 
   /// Numbers as they are asked: one for each right on an object that is there, in the order of the
-  /// script. That on the function, the last one, is not asked for when it could be read from.
+  /// script.
   void answerRights() {
     std::vector<Variant> rows;
     std::int32_t number = 0;
@@ -254,6 +254,18 @@ TEST_F(DiagnosisOnAServer, TellsARightThatAMemberOfTheRoleLacks) {
   EXPECT_EQ(finding.message, "All'utente servizio manca su dbo.CG44_CLIFOR: UPDATE, DELETE.");
   EXPECT_EQ(finding.remedy, "GRANT UPDATE, DELETE ON dbo.CG44_CLIFOR TO azcoll_servizio");
   EXPECT_THAT(diagnosis.notes, IsEmpty());
+}
+
+TEST_F(DiagnosisOnAServer, CountsAFunctionThatCanBeReadAsGranted) {
+  std::erase(held, Grant{"SELECT", "dbo", "FNCG28_TABCODIVA"});
+  EXPECT_THAT(diagnosed().findings, IsEmpty());
+  server->fail("SELECT 1 AS LETTA FROM [dbo].[FNCG28_TABCODIVA](0, 0)", Failure::Provider,
+               "permission denied");
+  const Finding finding = only(diagnose(*server));
+  EXPECT_EQ(finding.message, "All'utente servizio manca su dbo.FNCG28_TABCODIVA: SELECT.");
+  EXPECT_THAT(finding.remedy,
+              AllOf(StartsWith("GRANT SELECT ON dbo.FNCG28_TABCODIVA TO azcoll_servizio\n"),
+                    HasSubstr("\nGRANT EXECUTE ON dbo.FNCG28_TABCODIVA TO azcoll_servizio")));
 }
 
 TEST_F(DiagnosisOnAServer, SendsAUserWithoutRightsIntoTheRole) {
