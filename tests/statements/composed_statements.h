@@ -3,6 +3,8 @@
 #include <functional>
 #include <string_view>
 
+#include "statements/method_calls.h"
+
 namespace azcoll::statements {
 
 /// Who is told what the methods compose.
@@ -12,6 +14,8 @@ struct Listener {
   std::function<void(std::string_view method, std::string_view text)> statement;
   /// The name of a procedure called.
   std::function<void(std::string_view name)> procedure;
+  /// The call that comes next; may be empty.
+  std::function<void(const MethodCall& call)> calling{};
 };
 
 /// Every method for every company of the example, in several years, with every setting, for
