@@ -44,6 +44,10 @@ class ServerExample {
   /// A new open connection; `more` is added to the connection string.
   [[nodiscard]] std::shared_ptr<Connection> connect(const std::string& more = "") const;
 
+  /// A connection to the database as it is; the one that the test before has let go of, where there
+  /// is one, because a session costs more than most tests.
+  [[nodiscard]] std::shared_ptr<Connection> reuse();
+
   /// Puts every row back to what the scripts make, then runs `prepare` unless it is empty. The next
   /// identities are those that follow the example's, whatever a call that was undone has used up.
   void restore(const std::string& prepare = "");
@@ -81,10 +85,11 @@ class ServerExample {
 
   ServerDatabase database_;
   std::shared_ptr<Connection> own_;
-  std::string empty_;    ///< the batch that empties
-  std::string restore_;  ///< the batch that empties and refills
-  std::string touch_;    ///< the batch that writes every row
-  std::string read_;     ///< the batch that reads every row
+  std::shared_ptr<Connection> kept_;  ///< handed out by `reuse`
+  std::string empty_;                 ///< the batch that empties
+  std::string restore_;               ///< the batch that empties and refills
+  std::string touch_;                 ///< the batch that writes every row
+  std::string read_;                  ///< the batch that reads every row
   std::vector<Identity> identities_;
 };
 
@@ -143,6 +148,17 @@ inline std::shared_ptr<Connection> ServerExample::connect(const std::string& mor
   connection->setCursorLocation(CursorLocation::Client);
   connection->open("", "", CommandOption::Unspecified);
   return connection;
+}
+
+inline std::shared_ptr<Connection> ServerExample::reuse() {
+  const bool isFree = kept_ && kept_.use_count() == 1 && kept_->isOpen();
+  if (isFree) {
+    endOpenTransaction(*kept_);
+    kept_->errors().clear();
+  } else {
+    kept_ = connect();
+  }
+  return kept_;
 }
 
 /// Keeps a copy of every table, and makes the batches that work on all of them.

@@ -66,8 +66,9 @@ inline std::string emptyServerDatabase() {
 /// without rows. On a server it is this process's own database, emptied first.
 inline std::shared_ptr<Connection> openSchema() {
   if (ServerExample* const server = ServerExample::find()) {
+    const std::shared_ptr<Connection> connection = server->reuse();
     server->empty();
-    return server->connect();
+    return connection;
   }
   std::shared_ptr<Connection> connection = detail::openMemory();
   fillSchema(*connection);
@@ -77,8 +78,9 @@ inline std::shared_ptr<Connection> openSchema() {
 /// The same with the example data and the documents.
 inline std::shared_ptr<Connection> openExample() {
   if (ServerExample* const server = ServerExample::find()) {
+    const std::shared_ptr<Connection> connection = server->reuse();  // ends what is open on it
     server->restore();
-    return server->connect();
+    return connection;
   }
   std::shared_ptr<Connection> connection = detail::openMemory();
   fillExample(*connection);
