@@ -11,8 +11,8 @@
 #include "component/service.h"
 #include "data/tracing.h"
 #include "faults/relay.h"
-#include "support/server_example.h"
 #include "platform/provider_factory.h"
+#include "support/server_example.h"
 
 namespace azcoll::test {
 namespace {

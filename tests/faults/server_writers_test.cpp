@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "faults/saved_customers.h"
-#include "support/server_example.h"
 #include "support/child_process.h"
+#include "support/server_example.h"
 
 namespace azcoll::test {
 namespace {
