@@ -106,7 +106,7 @@ Finding nothingVisible(const ServerUser& user, const std::string& role) {
 /// reading from one.
 std::string grantOf(const std::string& rights, const std::string& object,
                     const std::string& grantee) {
-  const std::string grant = fmt::format("GRANT {} ON {} TO {}", rights, object, grantee);
+  std::string grant = fmt::format("GRANT {} ON {} TO {}", rights, object, grantee);
   const SchemaRoutine* const routine =
       expectedSchema().routine(object.substr(object.find('.') + 1));
   if (routine == nullptr || !routine->isFunction) {
