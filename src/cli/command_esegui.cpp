@@ -177,11 +177,15 @@ ExitCode CommandEsegui::run(Console& console) const {
     report.print(console.out);
   }
   watch.requireAlive();
-  if (watch.refusal()) {  // the method may have passed over it
-    console.err << fmt::format("Rifiutato dal database: {}\n", withDiagnosisHint(*watch.refusal()));
+  const std::optional<ErrorInfo> refusal = watch.refusal();  // the method may have passed over it
+  if (refusal) {
+    console.err << fmt::format("Rifiutato dal database: {}\n", withDiagnosisHint(*refusal));
   }
   endOpenTransaction(*connection, console.err);
-  return succeeded(service.Stato) ? ExitCode::Ok : ExitCode::Failed;
+  // Without its tables or its procedure nothing was done, even where the method takes that for an
+  // empty group.
+  const bool lacksSomething = refusal && isMissingObject(*refusal);
+  return succeeded(service.Stato) && !lacksSomething ? ExitCode::Ok : ExitCode::Failed;
 }
 
 }  // namespace azcoll::cli

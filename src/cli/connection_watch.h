@@ -18,7 +18,7 @@ class ConnectionWatch {
   [[nodiscard]] const std::shared_ptr<Connection>& connection() const { return connection_; }
 
   /// The first failure because something is not there or not allowed, if there was one.
-  [[nodiscard]] const std::optional<ErrorInfo>& refusal() const { return seen_->refusal; }
+  [[nodiscard]] std::optional<ErrorInfo> refusal() const;
 
   /// Throws `OpenError`, with what to check, when the connection was lost.
   void requireAlive() const;

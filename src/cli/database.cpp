@@ -156,6 +156,13 @@ std::string describeLoss(const ErrorInfo& info) {
       describeFailure(info), kCheckServer);
 }
 
+bool isMissingObject(const ErrorInfo& info) {
+  constexpr int kNoTable = 208;
+  constexpr int kNoProcedure = 2812;
+  return info.nativeNumber == kNoTable || info.nativeNumber == kNoProcedure ||
+         info.sqlState == "42S02";
+}
+
 std::string withDiagnosisHint(const ErrorInfo& info) {
   // Class 42: something is not there, or not allowed.
   return describeFailure(info) +

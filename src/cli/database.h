@@ -57,6 +57,9 @@ struct DatabaseOptions {
 inline constexpr std::string_view kAskDiagnosis =
     "Se mancano tabelle, colonne o diritti lo dice: azcoll diagnosi";
 
+/// Whether the database refused something because a table or a procedure is not there.
+[[nodiscard]] bool isMissingObject(const ErrorInfo& info);
+
 /// `describeFailure`, followed by `kAskDiagnosis` when something is not there or not allowed.
 [[nodiscard]] std::string withDiagnosisHint(const ErrorInfo& info);
 

@@ -32,10 +32,25 @@ void OdbcConnection::settleTransaction(std::vector<ErrorInfo>& entries) {
   }
 }
 
+/// Some drivers say no more than "Unknown error": what is known is added.
+void OdbcConnection::explain(ErrorInfo& entry) const {
+  const bool saysNothing = entry.description.empty() || entry.description == "Unknown error";
+  if (!saysNothing) {
+    return;
+  }
+  const std::string server = serverOf(connectionString_);
+  entry.description =
+      join(entry.description.empty() ? "Errore senza spiegazioni del driver" : entry.description,
+           " (", entry.connectionLost ? "connessione caduta, " : "",
+           server.empty() ? std::string{} : join("server ", server, ", "), "stato ", entry.sqlState,
+           ", numero ", entry.nativeNumber, ")");
+}
+
 void OdbcConnection::fail(const DriverFailure& failure, std::string_view statement) {
   std::vector<ErrorInfo> entries = failure.entries();
   settleTransaction(entries);
   for (ErrorInfo& entry : entries) {
+    explain(entry);
     entry.description = secrets_.masked(std::move(entry.description));
     entry.statement = secrets_.masked(std::string{statement});
   }

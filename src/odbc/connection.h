@@ -66,6 +66,7 @@ class OdbcConnection final : public Connection,
   template <typename Action>
   auto recorded(std::string_view statement, Action action);
   [[noreturn]] void fail(const DriverFailure& failure, std::string_view statement);
+  void explain(ErrorInfo& entry) const;
   void settleTransaction(std::vector<ErrorInfo>& entries);
   [[nodiscard]] Session& session() const;
   ExecutionResult runOn(std::string_view text, std::vector<BoundParameter>& parameters,

@@ -172,6 +172,25 @@ std::string withCredentials(std::string_view text, std::string_view user,
   return result;
 }
 
+std::string serverOf(std::string_view text) {
+  std::string server;
+  std::string source;
+  std::string port;
+  for (const Pair& pair : pairsOf(text)) {
+    if (sameName(pair.key, "SERVER") || sameName(pair.key, "SERVERNAME")) {
+      server = pair.value;
+    } else if (sameName(pair.key, "DSN")) {
+      source = pair.value;
+    } else if (sameName(pair.key, "PORT")) {
+      port = pair.value;
+    }
+  }
+  if (server.empty()) {
+    return source;
+  }
+  return port.empty() ? server : join(server, ":", port);
+}
+
 GroupLock groupLock(std::string_view text) {
   GroupLock lock = GroupLock::None;
   for (const Pair& pair : pairsOf(text)) {

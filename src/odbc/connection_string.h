@@ -38,6 +38,10 @@ class Secrets {
 /// `LoginTimeout` or `Timeout`; 15 without one of them.
 [[nodiscard]] int loginTimeout(std::string_view text);
 
+/// The server that the string names, as people call it: `HOST`, `HOST:PORT`, or its data source;
+/// empty when it names none.
+[[nodiscard]] std::string serverOf(std::string_view text);
+
 /// Whether transactions of one database take turns: the key `Blocco`, whose one value is `Gruppo`.
 /// Throws `Error` for another one.
 [[nodiscard]] GroupLock groupLock(std::string_view text);

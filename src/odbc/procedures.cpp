@@ -8,6 +8,7 @@
 #include "cursor/result_set.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "odbc/diagnostics.h"
 #include "odbc/execution.h"
 #include "odbc/spellings.h"
 #include "odbc/sql_words.h"
@@ -121,8 +122,14 @@ Rows describe(const Session& session, std::string_view procedure, int timeoutSec
   return Rows{takeResult(*statement, session.reread())};
 }
 
-std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureName& wanted) {
-  std::vector<DeclaredParameter> parameters;
+/// What is listed for a procedure.
+struct Listed {
+  bool isThere = false;
+  std::vector<DeclaredParameter> parameters{};
+};
+
+Listed parametersIn(const Rows& rows, const ProcedureName& wanted) {
+  Listed listed;
   std::optional<std::string> schema;
   for (std::size_t row = 0; row < rows.count(); ++row) {
     // The name went as a pattern, in which an underscore stands for any character.
@@ -133,6 +140,7 @@ std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureNam
     if (!meant) {
       continue;
     }
+    listed.isThere = true;
     schema = owner;  // of several procedures with that name, the first one listed
     const std::optional<ParameterDirection> direction = directionOf(rows.number(row, kKind));
     if (direction) {
@@ -142,10 +150,10 @@ std::vector<DeclaredParameter> parametersIn(const Rows& rows, const ProcedureNam
       parameter.sqlType = static_cast<SQLSMALLINT>(rows.number(row, kType));
       parameter.size = sizeOf(rows, row, parameter.sqlType);
       parameter.digits = static_cast<SQLSMALLINT>(rows.number(row, kDigits));
-      parameters.push_back(std::move(parameter));
+      listed.parameters.push_back(std::move(parameter));
     }
   }
-  return parameters;
+  return listed;
 }
 
 }  // namespace
@@ -154,11 +162,15 @@ std::vector<DeclaredParameter> declaredParameters(const Session& session,
                                                   std::string_view procedure, int timeoutSeconds) {
   const ProcedureName wanted = nameOf(procedure);
   for (const std::string& spelling : spellingsOf(wanted.name)) {
-    std::vector<DeclaredParameter> parameters =
-        parametersIn(describe(session, spelling, timeoutSeconds), wanted);
-    if (!parameters.empty()) {
-      return parameters;
+    Listed listed = parametersIn(describe(session, spelling, timeoutSeconds), wanted);
+    if (listed.isThere) {
+      return std::move(listed.parameters);
     }
+  }
+  if (session.speaksTSql()) {
+    constexpr int kNotFound = 2812;
+    throw DriverFailure{"42000", kNotFound,
+                        join("Could not find stored procedure '", trim(procedure), "'.")};
   }
   return {};
 }

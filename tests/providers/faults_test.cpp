@@ -56,6 +56,14 @@ TEST_F(Faults, ADriverThatGivesNoReasonStillGivesAnError) {
   EXPECT_EQ(connection_->errors().count(), 1U);
 }
 
+TEST_F(Faults, AnErrorWithoutAnExplanationGetsWhatIsKnown) {
+  connect("SERVER=prova.it;Port=1433");
+  EXPECT_EQ(failureOf([&] { run("UNKNOWN"); }).description(),
+            "Unknown error (server prova.it:1433, stato HY000, numero 20004)");
+  EXPECT_EQ(failureOf([&] { run("NO TEXT"); }).description(),
+            "Errore senza spiegazioni del driver (server prova.it:1433, stato 07S01, numero 7)");
+}
+
 TEST_F(Faults, LeadingRowCountsOfADeclareAreNotTheResult) {
   connect();
   const auto rows = run("LEADING COUNTS");

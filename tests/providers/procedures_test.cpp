@@ -134,6 +134,17 @@ TEST_P(Procedures, OneThatIsNotThereIsAnErrorOfTheProvider) {
       failureOf([&] { call->execute(affected, CommandOption::StoredProcedure); }).fromProvider());
 }
 
+TEST_P(Procedures, TheParametersOfOneThatIsNotThereAreAnErrorOfTheProvider) {
+  AZCOLL_NEEDS(Outputs);
+  const auto call = command();
+  call->setCommandText("P9_MANCANTE");
+  const Error error =
+      failureOf([&] { call->parameters().item(named("Codice")).setValue(std::int32_t{1}); });
+  EXPECT_TRUE(error.fromProvider());
+  EXPECT_EQ(error.info().nativeNumber, 2812);
+  EXPECT_EQ(connection().errors().count(), 1U);
+}
+
 INSTANTIATE_TEST_SUITE_P(Providers, Procedures, testing::ValuesIn(providerNames()), nameOfCase);
 
 }  // namespace

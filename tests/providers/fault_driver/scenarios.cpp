@@ -210,6 +210,8 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
       {u"SELECT 1 AS PRIMA, T1_PROVA.*, X.K1, X.K2 NOME, X.K3 FROM T1_PROVA, F(1) X", join()},
       {u"SELECT A.*, A.*, A.C1_ID, A.C1_ID FROM T1_PROVA A", join()},
       {u"DUPLICATE KEY", failing("23000", u"duplicate key", 2627)},
+      {u"UNKNOWN", failing("HY000", u"[Maker][Driver]Unknown error", 20004)},
+      {u"NO TEXT", failing("07S01", u"", 7)},
       {u"SILENT", Scenario{.results = {}, .failure = {{"", u"", 0}}}},
       {u"SELECT * FROM T1_PROVA",
        one({.columns = {column(u"c1_id", SQL_INTEGER), column(u"C2_NOME", SQL_WVARCHAR, 20)},

@@ -80,6 +80,24 @@ TEST_F(RefusedConnection, ADatabaseWithoutTheTablesSaysWhoMakesThem) {
   EXPECT_THAT(activities.err, HasSubstr("azcoll diagnosi"));
 }
 
+/// The look-up of the group passes over the missing procedure; the command does not.
+void expectToldWithoutAProcedure(const std::string& connection) {
+  const Outcome outcome =
+      azcoll("esegui", "DuplicaCliFor", "--connessione", connection, "--imposta", "Pvar_Ditta=5",
+             "--imposta", "Pvar_CliFor=120", "--imposta", "AnnoSolare=2025");
+  EXPECT_EQ(outcome.code, ExitCode::Failed);
+  EXPECT_THAT(outcome.out, HasSubstr("Stato"));
+  EXPECT_THAT(outcome.err, AllOf(HasSubstr("2812"), HasSubstr("azcoll diagnosi")));
+}
+
+TEST_F(RefusedConnection, AMethodThatFindsNoGroupForLackOfItsProcedureHasNotSucceeded) {
+  expectToldWithoutAProcedure(server_);
+}
+
+TEST(DatabaseWithoutAProcedure, IsToldOnTheEmbeddedEngineToo) {
+  expectToldWithoutAProcedure("Provider=embedded;Data Source=:memory:");
+}
+
 TEST_F(RefusedConnection, AnOlderSchemaOrMissingRightsSendToDiagnosi) {
   installSchema();
   run("ALTER TABLE CG16_ANAGGEN DROP COLUMN CG16_RAGSOANAG");

@@ -63,6 +63,13 @@ TEST(ConnectionString, TheTimeToConnectMayBeSaid) {
   EXPECT_EQ(loginTimeout("DSN=a;Timeout=99999999999999999999"), 15);
 }
 
+TEST(ConnectionString, TheServerIsCalledAsPeopleCallIt) {
+  EXPECT_EQ(serverOf("Driver=X;SERVER=a;Port=1433;PWD=b"), "a:1433");
+  EXPECT_EQ(serverOf("Driver=X;Server={tcp:a,1433}"), "tcp:a,1433");
+  EXPECT_EQ(serverOf("DSN=azienda;PWD=b"), "azienda");
+  EXPECT_EQ(serverOf("Driver=X;PWD=b"), "");
+}
+
 TEST(ConnectionString, TurnsAreTakenWhereItSaysSo) {
   EXPECT_EQ(groupLock("DSN=a"), GroupLock::None);
   EXPECT_EQ(groupLock("DSN=a; blocco = GRUPPO"), GroupLock::PerDatabase);
