@@ -88,6 +88,10 @@ Saved saveNewCustomers(const std::function<std::shared_ptr<Connection>()>& open,
     if (service.Stato == Variant{std::int16_t{0}}) {
       continue;
     }
+    if (service.Errore.text().starts_with("Errore in Pcls_NumDoc.ElaboraNumerazione")) {
+      ++saved.unnumbered;  // committed all the same
+      continue;
+    }
     if (failure && (failure->nativeNumber == kDuplicateKey || failure->nativeNumber == kDeadlock)) {
       ++saved.refused;
     } else {

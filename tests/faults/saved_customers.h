@@ -21,6 +21,7 @@ inline constexpr int kCompanies = 8;
 
 /// What came of the calls of one writer.
 struct Saved {
+  int unnumbered = 0;     ///< spread, but another writer recorded a number at the same moment
   int refused = 0;        ///< refused by the database: a key that is there already, or a deadlock
   std::string otherwise;  ///< what a call failed with that did not fail so; empty when none did
 };

@@ -46,6 +46,10 @@ class ServerWriters : public ::testing::Test {
         };
         const Saved saved = saveNewCustomers(open, company, customers);
         std::cerr << saved.otherwise;
+        if (saved.unnumbered > 0) {
+          std::cerr << saved.unnumbered << " spread without their number, company " << company
+                    << "\n";
+        }
         return saved.otherwise.empty() ? saved.refused : kOtherFailure;
       });
     }

@@ -96,6 +96,31 @@ inline std::string withUser(std::string_view text, std::string_view user,
                  {"pwd", "password"});
 }
 
+/// The turn of one test process on a server, as long as it lives: databases and logins are made and
+/// dropped one after the other, because not every server bears two at once.
+class ServerTurn {
+ public:
+  /// `server` is a connection string of it. Throws `Error`.
+  explicit ServerTurn(std::string_view server)
+      : connection_{newConnectionFor(withDatabase(server, "master"))} {
+    connection_->setCommandTimeout(100);
+    connection_->open("", "", CommandOption::Unspecified);
+    std::int64_t affected = 0;
+    connection_->execute(
+        "EXEC sp_getapplock @Resource = N'azcoll_prova', @LockMode = N'Exclusive', @LockOwner = "
+        "N'Session', @LockTimeout = 90000",
+        affected, CommandOption::Text);
+  }
+  ServerTurn(const ServerTurn&) = delete;
+  ServerTurn(ServerTurn&&) = delete;
+  ServerTurn& operator=(const ServerTurn&) = delete;
+  ServerTurn& operator=(ServerTurn&&) = delete;
+  ~ServerTurn() = default;  // the lock ends with the session
+
+ private:
+  std::shared_ptr<Connection> connection_;
+};
+
 /// A database of this process's own on a server: created with the object, dropped with it. What a
 /// killed process left behind is dropped by a later one.
 class ServerDatabase {
@@ -103,6 +128,7 @@ class ServerDatabase {
   /// `server` is a connection string whose user may create databases. Throws `Error`.
   explicit ServerDatabase(std::string server) : server_{std::move(server)} {
     name_ = detail::ownName();
+    const ServerTurn turn{server_};
     const std::shared_ptr<Connection> connection = open();
     dropForgotten(*connection);
     run(*connection, "CREATE DATABASE " + name_);
@@ -114,6 +140,7 @@ class ServerDatabase {
   ServerDatabase& operator=(ServerDatabase&&) = delete;
   ~ServerDatabase() {
     try {
+      const ServerTurn turn{server_};
       drop(*open(), name_);
     } catch (const Error& error) {
       std::fprintf(stderr, "%s was not dropped: %s\n", name_.c_str(), error.what());

@@ -21,6 +21,7 @@ class ServerLogin {
   /// Throws `Error`.
   explicit ServerLogin(std::string database)
       : owner_{std::move(database)}, name_{detail::ownName()} {
+    const ServerTurn turn{owner_};
     const std::shared_ptr<Connection> connection = open();
     dropForgotten(*connection);
     run(*connection, "CREATE LOGIN " + name_ + " WITH PASSWORD = N'" + kPassword + "'");
@@ -33,6 +34,7 @@ class ServerLogin {
   ServerLogin& operator=(ServerLogin&&) = delete;
   ~ServerLogin() {
     try {
+      const ServerTurn turn{owner_};
       const std::shared_ptr<Connection> connection = open();
       run(*connection, "DROP USER " + name_);
       run(*connection, "DROP LOGIN " + name_);
