@@ -224,6 +224,8 @@ std::vector<FaultScenario> scenarios() {
              [each](const Fault& fault, const Reference& reference) {
                return documentedFor(each, fault, reference);
              }});
+        // A taken code and missing masters add operations; without either they are the fewest.
+        all.back().onServer = codeTaken == mastersMissing && (codeTaken || !fromMain);
       }
     }
   }

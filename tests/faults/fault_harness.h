@@ -67,6 +67,9 @@ struct FaultScenario {
   Documented documented = [](const Fault&, const Reference&) { return std::nullopt; };
   /// The call has no transaction of its own: what was done before the failure stays.
   bool eachStatementCommits = false;
+  /// Put through on a server, too. Not where all its operations are among those of another
+  /// scenario: the ways of the failures are the same, and each costs much more there.
+  bool onServer = true;
 };
 
 inline void PrintTo(const FaultScenario& scenario, std::ostream* out) { *out << scenario.name; }

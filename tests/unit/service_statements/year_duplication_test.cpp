@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -102,8 +103,8 @@ TEST_F(YearDuplication, SingleCompanyRowsDoNotGoOntoAYearOfLinks) {
 }
 
 /// Line breaks of a text that are not CR LF.
-long otherBreaks(const std::string& text) {
-  long pairs = 0;
+std::ptrdiff_t otherBreaks(const std::string& text) {
+  std::ptrdiff_t pairs = 0;
   for (std::size_t at = text.find("\r\n"); at != std::string::npos;
        at = text.find("\r\n", at + 2)) {
     ++pairs;
