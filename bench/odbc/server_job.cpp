@@ -10,10 +10,10 @@
 
 #include "bare_odbc.h"
 #include "bench_database.h"
-#include "counting_relay.h"
 #include "data/text.h"
 #include "job_script.h"
 #include "measured.h"
+#include "support/relay.h"
 #include "support/server_database.h"
 #include "wall_time.h"
 
@@ -197,21 +197,24 @@ bool registerServerJob() {
 }
 
 RoundTrips serverRoundTrips() {
-  CountingRelay relay{serverDatabase()};
-  Ways through{relay.connectionString()};
-  const auto turnsOf = [&](const std::function<void(std::int64_t)>& job) {
+  const auto turnsOf = [](const test::Relay& relay, const std::function<void(std::int64_t)>& job) {
     const std::int64_t code = takeCodes(1);
     addCustomer(*ways().bare.connection, code);
-    const std::int64_t before = relay.turns();
+    const std::size_t before = relay.turns();
     job(code);
     return static_cast<double>(relay.turns() - before) / kLinked;
   };
   RoundTrips perCompany;
-  perCompany.component = turnsOf(
-      [&](std::int64_t code) { spread(through.service, through.component.connection, code); });
-  perCompany.bare = turnsOf([&](std::int64_t code) {
-    replayBare(through.floor, through.bare.script, through.bare.script.texts(code));
-  });
+  const test::Relay toComponent{serverDatabase()};
+  const WarmJob component{toComponent.connectionString()};
+  CLSCO_AZIENDECOLL service;
+  perCompany.component =
+      turnsOf(toComponent, [&](std::int64_t code) { spread(service, component.connection, code); });
+  const test::Relay toBare{serverDatabase()};
+  BareConnection floor{toBare.connectionString()};
+  const Script& script = ways().bare.script;
+  perCompany.bare =
+      turnsOf(toBare, [&](std::int64_t code) { replayBare(floor, script, script.texts(code)); });
   return perCompany;
 }
 

@@ -10,8 +10,8 @@
 
 #include "component/service.h"
 #include "data/tracing.h"
-#include "faults/relay.h"
 #include "platform/provider_factory.h"
+#include "support/relay.h"
 #include "support/server_example.h"
 
 namespace azcoll::test {
@@ -54,8 +54,7 @@ class CutConnection : public ::testing::Test {
     if (example_ == nullptr) {
       GTEST_SKIP() << "no server: AZCOLL_TEST_CONNESSIONE is not set";
     }
-    const ServerAddress server = serverAddress(example_->connectionString());
-    relay_ = std::make_unique<Relay>(server.host, server.port);
+    relay_ = std::make_unique<Relay>(example_->connectionString());
     example_->restore(kFreeCustomer);
     before_ = example_->picture();
     whole_ = call([&] { relay_->watch(); });
@@ -78,8 +77,7 @@ class CutConnection : public ::testing::Test {
   Result call(const std::function<void()>& watch, int seconds = 0) {
     Result result;
     {
-      const std::shared_ptr<Connection> connection =
-          newConnectionFor(throughPort(example_->connectionString(), relay_->port()));
+      const std::shared_ptr<Connection> connection = newConnectionFor(relay_->connectionString());
       connection->open("", "", CommandOption::Unspecified);
       watch();
       CLSCO_AZIENDECOLL service;

@@ -1,7 +1,7 @@
 // Bad input on a server: what each command says, and that it says no password.
 
-#include "cut_line.h"
 #include "server_test.h"
+#include "support/relay.h"
 
 namespace azcoll::cli {
 namespace {
@@ -50,8 +50,9 @@ TEST_F(RefusedConnection, SaysWhatToCheck) {
 }
 
 TEST_F(RefusedConnection, SaysSoWhenAnotherProgramHangsUp) {
-  const CutLine line{server_, 0};
-  const Outcome outcome = azcoll("diagnosi", "--connessione", line.connectionString());
+  test::Relay relay{server_};
+  relay.hangUpAfter(0);
+  const Outcome outcome = azcoll("diagnosi", "--connessione", relay.connectionString());
   EXPECT_EQ(outcome.code, ExitCode::CannotOpen);
   EXPECT_THAT(outcome.err, HasSubstr("Controllare il nome del server e la porta"));
 }

@@ -28,19 +28,22 @@ enum class Trouble {
 
 [[nodiscard]] std::string_view nameOf(Trouble trouble);
 
-/// A TCP relay on a loopback port of its own, between one client and a server that speaks TDS. Its
-/// thread passes the bytes on; from `watch` on it takes them packet by packet and counts them.
+/// A TCP relay on a loopback port of its own, between one client at a time and a server that speaks
+/// TDS. Its thread passes the bytes on; from `watch` on it takes them packet by packet and counts
+/// them. Where nobody listens at the server's place, it hangs up on the client.
 class Relay {
  public:
-  /// Throws `std::system_error`.
-  Relay(std::string host, std::string port);
+  /// `server` is a connection string that names a server in `Server` and `Port`. Throws
+  /// `std::system_error`.
+  explicit Relay(std::string_view server);
   Relay(const Relay&) = delete;
   Relay(Relay&&) = delete;
   Relay& operator=(const Relay&) = delete;
   Relay& operator=(Relay&&) = delete;
   ~Relay();
 
-  [[nodiscard]] std::uint16_t port() const { return port_; }
+  /// The connection string with the relay in the server's place.
+  [[nodiscard]] const std::string& connectionString() const { return connectionString_; }
 
   /// Counts packets from 1, in both directions, from here on; nothing must be under way.
   void watch();
@@ -48,8 +51,13 @@ class Relay {
   /// `Trouble::Delay`.
   void watch(Direction direction, std::size_t number, Trouble trouble,
              std::chrono::milliseconds delay = {});
+  /// Of every connection from here on, closes both sides when the client has sent so many pieces
+  /// and sends one more: from the login on, and whatever it is that they speak.
+  void hangUpAfter(std::size_t pieces);
   /// Packets that have come since `watch`, the one of the trouble included.
   [[nodiscard]] std::size_t packets(Direction direction) const;
+  /// How often the client has spoken after the server: once for each question and its answer.
+  [[nodiscard]] std::size_t turns() const { return turns_; }
   /// Whether the trouble was made.
   [[nodiscard]] bool troubled() const { return troubled_; }
   /// Whether all bytes since `watch` were TDS packets: an encrypted connection has none to be seen.
@@ -76,32 +84,26 @@ class Relay {
   bool passPacket(Direction direction, std::size_t length);
   void close();
 
+  std::string connectionString_;
   std::string host_;
-  std::string serverPort_;
+  std::string port_;
   int listener_ = -1;
   int wakeRead_ = -1;
   int wakeWrite_ = -1;
-  std::uint16_t port_ = 0;
   Way ways_[2];
   bool held_ = false;
   std::mutex mutex_;  ///< of the plan and the ways
   std::optional<Plan> plan_;
+  std::optional<std::size_t> mostPieces_;
+  std::size_t pieces_ = 0;  ///< of the client, on this connection
   std::atomic<bool> watching_ = false;
   std::atomic<bool> troubled_ = false;
   std::atomic<bool> understood_ = true;
   std::atomic<bool> ended_ = false;
   std::atomic<std::size_t> packets_[2]{};
+  std::atomic<std::size_t> turns_ = 0;
+  bool clientSpoke_ = false;  ///< last
   std::thread thread_;
 };
-
-/// The connection string that goes to `port` of this machine instead of the server it names.
-[[nodiscard]] std::string throughPort(std::string_view connectionString, std::uint16_t port);
-
-/// Host and port that a connection string names in `Server` and `Port`.
-struct ServerAddress {
-  std::string host;
-  std::string port;
-};
-[[nodiscard]] ServerAddress serverAddress(std::string_view connectionString);
 
 }  // namespace azcoll::test

@@ -1,4 +1,4 @@
-#include "faults/relay.h"
+#include "support/relay.h"
 
 #include <arpa/inet.h>
 #include <array>
@@ -78,6 +78,34 @@ int connectedTo(const std::string& host, const std::string& port) {
   return server;
 }
 
+/// The connection string that goes to `port` of this machine instead of the server it names.
+std::string throughPort(std::string_view connectionString, std::uint16_t port) {
+  const bool apart = !valueOf(connectionString, {"port"}).empty();
+  const std::string here =
+      withKey(connectionString, "Server",
+              apart ? "127.0.0.1" : join("127.0.0.1,", static_cast<std::int64_t>(port)),
+              {"server", "address", "addr"});
+  return apart ? withKey(here, "Port", std::to_string(port), {"port"}) : here;
+}
+
+struct ServerAddress {
+  std::string host;
+  std::string port;
+};
+
+ServerAddress serverAddress(std::string_view connectionString) {
+  std::string host = valueOf(connectionString, {"server", "address", "addr"});
+  std::string port = valueOf(connectionString, {"port"});
+  if (host.starts_with("tcp:")) {
+    host.erase(0, 4);
+  }
+  if (const std::size_t comma = host.find(','); comma != std::string::npos) {
+    port = host.substr(comma + 1);
+    host.erase(comma);
+  }
+  return {.host = host, .port = port.empty() ? "1433" : port};
+}
+
 }  // namespace
 
 std::string_view nameOf(Direction direction) {
@@ -98,8 +126,10 @@ std::string_view nameOf(Trouble trouble) {
   return {};
 }
 
-Relay::Relay(std::string host, std::string port)
-    : host_{std::move(host)}, serverPort_{std::move(port)} {
+Relay::Relay(std::string_view server) {
+  ServerAddress behind = serverAddress(server);
+  host_ = std::move(behind.host);
+  port_ = std::move(behind.port);
   std::array<int, 2> pipe{};
   required(::pipe(pipe.data()), "pipe");
   wakeRead_ = pipe[0];
@@ -113,7 +143,7 @@ Relay::Relay(std::string host, std::string port)
   required(::bind(listener_, plain, size), "bind");
   required(::listen(listener_, 1), "listen");
   required(::getsockname(listener_, plain, &size), "getsockname");
-  port_ = ntohs(address.sin_port);
+  connectionString_ = throughPort(server, ntohs(address.sin_port));
   thread_ = std::thread{[this] { serve(); }};
 }
 
@@ -142,6 +172,11 @@ void Relay::watch(Direction direction, std::size_t number, Trouble trouble,
   watch();
   const std::lock_guard lock{mutex_};
   plan_ = Plan{direction, number, trouble, delay};
+}
+
+void Relay::hangUpAfter(std::size_t pieces) {
+  const std::lock_guard lock{mutex_};
+  mostPieces_ = pieces;
 }
 
 std::size_t Relay::packets(Direction direction) const { return packets_[indexOf(direction)]; }
@@ -186,7 +221,9 @@ void Relay::accept() {
   }
   close();
   watching_ = false;
-  const int server = connectedTo(host_, serverPort_);
+  pieces_ = 0;
+  clientSpoke_ = false;
+  const int server = connectedTo(host_, port_);
   if (server < 0) {
     ::close(client);
     return;
@@ -206,6 +243,13 @@ void Relay::pass(Direction direction) {
   std::array<std::uint8_t, 16384> bytes{};
   const ssize_t got = ::recv(way.from, bytes.data(), bytes.size(), 0);
   if (got <= 0) {
+    close();
+    return;
+  }
+  const bool isClient = direction == Direction::ToServer;
+  turns_ += isClient && !clientSpoke_ ? 1 : 0;
+  clientSpoke_ = isClient;
+  if (isClient && mostPieces_ && pieces_++ == *mostPieces_) {
     close();
     return;
   }
@@ -263,28 +307,6 @@ void Relay::close() {
     way = {};
   }
   held_ = false;
-}
-
-std::string throughPort(std::string_view connectionString, std::uint16_t port) {
-  const bool apart = !valueOf(connectionString, {"port"}).empty();
-  const std::string here =
-      withKey(connectionString, "Server",
-              apart ? "127.0.0.1" : join("127.0.0.1,", static_cast<std::int64_t>(port)),
-              {"server", "address", "addr"});
-  return apart ? withKey(here, "Port", std::to_string(port), {"port"}) : here;
-}
-
-ServerAddress serverAddress(std::string_view connectionString) {
-  std::string host = valueOf(connectionString, {"server", "address", "addr"});
-  std::string port = valueOf(connectionString, {"port"});
-  if (host.starts_with("tcp:")) {
-    host.erase(0, 4);
-  }
-  if (const std::size_t comma = host.find(','); comma != std::string::npos) {
-    port = host.substr(comma + 1);
-    host.erase(comma);
-  }
-  return {.host = host, .port = port.empty() ? "1433" : port};
 }
 
 }  // namespace azcoll::test
