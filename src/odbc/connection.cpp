@@ -246,6 +246,7 @@ std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& proced
   Session& session = this->session();
   catalogue_.forget();  // a procedure may do anything
   ExecutionResult result = recorded(text, [&] {
+    std::ranges::for_each(procedure.parameters, requireKnownDigits);
     try {
       return call(procedure, values, timeoutSeconds);
     } catch (const DriverFailure& failure) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 
+#include "data/text.h"
 #include "odbc/diagnostics.h"
 
 namespace azcoll::odbc {
@@ -96,6 +97,16 @@ BoundParameter BoundParameter::ofValue(const Variant& value, bool datesAsText) {
     parameter.digits_ = kMillisecondDigits;
   }
   return parameter;
+}
+
+void requireKnownDigits(const DeclaredParameter& declared) {
+  if (declared.direction != ParameterDirection::Input &&
+      carrierOf(declared.sqlType) == Carrier::Decimal &&
+      declared.size == SQLULEN{Decimal::kMaxDigits} && declared.digits == Decimal::kMaxDigits) {
+    throw DriverFailure{
+        "HYC00", join("Il server non dice quante cifre ha ", declared.name,
+                      ": un'uscita DECIMAL non si può ricevere; restituirla in una riga (SELECT)")};
+  }
 }
 
 BoundParameter BoundParameter::ofDeclared(const DeclaredParameter& declared, const Variant& value) {

@@ -14,6 +14,9 @@ constexpr const char* kProcedure =
     " @Breve VARCHAR(20) = NULL OUTPUT, @Lungo VARCHAR(8000) = NULL OUTPUT,"
     " @Largo NVARCHAR(4000) = NULL OUTPUT AS BEGIN SET NOCOUNT ON"
     " SET @Breve = @Testo SET @Lungo = @Testo SET @Largo = @Esteso SELECT @Importo AS IMPORTO END";
+constexpr const char* kTotal =
+    "CREATE PROCEDURE P2_PROVA @Importo DECIMAL(18,4), @Totale DECIMAL(18,4) = NULL OUTPUT AS BEGIN"
+    " SET NOCOUNT ON SET @Totale = @Importo END";
 
 class Outputs : public OnProvider {
  protected:
@@ -51,10 +54,12 @@ class Outputs : public OnProvider {
 
  private:
   void drop() {
-    try {
-      run("DROP PROCEDURE P1_PROVA");
-    } catch (const Error&) {
-      connection().errors().clear();
+    for (const char* const name : {"P1_PROVA", "P2_PROVA"}) {
+      try {
+        run(std::string{"DROP PROCEDURE "} + name);
+      } catch (const Error&) {
+        connection().errors().clear();
+      }
     }
   }
 
@@ -107,6 +112,31 @@ TEST_P(Outputs, ADecimalInputArrivesWithAllItsDigitsWhateverTheServerTellsOfThem
     const auto rows = call("", "", number);
     EXPECT_EQ(rows->fields().item("IMPORTO").value().toDecimal(), number) << text;
   }
+}
+
+TEST_P(Outputs, ADecimalComesBackExactlyOrIsRefusedByName) {
+  run(kTotal);
+  const auto total = connection().newCommand();
+  total->setActiveConnection(shared());
+  total->setCommandText("P2_PROVA");
+  total->setCommandType(CommandOption::StoredProcedure);
+  for (const char* const text : {"12345678901234.5678", "-0.0001", "0", "12.5"}) {
+    const Decimal number = Decimal::parse(text).value();
+    total->parameters().item("@Importo").setValue(number);
+    std::int64_t affected = 0;
+    try {
+      total->execute(affected, CommandOption::StoredProcedure);
+      EXPECT_EQ(total->parameters().item("@Totale").value().toDecimal(), number) << text;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.info().sqlState, "HYC00") << error.description();
+      EXPECT_TRUE(error.description().find("@Totale") != std::string::npos ||
+                  error.description().find("@totale") != std::string::npos)
+          << error.description();
+      EXPECT_FALSE(error.info().connectionLost);
+    }
+  }
+  call("12", "12");  // the connection goes on
+  EXPECT_EQ(output("@Breve"), Variant{"12"});
 }
 
 TEST_P(Outputs, AnInputLeftEmptyTakesItsDeclaredDefault) {
