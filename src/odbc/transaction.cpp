@@ -41,7 +41,12 @@ std::int64_t numberOf(const Session& session, std::string_view text, int timeout
   }
   Variant number;
   answer.results.back().packed->read(0, std::span{&number, 1});
-  return number.toInt64();
+  try {
+    return number.toInt64();
+  } catch (const Error& error) {
+    throw DriverFailure{
+        "HY000", join("Il server non risponde con un numero a: ", text, " (", error.what(), ")")};
+  }
 }
 
 std::int64_t openTransactions(const Session& session) {
@@ -74,7 +79,7 @@ void Transaction::begin(int timeoutSeconds) {
     if (lock_ == GroupLock::PerDatabase) {
       takeGroupLock(timeoutSeconds);
     }
-  } catch (const DriverFailure&) {
+  } catch (...) {
     state_ = State::None;
     tryTo([&] { leaveManualCommit(); });
     throw;
@@ -105,7 +110,7 @@ void Transaction::takeGroupLock(int timeoutSeconds) {
                     "DECLARE @r INT EXEC @r = sp_getapplock @Resource = N'AZCOLLSRV',"
                     " @LockMode = N'Exclusive', @LockOwner = N'Transaction', @LockTimeout = ",
                     limit, " SELECT @r AS R"),
-               0);
+               timeoutSeconds > 0 ? timeoutSeconds + kQuestionSeconds : 0);
   if (answer < 0) {
     throw DriverFailure{"HYT00", kLockTimeout,
                         join("Lock request time out period exceeded. Un'altra chiamata lavora sul "

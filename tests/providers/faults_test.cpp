@@ -62,6 +62,8 @@ TEST_F(Faults, AnErrorWithoutAnExplanationGetsWhatIsKnown) {
             "Unknown error (server prova.it:1433, stato HY000, numero 20004)");
   EXPECT_EQ(failureOf([&] { run("NO TEXT"); }).description(),
             "Errore senza spiegazioni del driver (server prova.it:1433, stato 07S01, numero 7)");
+  EXPECT_EQ(failureOf([&] { run("UNKNOWN LOSS"); }).description(),
+            "Unknown error (connessione caduta, server prova.it:1433, stato 08S01, numero 20004)");
 }
 
 TEST_F(Faults, LeadingRowCountsOfADeclareAreNotTheResult) {

@@ -151,6 +151,36 @@ TEST_F(Faults, ATransactionThatNoStatementHasBegunYetIsNotLost) {
   EXPECT_EQ(state().substr(0, 3), "1|1");
 }
 
+TEST_F(Faults, WhatTheTransactionBeforeHasDoneDoesNotBeginThisOne) {
+  connect("Server=tsql");
+  connection_->beginTrans();
+  run("INSERT T1");
+  connection_->commitTrans();
+  connection_->beginTrans();
+  EXPECT_FALSE(failureOf([&] { run("CONVERSION ERROR"); }).info().transactionLost);
+}
+
+TEST_F(Faults, ATransactionThatHasBegunAtOnceIsLostByItsFirstStatement) {
+  connect("Server=tsql;Starts=at once");
+  connection_->beginTrans();
+  EXPECT_TRUE(failureOf([&] { run("CONVERSION ERROR"); }).info().transactionLost);
+}
+
+TEST_F(Faults, TheTurnIsPartOfTheTransactionAndLostWithIt) {
+  connect("Server=tsql;Blocco=Gruppo");
+  connection_->beginTrans();
+  EXPECT_TRUE(failureOf([&] { run("CONVERSION ERROR"); }).info().transactionLost);
+}
+
+TEST_F(Faults, AServerThatCannotSayWhetherTheTransactionIsThereIsSentNoMore) {
+  connect("Server=tsql;Starts=at once;Count=once");
+  connection_->beginTrans();
+  run("INSERT T1");
+  EXPECT_TRUE(failureOf([&] { run("DUPLICATE KEY"); }).info().transactionLost);
+  EXPECT_EQ(failureOf([&] { run("INSERT T1"); }).info().sqlState, "25000");
+  connection_->rollbackTrans();
+}
+
 TEST_F(Faults, ATransactionThatTheServerHasEndedUnnoticedCanBeRolledBack) {
   connect("Server=tsql;Starts=at once");
   connection_->beginTrans();
@@ -172,6 +202,25 @@ TEST_F(Faults, ATurnThatDoesNotComeBeginsNothing) {
   EXPECT_EQ(error.info().sqlState, "HYT00");
   EXPECT_EQ(error.info().nativeNumber, 1222);
   EXPECT_EQ(state().substr(0, 3), "1|0");
+}
+
+TEST_F(Faults, ATurnWhoseAnswerIsNoNumberBeginsNothing) {
+  connect("Server=tsql;Starts=at once;Blocco=Gruppo;Turn=null");
+  const Error error = failureOf([&] { connection_->beginTrans(); });
+  EXPECT_TRUE(error.fromProvider());
+  EXPECT_EQ(error.info().sqlState, "HY000");
+  EXPECT_EQ(state().substr(0, 3), "1|0");
+}
+
+TEST_F(Faults, TheWaitForATurnHasALimitOfTheProgramsOwn) {
+  connect("Server=tsql;Starts=at once;Blocco=Gruppo");
+  connection_->setCommandTimeout(7);
+  connection_->beginTrans();
+  EXPECT_EQ(value("TURN LIMIT"), Variant{std::int32_t{37}});  // behind the server's own seven
+  connection_->rollbackTrans();
+  connection_->setCommandTimeout(0);
+  connection_->beginTrans();
+  EXPECT_EQ(value("TURN LIMIT"), Variant{std::int32_t{0}});
 }
 
 }  // namespace

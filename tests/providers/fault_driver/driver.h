@@ -69,7 +69,9 @@ struct Connection : Handle {
   int rollbacks = 0;
   int openResults = 0;
   int transactions = 0;  ///< open ones, of a server that speaks T-SQL
+  int counted = 0;       ///< how often the count of them was asked for
   SQLULEN loginTimeout = 0;
+  SQLULEN turnLimit = 0;        ///< with which the lock of a group was last asked for
   int executions = 0;           ///< since they were asked for
   int fetches = 0;              ///< since they were asked for
   std::u16string lastChange{};  ///< text and parameters of the last INSERT or UPDATE

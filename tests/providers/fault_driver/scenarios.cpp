@@ -154,6 +154,21 @@ Scenario single(SQLSMALLINT type, std::u16string value) {
   return one({.columns = {column(u"C1", type)}, .rows = {{std::move(value)}}});
 }
 
+/// The application lock that belongs to a transaction: none is given where none has begun.
+Scenario turn(const std::u16string& text, const Statement& statement) {
+  Connection& connection = statement.connection;
+  connection.turnLimit = statement.queryTimeout;
+  if (text.find(u"FROM sys.schemas") != std::u16string::npos && !connection.autocommit) {
+    connection.transactions = 1;
+  }
+  if (connection.has(u"Turn", u"null")) {
+    return one({.columns = {column(u"R", SQL_INTEGER)}, .rows = {{std::nullopt}}});
+  }
+  return single(SQL_INTEGER, connection.transactions == 0        ? u"-999"
+                             : connection.has(u"Turn", u"never") ? u"-1"
+                                                                 : u"0");
+}
+
 }  // namespace
 
 Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
@@ -162,7 +177,9 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
     return counters(connection);
   }
   if (text == u"SELECT @@TRANCOUNT AS N" && connection.speaksTSql()) {
-    return single(SQL_INTEGER, count(static_cast<SQLULEN>(connection.transactions)));
+    return connection.counted++ > 0 && connection.has(u"Count", u"once")
+               ? failing("HY000", u"not now", 1)
+               : single(SQL_INTEGER, count(static_cast<SQLULEN>(connection.transactions)));
   }
   if (text == u"BEGIN TRANSACTION") {
     ++connection.transactions;
@@ -173,12 +190,11 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
     return counts({-1});
   }
   if (text.find(u"sp_getapplock") != std::u16string::npos) {
-    return single(SQL_INTEGER, connection.has(u"Turn", u"never") ? u"-1" : u"0");
+    return turn(text, statement);
   }
-  if (text == u"CONVERSION ERROR" || text == u"VICTIM") {
+  if (text == u"CONVERSION ERROR") {
     connection.transactions = 0;
-    return text == u"VICTIM" ? failing("42000", u"chosen as the deadlock victim", 1205)
-                             : failing("22018", u"conversion failed", 245);
+    return failing("22018", u"conversion failed", 245);
   }
   const std::map<std::u16string, Scenario> known{
       {u"LINK LOST", linkLostInAFetch()},
@@ -187,6 +203,7 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
       {u"EXEC LYING_SIZES", lyingSizes()},
       {u"SELECT * FROM MANY_ROWS", manyRows()},
       {u"FAILS BEHIND ITS ROWS", failsBehindItsRows()},
+      {u"TURN LIMIT", single(SQL_INTEGER, count(connection.turnLimit))},
       {u"TIME LIMITS", timeLimits(statement)},
       {u"NO TOTAL", noTotal()},
       {u"IMPOSSIBLE LENGTH", impossibleLength()},
@@ -209,9 +226,12 @@ Scenario scenarioFor(const std::u16string& text, const Statement& statement) {
        join()},
       {u"SELECT 1 AS PRIMA, T1_PROVA.*, X.K1, X.K2 NOME, X.K3 FROM T1_PROVA, F(1) X", join()},
       {u"SELECT A.*, A.*, A.C1_ID, A.C1_ID FROM T1_PROVA A", join()},
+      // The class says nothing, and neither does the count: the number does.
+      {u"VICTIM", failing("42000", u"chosen as the deadlock victim", 1205)},
       {u"DUPLICATE KEY", failing("23000", u"duplicate key", 2627)},
       {u"UNKNOWN", failing("HY000", u"[Maker][Driver]Unknown error", 20004)},
       {u"NO TEXT", failing("07S01", u"", 7)},
+      {u"UNKNOWN LOSS", failing("08S01", u"[Maker][Driver]Unknown error", 20004)},
       {u"SILENT", Scenario{.results = {}, .failure = {{"", u"", 0}}}},
       {u"SELECT * FROM T1_PROVA",
        one({.columns = {column(u"c1_id", SQL_INTEGER), column(u"C2_NOME", SQL_WVARCHAR, 20)},
