@@ -9,8 +9,8 @@
 #include <map>
 
 #include "bench_database.h"
-#include "component/service.h"
 #include "raw_database.h"
+#include "service/service.h"
 #include "support/sqlite_texts.h"
 
 namespace azcoll::bench {

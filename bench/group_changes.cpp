@@ -3,8 +3,8 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_database.h"
-#include "component/service.h"
 #include "processor_time.h"
+#include "service/service.h"
 
 namespace azcoll::bench {
 namespace {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "bench_database.h"
-#include "component/service.h"
 #include "data/tracing.h"
+#include "service/service.h"
 
 /// The main job as the component does it, and its operations to be done again without it.
 namespace azcoll::bench {

@@ -1,5 +1,5 @@
-# One static library per room of src/. A room sees its own headers and those of the rooms that it
-# names; tools/check-house holds the same table over the include lines.
+# One static library per room of src/. The include path is all of src/: which headers a room may
+# include, tools/check-house.sh holds.
 
 add_library(azcoll_settings INTERFACE)
 target_include_directories(azcoll_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
@@ -34,30 +34,40 @@ function(azcoll_together target)
   endif()
 endfunction()
 
-# azcoll_room(NAME [DEPENDS rooms…] [EXTRA folders…] [LIBRARIES targets…])
-function(azcoll_room name)
-  cmake_parse_arguments(ROOM "" "" "DEPENDS;EXTRA;LIBRARIES" ${ARGN})
-  set(sources)
-  foreach(folder IN ITEMS ${name} ${ROOM_EXTRA})
-    file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
-    list(APPEND sources ${found})
-  endforeach()
-  set(target azcoll_${name})
-  if(NOT sources)
-    add_library(${target} INTERFACE)
-    set(scope INTERFACE)
-  else()
-    add_library(${target} STATIC ${sources})
-    set(scope PUBLIC)
+# The table of rooms (cmake/rooms.txt): AZCOLL_ROOMS_OF_name holds what a room may include, and
+# AZCOLL_FOLDERS_OF_name its folders, those of the rooms inside it included.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/rooms.txt)
+file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/rooms.txt lines REGEX "^[a-z/]+:")
+foreach(line IN LISTS lines)
+  string(REGEX MATCH "^(([a-z]+)[a-z/]*): *(.*)$" matched "${line}")
+  list(APPEND AZCOLL_FOLDERS_OF_${CMAKE_MATCH_2} ${CMAKE_MATCH_1})
+  if(CMAKE_MATCH_1 STREQUAL CMAKE_MATCH_2)
+    string(REPLACE " " ";" AZCOLL_ROOMS_OF_${CMAKE_MATCH_1} "${CMAKE_MATCH_3}")
   endif()
-  target_link_libraries(${target} ${scope} azcoll_settings ${ROOM_LIBRARIES})
-  if(AZCOLL_SANITIZE AND sources)
+endforeach()
+
+# azcoll_room(NAME [WITHOUT rooms…] [LIBRARIES targets…]): the library of a room with the rooms inside
+# it, linked with what the table names, but for rooms that this build does without.
+function(azcoll_room name)
+  cmake_parse_arguments(ROOM "" "" "WITHOUT;LIBRARIES" ${ARGN})
+  if(NOT AZCOLL_FOLDERS_OF_${name})
+    message(FATAL_ERROR "cmake/rooms.txt does not know the room ${name}")
+  endif()
+  list(TRANSFORM AZCOLL_FOLDERS_OF_${name} REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/src/\\1/*.cpp"
+       OUTPUT_VARIABLE patterns)
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+  set(target azcoll_${name})
+  add_library(${target} STATIC ${sources})
+  target_link_libraries(${target} PUBLIC azcoll_settings ${ROOM_LIBRARIES})
+  if(AZCOLL_SANITIZE)
     # The rooms only: it doubles the compile time of the tests, and they are not what it watches. For
     # the same reason it is they that are optimised: the tests run twice as fast.
     target_compile_options(${target} PRIVATE -fsanitize=undefined -fno-sanitize-recover=all -O1)
   endif()
-  foreach(room IN LISTS ROOM_DEPENDS)
-    target_link_libraries(${target} ${scope} azcoll_${room})
+  foreach(room IN LISTS AZCOLL_ROOMS_OF_${name})
+    if(NOT room IN_LIST ROOM_WITHOUT)
+      target_link_libraries(${target} PUBLIC azcoll_${room})
+    endif()
   endforeach()
 endfunction()
 

@@ -10,10 +10,15 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>")
 add_link_options(-Wl,--no-insert-timestamp)
 
+azcoll_room(text)
 azcoll_room(data)
-azcoll_room(component DEPENDS data EXTRA linked clifor activities)
-azcoll_room(ado DEPENDS data LIBRARIES ole32 oleaut32 uuid)
-azcoll_room(automation DEPENDS component ado)
+azcoll_room(component)
+azcoll_room(linked)
+azcoll_room(clifor)
+azcoll_room(activities)
+azcoll_room(service)
+azcoll_room(ado LIBRARIES ole32 oleaut32 uuid)
+azcoll_room(automation)
 
 # The type library: widl takes ASCII names only, so the accents of the table of members are put into
 # its output; the platform's own interfaces come with Wine's development files.
@@ -27,9 +32,9 @@ add_custom_command(
   OUTPUT ${tlb}
   COMMAND ${AZCOLL_WIDL} ${AZCOLL_WIDL_FLAGS} -t -o ascii.tlb ${idl}
   COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/accent_tlb.py ascii.tlb ${tlb}
-          ${PROJECT_SOURCE_DIR}/src/component/members.h
+          ${PROJECT_SOURCE_DIR}/src/service/members.h
   DEPENDS ${idl} ${PROJECT_SOURCE_DIR}/tools/accent_tlb.py
-          ${PROJECT_SOURCE_DIR}/src/component/members.h
+          ${PROJECT_SOURCE_DIR}/src/service/members.h
   WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
   VERBATIM)
 add_custom_target(azcoll_type_library DEPENDS ${tlb})
@@ -60,8 +65,8 @@ if(BUILD_TESTING AND AZCOLL_SQLITE_SOURCE)
   target_compile_options(sqlite3 PRIVATE -O1)
   add_library(SQLite::SQLite3 ALIAS sqlite3)
   azcoll_room(tsql)
-  azcoll_room(cursor DEPENDS data)
-  azcoll_room(embedded DEPENDS data cursor tsql LIBRARIES SQLite::SQLite3)
+  azcoll_room(cursor)
+  azcoll_room(embedded LIBRARIES SQLite::SQLite3)
   # What only the tests use is compiled for their sake.
   foreach(room IN ITEMS tsql cursor embedded)
     target_compile_options(azcoll_${room} PRIVATE -O1)

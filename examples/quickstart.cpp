@@ -1,5 +1,5 @@
 #include <iostream>
-#include "component/service.h"
+#include "service/service.h"
 
 int main() {
   azcoll::CLSCO_AZIENDECOLL servizio;

@@ -11,36 +11,45 @@ complain() {
   failed=1
 }
 
-# Rooms that a room may include (besides itself and the standard library).
-allowed() {
-  case $1 in
-    data | tsql) ;;
-    component | linked | clifor | activities) echo component linked clifor activities data ;;
-    cursor) echo data ;;
-    embedded) echo data cursor tsql ;;
-    odbc) echo data cursor ;;
-    ado) echo data ;;
-    automation) echo component ado data ;;
-    platform) echo component data embedded odbc ;;
-    cli) echo component data platform tsql ;;
-    *) return 1 ;;
-  esac
+# The table of rooms: what a room may include besides itself and the standard library.
+declare -A allowed
+while IFS=: read -r room rooms; do
+  allowed[$room]=${rooms# }
+done < <(grep -E '^[a-z/]+:' cmake/rooms.txt)
+
+# The room of a path below src/: a room inside another one where the table names it.
+room_of() {
+  local folder=${1%/*}
+  while [ -z "${allowed[$folder]+known}" ] && [ "$folder" != "${folder%/*}" ]; do
+    folder=${folder%/*}
+  done
+  printf '%s' "$folder"
 }
 
 for folder in src/*/; do
-  room=$(basename "$folder")
-  if ! rooms=$(allowed "$room"); then
-    complain "src/$room: not a room of the house"
-    continue
-  fi
-  while IFS=: read -r file line include; do
-    target=${include#*\"}
-    target=${target%%/*}
-    case " $room $rooms " in
-      *" $target "*) ;;
-      *) complain "$file:$line: room $room may not include room $target" ;;
-    esac
-  done < <(grep -rnE '^#include "' "$folder" || true)
+  folder=${folder#src/}
+  [ -n "${allowed[${folder%/}]+known}" ] || complain "src/${folder%/}: not a room of cmake/rooms.txt"
+done
+while IFS=: read -r file line include; do
+  room=$(room_of "${file#src/}")
+  include=${include#*\"}
+  target=$(room_of "${include%%\"*}")
+  # What a house may include its inner rooms may, too; they stand open to the house itself.
+  [ "$room" = "${target%/*}" ] && continue
+  case " $room ${allowed[$room]-} ${allowed[${room%%/*}]-} " in
+    *" $target "*) ;;
+    *) complain "$file:$line: room $room may not include room $target" ;;
+  esac
+done < <(grep -rnE '^#include "' src --include='*.h' --include='*.cpp' || true)
+
+# CONTRIBUTING shows the same table to people.
+for room in "${!allowed[@]}"; do
+  [ "$room" = "${room%/*}" ] || continue
+  row=$(grep -F "| \`src/$room\` |" CONTRIBUTING.md || true)
+  named=$(cut -d'|' -f3 <<<"$row" | { grep -oE '`[a-z]+`' || true; } | tr -d '\`' | sort | tr '\n' ' ')
+  wanted=$(tr ' ' '\n' <<<"${allowed[$room]}" | sed '/^$/d' | sort | tr '\n' ' ')
+  [ -n "$row" ] || complain "CONTRIBUTING.md: no row for src/$room"
+  [ "$named" = "$wanted" ] || complain "CONTRIBUTING.md: src/$room may include $wanted, not $named"
 done
 
 # A foreign interface is named in its own room only.

@@ -1,15 +1,16 @@
 // An activity row for the reference year: the default one, or a copy of the latest.
 
+#include "activities/insertion.h"
+
 #include "activities/fragments.h"
-#include "component/service.h"
+#include "activities/query.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/tables.h"
 #include "data/text.h"
 
-namespace azcoll {
+namespace azcoll::activities {
 namespace {
-
-using activities::lines;
 
 /// The company's data from which a default activity is made.
 std::string companyData() {
@@ -103,66 +104,66 @@ std::string copyInsert(const Variant& id, const Variant& year, std::string_view 
       " END");
 }
 
-}  // namespace
-
-void CLSCO_AZIENDECOLL::InserisciAttività() noexcept {
-  metodo(" in InserisciAttività", [this] {
-    const std::shared_ptr<Recordset> rows = leggi(join(
-        lines(" SELECT *", " FROM   CG86_AZIENDECOLL WITH(NOLOCK)", ComponiWhereAttività("", true)),
-        " ORDER BY CG86_ANNOIVA DESC"));
-    if (rows->atEnd()) {
-      inserisciAttivitàPredefinita();
-    } else {
-      copiaUltimaAttività(*rows);
-    }
-  });
-}
-
 /// Inserts a row, or hands it out instead when the caller wants to see it first.
-void CLSCO_AZIENDECOLL::inserisciOConsegna(std::string_view riga, std::string_view inserimento) {
-  if (input().PopolaRecordsetInserimentoAttivitàMultiAzienda) {
-    output().Grst_AttivitaCollegate = leggi(riga);
+void insertOrHandOut(Call& call, std::string_view row, std::string_view insert) {
+  if (call.input().PopolaRecordsetInserimentoAttivitàMultiAzienda) {
+    call.output().Grst_AttivitaCollegate = call.read(row);
   } else {
-    esegui(inserimento);
+    call.run(insert);
   }
 }
 
 /// Makes the default activity of a company that has none: registry entry, then row.
-void CLSCO_AZIENDECOLL::inserisciAttivitàPredefinita() {
-  const std::string company = join(input().Pvar_Ditta);
-  const std::string code = join(ValoreDefault(input().CodiceAttività, company));
-  const Variant year = annoAttività();
+void insertDefaultActivity(Call& call) {
+  const std::string company = join(call.input().Pvar_Ditta);
+  const std::string code = join(call.ValoreDefault(call.input().CodiceAttività, company));
+  const Variant year = activityYear(call);
   const std::shared_ptr<Recordset> entries =
-      leggi(lines(" SELECT COUNT(1) AS NUM",                    //
-                  " FROM   CG96_ANAGATTIVITA",                  //
-                  join(" WHERE  CG96_DITTA_CG18 = ", company),  //
-                  join("   AND  CG96_CODATTIVITA = ", code)));
-  if (isNumber(entries->fields().item("NUM").value(), 0)) {
-    esegui(registryInsert(company, code));
+      call.read(lines(" SELECT COUNT(1) AS NUM",                    //
+                      " FROM   CG96_ANAGATTIVITA",                  //
+                      join(" WHERE  CG96_DITTA_CG18 = ", company),  //
+                      join("   AND  CG96_CODATTIVITA = ", code)));
+  if (equalsNumber(entries->fields().item("NUM").value(), 0)) {
+    call.run(registryInsert(company, code));
   }
   const std::string row = defaultRow(company, code, year);
-  inserisciOConsegna(row, defaultInsert(company, code, year, row));
+  insertOrHandOut(call, row, defaultInsert(company, code, year, row));
 }
 
-/// Copies the first of `righe`, the latest year first, into the reference year when that has none.
-void CLSCO_AZIENDECOLL::copiaUltimaAttività(Recordset& righe) {
-  const auto value = [&](std::string_view column) { return righe.fields().item(column).value(); };
-  if (!isPositive(annoAttività())) {
-    input().AnnoSolare = value("CG86_ANNOIVA").plusOne();
+/// Copies the first of `rows`, the latest year first, into the reference year when that has none.
+void copyLatestActivity(Call& call, Recordset& rows) {
+  const auto value = [&](std::string_view column) { return rows.fields().item(column).value(); };
+  if (!isPositive(activityYear(call))) {
+    call.input().AnnoSolare = value("CG86_ANNOIVA").plusOne();
   }
-  const Variant year = annoAttività();
+  const Variant year = activityYear(call);
   if (isPositive(year)) {
-    righe.setFilter(join("CG86_ANNOIVA = ", year));
-    if (!righe.atEnd() && !input().PopolaRecordsetInserimentoAttivitàMultiAzienda) {
-      output().CodiceAttività = value("CG86_CODATTIVITA");
+    rows.setFilter(join("CG86_ANNOIVA = ", year));
+    if (!rows.atEnd() && !call.input().PopolaRecordsetInserimentoAttivitàMultiAzienda) {
+      call.output().CodiceAttività = value("CG86_CODATTIVITA");
       return;
     }
-    righe.setFilter("");
+    rows.setFilter("");
   }
   const Variant id = value("CG86_IDATTIVITA");
   const std::string row = copiedRow(id, year);
-  inserisciOConsegna(row, copyInsert(id, year, row));
-  output().CodiceAttività = value("CG86_CODATTIVITA");
+  insertOrHandOut(call, row, copyInsert(id, year, row));
+  call.output().CodiceAttività = value("CG86_CODATTIVITA");
 }
 
-}  // namespace azcoll
+}  // namespace
+
+void InserisciAttività(Call& call) noexcept {
+  method(call, " in InserisciAttività", [&] {
+    const std::shared_ptr<Recordset> rows = call.read(join(
+        lines(" SELECT *", " FROM   CG86_AZIENDECOLL WITH(NOLOCK)", ComponiWhereAttività(call)),
+        " ORDER BY CG86_ANNOIVA DESC"));
+    if (rows->atEnd()) {
+      insertDefaultActivity(call);
+    } else {
+      copyLatestActivity(call, *rows);
+    }
+  });
+}
+
+}  // namespace azcoll::activities

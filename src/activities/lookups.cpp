@@ -1,15 +1,18 @@
 // Which activity applies: by sectional register, by the selection of the input object, and whether
 // it exists at all.
 
+#include "activities/lookups.h"
+
 #include "activities/fragments.h"
-#include "component/service.h"
+#include "activities/previous_period.h"
+#include "activities/query.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/text.h"
+#include "linked/configuration_checks.h"
 
-namespace azcoll {
+namespace azcoll::activities {
 namespace {
-
-using activities::lines;
 
 constexpr std::int16_t kRegisterCodeWidth = 2;
 
@@ -42,103 +45,102 @@ std::string registerStatement(const Variant& company, const Variant& year,
                join(" AND    CG32_SEZIONALE = '", registerCode, "'"));
 }
 
-}  // namespace
-
-void CLSCO_AZIENDECOLL::azzeraAttività() {
-  CLSCO_OUTPUTAZCOLL& out = output();
+void clearActivity(Call& call) {
+  CLSCO_OUTPUTAZCOLL& out = call.output();
   out.CodiceAttività = kNull;
   out.DescrAttività = kNull;
   out.IdAttività = kNull;
 }
 
 /// Hands out the activity of the first row, when there is one.
-void CLSCO_AZIENDECOLL::riportaAttività(Recordset& righe) {
-  if (righe.atEnd()) {
+void handOutActivity(Call& call, Recordset& rows) {
+  if (rows.atEnd()) {
     return;
   }
-  Fields& row = righe.fields();
-  CLSCO_OUTPUTAZCOLL& out = output();
+  Fields& row = rows.fields();
+  CLSCO_OUTPUTAZCOLL& out = call.output();
   out.CodiceAttività = row.item("CG86_CODATTIVITA").value();
-  out.DescrAttività = ValoreDefault(row.item("CG96_DESCRATTIVITA").value(), "");
+  out.DescrAttività = call.ValoreDefault(row.item("CG96_DESCRATTIVITA").value(), "");
   out.IdAttività = row.item("CG86_IDATTIVITA").value();
 }
 
-void CLSCO_AZIENDECOLL::GetCodiceAttivitàDaSezionale() noexcept {
-  metodoSenzaPreambolo(" in GetCodiceAttivitàDaSezionale", [this] {
-    azzeraAttività();
-    const CLSCO_INPUTAZCOLL& in = input();
-    const auto refuse = [this](std::string_view message) {
-      Stato = kRefused;
-      Errore = message;
-    };
+}  // namespace
+
+void GetCodiceAttivitàDaSezionale(Call& call) noexcept {
+  unpreparedMethod(call, " in GetCodiceAttivitàDaSezionale", [&] {
+    clearActivity(call);
+    const CLSCO_INPUTAZCOLL& in = call.input();
     if (!in.Connessione) {
-      return refuse("Non è stata definita la connessione.");
+      return call.refuse("Non è stata definita la connessione.");
     }
-    if (mancante(in.Pvar_Ditta)) {
-      return refuse("Non è stato definito il codice azienda.");
+    if (call.isMissing(in.Pvar_Ditta)) {
+      return call.refuse("Non è stato definito il codice azienda.");
     }
-    if (mancante(in.AnnoSolare)) {
-      return refuse("Non è stato definito l'anno solare.");
+    if (call.isMissing(in.AnnoSolare)) {
+      return call.refuse("Non è stato definito l'anno solare.");
     }
-    if (mancante(in.Sezionale)) {
+    if (call.isMissing(in.Sezionale)) {
       // Callers rely on it: this message has no full stop.
-      return refuse("Non è stato definito il codice sezionale");
+      return call.refuse("Non è stato definito il codice sezionale");
     }
     const Variant company = in.Pvar_Ditta;  // a seeding that fails may leave another one there
-    InserisciAttivitàDaPeriodoPrecedente();
-    azzeraAttività();
-    riportaAttività(*leggi(registerStatement(company, in.AnnoSolare,
-                                             FormattaCampo(in.Sezionale, kRegisterCodeWidth))));
+    InserisciAttivitàDaPeriodoPrecedente(call);
+    clearActivity(call);
+    handOutActivity(call,
+                    *call.read(registerStatement(company, in.AnnoSolare,
+                                                 FormattaCampo(in.Sezionale, kRegisterCodeWidth))));
   });
 }
 
-void CLSCO_AZIENDECOLL::GetCodiceAttività() noexcept {
-  metodoSenzaPreambolo(" in GetCodiceAttività", [this] {
-    azzeraAttività();
-    if (!InizializzaMetodo(Connect::Yes)) {
+void GetCodiceAttività(Call& call) noexcept {
+  unpreparedMethod(call, " in GetCodiceAttività", [&] {
+    clearActivity(call);
+    if (!call.InizializzaMetodo(Connect::Yes)) {
       return;
     }
-    riportaAttività(*leggi(lines(
-        " SELECT CG86_CODATTIVITA, CG96_DESCRATTIVITA, CG86_IDATTIVITA",
-        " FROM   CG86_AZIENDECOLL WITH(NOLOCK)", " LEFT OUTER JOIN CG96_ANAGATTIVITA WITH(NOLOCK)",
-        "   ON  CG96_DITTA_CG18 = CG86_DITTACOLL_CG18",
-        "  AND  CG96_CODATTIVITA = CG86_CODATTIVITA", ComponiWhereAttività("", true))));
+    handOutActivity(
+        call, *call.read(lines(" SELECT CG86_CODATTIVITA, CG96_DESCRATTIVITA, CG86_IDATTIVITA",
+                               " FROM   CG86_AZIENDECOLL WITH(NOLOCK)",
+                               " LEFT OUTER JOIN CG96_ANAGATTIVITA WITH(NOLOCK)",
+                               "   ON  CG96_DITTA_CG18 = CG86_DITTACOLL_CG18",
+                               "  AND  CG96_CODATTIVITA = CG86_CODATTIVITA",
+                               ComponiWhereAttività(call))));
   });
 }
 
-bool CLSCO_AZIENDECOLL::VerificaEsistenzaAttivita() noexcept {
+bool VerificaEsistenzaAttivita(Call& call) noexcept {
   bool exists = false;
   // Callers rely on it: the message names the method without the accent of its neighbours.
-  metodo(" in VerificaEsistenzaAttivita", [&] {
+  method(call, " in VerificaEsistenzaAttivita", [&] {
     exists = true;
-    if (mancante(input().CodiceAttività)) {
+    if (call.isMissing(call.input().CodiceAttività)) {
       return;
     }
-    GetCodiceAttività();
-    if (!mancante(output().CodiceAttività)) {
+    GetCodiceAttività(call);
+    if (!call.isMissing(call.output().CodiceAttività)) {
       return;
     }
     // Callers rely on it: a look-up that failed counts as a missing activity, and is told in the
     // end whatever came of it.
-    const Variant lookup = Stato;
-    switch (LeggiFlagIvaQuater()) {
+    const Variant lookup = call.Stato;
+    switch (LeggiFlagIvaQuater(call)) {
       case regimes::kOneActivity:
-        InserisciAttivitàDaPeriodoPrecedente();
+        InserisciAttivitàDaPeriodoPrecedente(call);
         break;
       case regimes::kOverSeveralCompanies:
-        exists = ControllaDittaNonCollegata();
+        exists = linked::ControllaDittaNonCollegata(call);
         break;
       case regimes::kWithinOneCompany:
-        exists = ControllaAttivitaNonCollegata();
+        exists = linked::ControllaAttivitaNonCollegata(call);
         break;
       default:
         break;
     }
-    if (riuscito()) {
-      Stato = lookup;
+    if (call.succeeded()) {
+      call.Stato = lookup;
     }
   });
   return exists;
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::activities

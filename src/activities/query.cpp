@@ -1,18 +1,17 @@
 // The activities of a company: the statement that reads them, and its recordset.
 
+#include "activities/query.h"
+
 #include <utility>
 
 #include "activities/fragments.h"
-#include "component/service.h"
+#include "activities/previous_period.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/text.h"
 
-namespace azcoll {
+namespace azcoll::activities {
 namespace {
-
-using activities::groupFilter;
-using activities::lines;
-using activities::mainActivity;
 
 /// The decoded columns: suite-wide parameters (a company's own value wins and the column keeps its
 /// name), descriptions, management flags of the company.
@@ -97,41 +96,8 @@ std::string registersStatement(std::string_view company) {
                " ORDER BY CG32_DITTA_CG18, CG32_ANNO, CG32_SEZIONALE, CG86_CODATTIVITA");
 }
 
-}  // namespace
-
-/// The reference year of an activity method. A year 0 of the caller counts as missing, and without
-/// any year the method fails, so that no deletion covers all years by it.
-Variant CLSCO_AZIENDECOLL::annoAttività() { return annoDellaChiamata(true); }
-
-/// The selection of activity rows by the fields of the input object, with `prefisso` before every
-/// column. Every condition ends with a line break.
-std::string CLSCO_AZIENDECOLL::ComponiWhereAttività(std::string_view prefisso, bool filtraAzienda) {
-  const CLSCO_INPUTAZCOLL& in = input();
-  std::string where = join(" WHERE ", prefisso, "CG86_INDTIPO = 0", kLineBreak);
-  if (filtraAzienda && !mancante(in.Pvar_Ditta)) {
-    where += join(" AND ", prefisso, "CG86_DITTACOLL_CG18 = ", in.Pvar_Ditta, kLineBreak);
-  }
-  if (const Variant year = annoAttività(); isPositive(year)) {
-    // Callers rely on it: two years are always named; without one to duplicate the second is 0,
-    // which no row has.
-    where += join(" AND ", prefisso, "CG86_ANNOIVA IN(", year, ", ",
-                  ValoreDefault(in.AnnoSolareDaDuplicare, std::int16_t{0}), ")", kLineBreak);
-  }
-  if (!mancante(in.CodiceAttività)) {
-    where += join(" AND ", prefisso, "CG86_CODATTIVITA = ", in.CodiceAttività, kLineBreak);
-  }
-  if (!mancante(in.IdAttività)) {
-    where += join(" AND ", prefisso, "CG86_IDATTIVITA = ", in.IdAttività, kLineBreak);
-  }
-  if (in.SelezionaAttivitàPrincipale) {
-    where += join(" AND ", prefisso, "CG86_FLGATTIVITAPRINC = 1", kLineBreak);
-  }
-  return where;
-}
-
 /// Select list and source of the activity query, decoded columns included when they are asked for.
-std::string CLSCO_AZIENDECOLL::colonneAttività() const {
-  const CLSCO_INPUTAZCOLL& in = input();
+std::string selectList(const CLSCO_INPUTAZCOLL& in) {
   const bool registry = in.SelezionaSoloAnagraficheAttività;
   const bool decoded = in.Pbol_AggiungiCampiDecodificheAttività;
   std::string text =
@@ -162,27 +128,29 @@ std::string CLSCO_AZIENDECOLL::colonneAttività() const {
 }
 
 /// The conditions of the activity query.
-std::string CLSCO_AZIENDECOLL::selezioneAttività() {
-  const CLSCO_INPUTAZCOLL& in = input();
+std::string conditions(Call& call) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
   const std::string company = join(in.Pvar_Ditta);
   if (in.SelezionaSoloAnagraficheAttività) {
     std::string where = join(" WHERE  CG96_ANAGATTIVITA.CG96_DITTA_CG18 = ", company);
-    if (!mancante(in.CodiceAttività)) {
+    if (!call.isMissing(in.CodiceAttività)) {
       where = lines(where, join(" AND CG96_ANAGATTIVITA.CG96_CODATTIVITA = ", in.CodiceAttività));
     }
     return where;
   }
-  return join(ComponiWhereAttività("CG86_AZIENDECOLL.", in.SelezionaAttivitàSingolaAzienda),
+  return join(ComponiWhereAttività(
+                  call, "CG86_AZIENDECOLL.",
+                  in.SelezionaAttivitàSingolaAzienda ? Companies::CurrentOnly : Companies::All),
               in.MultiAziendaEscludiCollegate
                   ? join("   AND  CG86_AZIENDECOLL.CG86_DITTACOLL_CG18 = ", company)
                   : groupFilter("CG86_AZIENDECOLL", company));
 }
 
 /// The whole activity query.
-std::string CLSCO_AZIENDECOLL::istruzioneAttività() {
-  const CLSCO_INPUTAZCOLL& in = input();
+std::string activityStatement(Call& call) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
   const bool wrapped = !in.StrSelectSQLAttività.empty();
-  std::string text = lines(colonneAttività(), selezioneAttività());
+  std::string text = lines(selectList(in), conditions(call));
   if (wrapped) {
     text =
         lines(join(" SELECT ", in.StrSelectSQLAttività, " FROM ("), text, ") AS CG86_AZIENDECOLL");
@@ -199,51 +167,79 @@ std::string CLSCO_AZIENDECOLL::istruzioneAttività() {
                           " ELSE -1 END DESC, CG86_AZIENDECOLL.CG86_CODATTIVITA"));
 }
 
-void CLSCO_AZIENDECOLL::StringaSQLAttivitaCollegate() noexcept {
-  metodoTesto(" in StringaSQLAttivitaCollegate",
-              [this] { output().GstrSQL_AttivitaCollegate = istruzioneAttività(); });
-}
-
 /// Seeds the year, then gives the statement that reads the activities, with the registers' one
 /// behind it when that is asked for; "" when it cannot be composed.
 ///
 /// Callers rely on it: a seeding that fails is reported, and what is there is read all the same.
-std::string CLSCO_AZIENDECOLL::testoDopoRiporto() {
-  CLSCO_INPUTAZCOLL& in = input();
+std::string textAfterSeeding(Call& call) {
+  CLSCO_INPUTAZCOLL& in = call.input();
   const Variant company = in.Pvar_Ditta;
   const Variant yearToCopy = in.AnnoSolareDaDuplicare;
   const Variant activity = in.CodiceAttività;
-  InserisciAttivitàDaPeriodoPrecedente();
+  InserisciAttivitàDaPeriodoPrecedente(call);
   // A row that failed has left its own values there; the caller asked for others.
   const Borrowed companyOfCall{in.Pvar_Ditta, company};
   const Borrowed yearOfCall{in.AnnoSolareDaDuplicare, yearToCopy};
   const Borrowed activityOfCall{in.CodiceAttività, activity};
-  output().GstrSQL_AttivitaCollegate.clear();
-  StringaSQLAttivitaCollegate();
-  const std::string& text = output().GstrSQL_AttivitaCollegate;
+  call.output().GstrSQL_AttivitaCollegate.clear();
+  StringaSQLAttivitaCollegate(call);
+  const std::string& text = call.output().GstrSQL_AttivitaCollegate;
   return text.empty() || !in.Pbol_ValorizzaRecordsetSezionali
              ? text
              : join(text, ";", registersStatement(join(company)));
 }
 
-void CLSCO_AZIENDECOLL::RecordsetAttivitaCollegate() noexcept {
-  metodo(" in RecordsetAttivitaCollegate", [this] {
-    std::string text = testoDopoRiporto();
+}  // namespace
+
+Variant activityYear(Call& call) { return call.requiredYear(ZeroYear::IsMissing); }
+
+std::string ComponiWhereAttività(Call& call, std::string_view prefix, Companies companies) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
+  std::string where = join(" WHERE ", prefix, "CG86_INDTIPO = 0", kLineBreak);
+  if (companies == Companies::CurrentOnly && !call.isMissing(in.Pvar_Ditta)) {
+    where += join(" AND ", prefix, "CG86_DITTACOLL_CG18 = ", in.Pvar_Ditta, kLineBreak);
+  }
+  if (const Variant year = activityYear(call); isPositive(year)) {
+    // Callers rely on it: two years are always named; without one to duplicate the second is 0,
+    // which no row has.
+    where += join(" AND ", prefix, "CG86_ANNOIVA IN(", year, ", ",
+                  call.ValoreDefault(in.AnnoSolareDaDuplicare, std::int16_t{0}), ")", kLineBreak);
+  }
+  if (!call.isMissing(in.CodiceAttività)) {
+    where += join(" AND ", prefix, "CG86_CODATTIVITA = ", in.CodiceAttività, kLineBreak);
+  }
+  if (!call.isMissing(in.IdAttività)) {
+    where += join(" AND ", prefix, "CG86_IDATTIVITA = ", in.IdAttività, kLineBreak);
+  }
+  if (in.SelezionaAttivitàPrincipale) {
+    where += join(" AND ", prefix, "CG86_FLGATTIVITAPRINC = 1", kLineBreak);
+  }
+  return where;
+}
+
+void StringaSQLAttivitaCollegate(Call& call) noexcept {
+  textMethod(call, " in StringaSQLAttivitaCollegate",
+             [&] { call.output().GstrSQL_AttivitaCollegate = activityStatement(call); });
+}
+
+void RecordsetAttivitaCollegate(Call& call) noexcept {
+  method(call, " in RecordsetAttivitaCollegate", [&] {
+    std::string text = textAfterSeeding(call);
     if (text.empty()) {
       return;  // it could not be composed, and says why
     }
-    apriRecordset(std::move(text), output().Grst_AttivitaCollegate);
-    const std::shared_ptr<Recordset> rows = output().Grst_AttivitaCollegate;
-    if (input().SelezionaSoloAnagraficheAttività || rows->recordCount() == 0) {
+    call.open(std::move(text), call.output().Grst_AttivitaCollegate);
+    const std::shared_ptr<Recordset> rows = call.output().Grst_AttivitaCollegate;
+    if (call.input().SelezionaSoloAnagraficheAttività || rows->recordCount() == 0) {
       return;
     }
     rows->moveFirst();
     const auto value = [&](std::string_view column) { return rows->fields().item(column).value(); };
-    output().IndTipoCont = value("CG86_INDTIPOCONT");
-    output().CodiceAttività = value("CG86_CODATTIVITA");
-    output().DescrAttività = value("CG96_DESCRATTIVITA");
-    output().IdAttività = value("CG86_IDATTIVITA");
+    call.output().IndTipoCont = value("CG86_INDTIPOCONT");
+    call.output().CodiceAttività = value("CG86_CODATTIVITA");
+    call.output().DescrAttività = value("CG96_DESCRATTIVITA");
+    call.output().IdAttività = value("CG86_IDATTIVITA");
   });
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::activities

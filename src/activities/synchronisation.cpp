@@ -1,17 +1,18 @@
 // The company's VAT data, its activities and their registry entries kept in step.
 
+#include "activities/synchronisation.h"
+
 #include "activities/fragments.h"
-#include "component/service.h"
+#include "activities/insertion.h"
+#include "activities/previous_period.h"
+#include "activities/query.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/tables.h"
 #include "data/text.h"
 
-namespace azcoll {
+namespace azcoll::activities {
 namespace {
-
-using activities::assignments;
-using activities::lines;
-using activities::mainActivity;
 
 /// Every registry entry of the company takes the company's values.
 std::string registryUpdate(const Variant& company) {
@@ -123,61 +124,62 @@ std::string registryBatch(const Variant& company, const Variant& code) {
 
 }  // namespace
 
-void CLSCO_AZIENDECOLL::AggiornaAttività() noexcept {
-  metodo(" in AggiornaAttività", [this] {
-    if (LeggiFlagIvaQuater() == regimes::kWithinOneCompany) {
+void AggiornaAttività(Call& call) noexcept {
+  method(call, " in AggiornaAttività", [&] {
+    if (LeggiFlagIvaQuater(call) == regimes::kWithinOneCompany) {
       return;
     }
-    const std::string where = ComponiWhereAttività("", true);
+    const std::string where = ComponiWhereAttività(call);
     const std::shared_ptr<Recordset> rows =
-        leggi(lines(" SELECT *",                                    //
-                    " FROM   CG86_AZIENDECOLL WITH(NOLOCK)",        //
-                    " INNER  JOIN CG25_ANADITTAGEST WITH(NOLOCK)",  //
-                    "        ON CG86_DITTACOLL_CG18 = CG25_DITTA_CG18", where));
+        call.read(lines(" SELECT *",                                    //
+                        " FROM   CG86_AZIENDECOLL WITH(NOLOCK)",        //
+                        " INNER  JOIN CG25_ANADITTAGEST WITH(NOLOCK)",  //
+                        "        ON CG86_DITTACOLL_CG18 = CG25_DITTA_CG18", where));
     if (rows->atEnd()) {
-      InserisciAttività();
+      InserisciAttività(call);
       return;
     }
-    esegui(registryUpdate(input().Pvar_Ditta));
-    esegui(activityUpdate(where));
+    call.run(registryUpdate(call.input().Pvar_Ditta));
+    call.run(activityUpdate(where));
   });
 }
 
-void CLSCO_AZIENDECOLL::AggiornaDateRegistriAnagraficaAttività() noexcept {
-  metodo(" in AggiornaDateRegistriAnagraficaAttività", [this] {
-    if (LeggiFlagIvaQuater() == regimes::kWithinOneCompany) {
+void AggiornaDateRegistriAnagraficaAttività(Call& call) noexcept {
+  method(call, " in AggiornaDateRegistriAnagraficaAttività", [&] {
+    if (LeggiFlagIvaQuater(call) == regimes::kWithinOneCompany) {
       return;
     }
-    const std::string where = registrySelection(input().Pvar_Ditta, testo(input().CodiceAttività));
+    const std::string where =
+        registrySelection(call.input().Pvar_Ditta, call.text(call.input().CodiceAttività));
     const std::shared_ptr<Recordset> entries =
-        leggi(lines(" SELECT *", " FROM   CG96_ANAGATTIVITA WITH(NOLOCK)", where));
+        call.read(lines(" SELECT *", " FROM   CG96_ANAGATTIVITA WITH(NOLOCK)", where));
     if (entries->atEnd()) {
-      InserisciAttività();
+      InserisciAttività(call);
       return;
     }
-    esegui(lines(" UPDATE CG96_ANAGATTIVITA",
-                 join("    SET ", assignments("CG96_", "CG30_", tables::kRegisterDates)),
-                 " FROM   CG96_ANAGATTIVITA WITH(NOLOCK)",  //
-                 " LEFT   OUTER JOIN CG30_ANADITTADATE",    //
-                 "    ON  CG30_DITTA_CG18 = CG96_DITTA_CG18", where));
+    call.run(lines(" UPDATE CG96_ANAGATTIVITA",
+                   join("    SET ", assignments("CG96_", "CG30_", tables::kRegisterDates)),
+                   " FROM   CG96_ANAGATTIVITA WITH(NOLOCK)",  //
+                   " LEFT   OUTER JOIN CG30_ANADITTADATE",    //
+                   "    ON  CG30_DITTA_CG18 = CG96_DITTA_CG18", where));
   });
 }
 
-void CLSCO_AZIENDECOLL::AggiornaDatiGestionaliPerAttività() noexcept {
-  metodo(" in AggiornaDatiGestionaliPerAttività", [this] {
-    const std::string company = testo(input().Pvar_Ditta);
-    if (!leggi(writingRows(company, ComponiWhereAttività("CG86.", true)))->atEnd()) {
-      esegui(companyUpdate(ComponiWhereAttività("", true)));
+void AggiornaDatiGestionaliPerAttività(Call& call) noexcept {
+  method(call, " in AggiornaDatiGestionaliPerAttività", [&] {
+    const std::string company = call.text(call.input().Pvar_Ditta);
+    if (!call.read(writingRows(company, ComponiWhereAttività(call, "CG86.")))->atEnd()) {
+      call.run(companyUpdate(ComponiWhereAttività(call)));
     }
   });
 }
 
-void CLSCO_AZIENDECOLL::AggiornaDatiGestionaliPerAnagraficaAttività() noexcept {
-  metodo(" in AggiornaDatiGestionaliPerAnagraficaAttività", [this] {
-    if (!mancante(input().CodiceAttività)) {
-      esegui(registryBatch(input().Pvar_Ditta, input().CodiceAttività));
+void AggiornaDatiGestionaliPerAnagraficaAttività(Call& call) noexcept {
+  method(call, " in AggiornaDatiGestionaliPerAnagraficaAttività", [&] {
+    if (!call.isMissing(call.input().CodiceAttività)) {
+      call.run(registryBatch(call.input().Pvar_Ditta, call.input().CodiceAttività));
     }
   });
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::activities

@@ -8,7 +8,7 @@
 #include "ado/wide_text.h"
 #include "automation/automation_object.h"
 #include "automation/wire.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::automation {
 

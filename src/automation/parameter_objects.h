@@ -5,7 +5,7 @@
 
 #include "automation/automation_object.h"
 #include "automation/field_slots.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::automation {
 

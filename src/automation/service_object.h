@@ -4,7 +4,7 @@
 
 #include "automation/automation_object.h"
 #include "automation/parameter_objects.h"
-#include "component/service.h"
+#include "service/service.h"
 
 namespace azcoll::automation {
 

@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "ado/com.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::automation {
 

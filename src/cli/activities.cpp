@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "cli/values.h"
-#include "component/service.h"
 #include "component/values.h"
 #include "data/error.h"
+#include "service/service.h"
 
 namespace azcoll::cli {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <iosfwd>
 
-#include "component/members.h"
 #include "data/variant.h"
+#include "service/members.h"
 
 namespace azcoll::cli {
 

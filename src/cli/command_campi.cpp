@@ -9,7 +9,7 @@
 
 #include "cli/json.h"
 #include "cli/rows.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::cli {
 namespace {

@@ -16,7 +16,7 @@
 #include "cli/names.h"
 #include "cli/trace.h"
 #include "cli/values.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::cli {
 namespace {

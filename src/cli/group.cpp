@@ -5,10 +5,10 @@
 #include <fmt/format.h>
 #include <set>
 
-#include "component/service.h"
 #include "data/command.h"
 #include "data/date.h"
 #include "data/error.h"
+#include "service/service.h"
 
 namespace azcoll::cli {
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <type_traits>
 
-#include "component/members.h"
 #include "data/variant.h"
+#include "service/members.h"
 
 namespace azcoll::cli {
 

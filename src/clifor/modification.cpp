@@ -1,12 +1,19 @@
 // A customer/supplier's intermediary, changed in one company, carried to its group.
 
+#include "clifor/modification.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
-#include "component/service.h"
+#include "clifor/transaction.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/text.h"
+#include "linked/procedure_recordsets.h"
 
-namespace azcoll {
+namespace azcoll::clifor {
 namespace {
 
 /// Both the marker of a missing intermediary and what a statement writes for it.
@@ -16,135 +23,138 @@ std::string_view customerOrSupplier(EnumTipoCF kind) {
   return kind == Cliente ? "cliente" : "fornitore";
 }
 
-}  // namespace
-
 /// The intermediary of the customer/supplier in the current company; "Null" when it has none.
 /// Callers rely on it: a row that is missing or cannot be read counts as one without.
-Variant CLSCO_AZIENDECOLL::IntermedioCliFor() noexcept {
+Variant IntermedioCliFor(Call& call) noexcept {
   Variant intermediary;
   ignoreErrors([&] {
     intermediary = kNoIntermediary;
-    const CLSCO_INPUTAZCOLL& in = input();
+    const CLSCO_INPUTAZCOLL& in = call.input();
     const std::shared_ptr<Recordset> row =
-        leggi(join("SELECT CG44_INTERMEDIO_CG40",                            //
-                   " FROM CG44_CLIFOR",                                      //
-                   " WHERE CG44_DITTA_CG18 = ", in.Pvar_Ditta,               //
-                   " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
-                   " AND CG44_CLIFOR = ", in.Pvar_CliFor));
+        call.read(join("SELECT CG44_INTERMEDIO_CG40",                            //
+                       " FROM CG44_CLIFOR",                                      //
+                       " WHERE CG44_DITTA_CG18 = ", in.Pvar_Ditta,               //
+                       " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
+                       " AND CG44_CLIFOR = ", in.Pvar_CliFor));
     if (!row->atEnd()) {
       intermediary =
-          ValoreDefault(row->fields().item("CG44_INTERMEDIO_CG40").value(), kNoIntermediary);
+          call.ValoreDefault(row->fields().item("CG44_INTERMEDIO_CG40").value(), kNoIntermediary);
     }
   });
   return intermediary;
 }
 
 /// Whether the count of a statement is above 0; a failure counts as no.
-bool CLSCO_AZIENDECOLL::contaAlmenoUno(const std::string& conteggio) noexcept {
+bool countsAny(Call& call, const std::string& statement) noexcept {
   bool found = false;
   ignoreErrors([&] {
-    const std::shared_ptr<Recordset> count = leggi(conteggio);
-    found = isPositive(ValoreDefault(count->fields().item(std::size_t{0}).value(), 0));
+    const std::shared_ptr<Recordset> count = call.read(statement);
+    found = isPositive(call.ValoreDefault(count->fields().item(std::size_t{0}).value(), 0));
   });
   return found;
 }
 
 /// Whether the customer/supplier exists in a company.
-bool CLSCO_AZIENDECOLL::EsisteCliFor(const Variant& ditta) noexcept {
+bool EsisteCliFor(Call& call, const Variant& company) noexcept {
   bool exists = false;
   ignoreErrors([&] {
-    const CLSCO_INPUTAZCOLL& in = input();
-    exists = contaAlmenoUno(join("SELECT COUNT(1)",                                        //
-                                 " FROM CG44_CLIFOR",                                      //
-                                 " WHERE CG44_DITTA_CG18 = ", ditta,                       //
-                                 " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
-                                 " AND CG44_CLIFOR = ", in.Pvar_CliFor));
+    const CLSCO_INPUTAZCOLL& in = call.input();
+    exists = countsAny(call, join("SELECT COUNT(1)",                                        //
+                                  " FROM CG44_CLIFOR",                                      //
+                                  " WHERE CG44_DITTA_CG18 = ", company,                     //
+                                  " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
+                                  " AND CG44_CLIFOR = ", in.Pvar_CliFor));
   });
   return exists;
 }
 
 /// Whether the intermediary exists in a company; none needs no check.
-bool CLSCO_AZIENDECOLL::EsisteIntermedio(const Variant& ditta, const Variant& intermedio) noexcept {
+bool EsisteIntermedio(Call& call, const Variant& company, const Variant& intermediary) noexcept {
   bool exists = false;
   ignoreErrors([&] {
-    exists = join(intermedio) == kNoIntermediary ||
-             contaAlmenoUno(join("SELECT COUNT(1)",                                             //
-                                 " FROM CG40_ANADITTAINTER",                                    //
-                                 " WHERE CG40_DITTA_CG18 = ", ditta,                            //
-                                 " AND CG40_TIPOCF = ", static_cast<int>(input().Pint_TipoCF),  //
-                                 " AND CG40_INTERMEDIO = ", intermedio));
+    exists =
+        join(intermediary) == kNoIntermediary ||
+        countsAny(call, join("SELECT COUNT(1)",                                                  //
+                             " FROM CG40_ANADITTAINTER",                                         //
+                             " WHERE CG40_DITTA_CG18 = ", company,                               //
+                             " AND CG40_TIPOCF = ", static_cast<int>(call.input().Pint_TipoCF),  //
+                             " AND CG40_INTERMEDIO = ", intermediary));
   });
   return exists;
 }
 
 /// Writes the intermediary in a company; false when the database refuses it.
-bool CLSCO_AZIENDECOLL::AggiornaIntermedioCliFor(const Variant& ditta,
-                                                 const Variant& intermedio) noexcept {
+bool AggiornaIntermedioCliFor(Call& call, const Variant& company,
+                              const Variant& intermediary) noexcept {
   bool written = false;
   ignoreErrors([&] {
-    const CLSCO_INPUTAZCOLL& in = input();
-    esegui(join("UPDATE CG44_CLIFOR",                                     //
-                " SET CG44_INTERMEDIO_CG40 = ", intermedio,               //
-                " WHERE CG44_DITTA_CG18 = ", ditta,                       //
-                " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
-                " AND CG44_CLIFOR = ", in.Pvar_CliFor));
+    const CLSCO_INPUTAZCOLL& in = call.input();
+    call.run(join("UPDATE CG44_CLIFOR",                                     //
+                  " SET CG44_INTERMEDIO_CG40 = ", intermediary,             //
+                  " WHERE CG44_DITTA_CG18 = ", company,                     //
+                  " AND CG44_TIPOCF = ", static_cast<int>(in.Pint_TipoCF),  //
+                  " AND CG44_CLIFOR = ", in.Pvar_CliFor));
     written = true;
   });
   return written;
 }
 
 /// Checks and writes one company. Returns the message of what stands against it, or "".
-std::string CLSCO_AZIENDECOLL::portaIntermedio(const Variant& ditta, const Variant& intermedio) {
-  const CLSCO_INPUTAZCOLL& in = input();
+std::string carryIntermediary(Call& call, const Variant& company, const Variant& intermediary) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
   const std::string_view kind = customerOrSupplier(in.Pint_TipoCF);
-  if (!EsisteCliFor(ditta)) {
-    return join("Il codice ", kind, " ", in.Pvar_CliFor, " non è presente nell'azienda ", ditta,
+  if (!EsisteCliFor(call, company)) {
+    return join("Il codice ", kind, " ", in.Pvar_CliFor, " non è presente nell'azienda ", company,
                 ".");
   }
-  if (!EsisteIntermedio(ditta, intermedio)) {
-    return join("Il codice intermedio ", intermedio, " non è presente nell'azienda ", ditta, ".");
+  if (!EsisteIntermedio(call, company, intermediary)) {
+    return join("Il codice intermedio ", intermediary, " non è presente nell'azienda ", company,
+                ".");
   }
-  if (!AggiornaIntermedioCliFor(ditta, intermedio)) {
+  if (!AggiornaIntermedioCliFor(call, company, intermediary)) {
     return join("Errore durante la modifica dell'intermedio relativo al codice ", kind, " ",
-                in.Pvar_CliFor, " dell'azienda ", ditta, ".");
+                in.Pvar_CliFor, " dell'azienda ", company, ".");
   }
   return {};
 }
 
-void CLSCO_AZIENDECOLL::ModificaCliFor() noexcept {
-  metodo(
-      " in ModificaCliFor", [this] { modifica(); }, [this] { annullaDopoErrore(); });
-}
-
-void CLSCO_AZIENDECOLL::modifica() {
-  Mbol_GestioneDuplicazioneCliFor = true;
-  RecordsetDitteCollegateOPrincipale();
+/// The work of `ModificaCliFor`.
+void carryToGroup(Call& call) {
+  call.session().Mbol_GestioneDuplicazioneCliFor = true;
+  linked::RecordsetDitteCollegateOPrincipale(call);
   // After a failure the recordset there may be that of another call.
-  const std::shared_ptr<Recordset> ditte = riuscito() ? output().Grst_DitteCollegate : nullptr;
-  if (RecordsetVuoto(ditte)) {
-    Mbol_GestioneDuplicazioneCliFor = false;
+  const std::shared_ptr<Recordset> companies =
+      call.succeeded() ? call.output().Grst_DitteCollegate : nullptr;
+  if (RecordsetVuoto(companies)) {
+    call.session().Mbol_GestioneDuplicazioneCliFor = false;
     return;
   }
-  const Variant intermedio = IntermedioCliFor();
+  const Variant intermediary = IntermedioCliFor(call);
   // Callers rely on it: the transaction is the method's own even when the caller tells of one.
-  iniziaTransazione();
+  beginTransaction(call);
   std::string refusal;
-  while (!ditte->atEnd()) {
-    refusal = portaIntermedio(ditte->fields().item("DITTA").value(), intermedio);
+  while (!companies->atEnd()) {
+    refusal = carryIntermediary(call, companies->fields().item("DITTA").value(), intermediary);
     if (!refusal.empty()) {
       break;
     }
-    ditte->moveNext();
+    companies->moveNext();
   }
   if (refusal.empty()) {
-    connessione().commitTrans();
+    commitTransaction(call);
   } else {
-    connessione().rollbackTrans();
-    Stato = kTrapped;
-    Errore = std::move(refusal);
+    rollbackTransaction(call);
+    call.Stato = kTrapped;
+    call.Errore = std::move(refusal);
   }
-  Mbol_TransazioneAperta = false;
-  Mbol_GestioneDuplicazioneCliFor = false;
+  call.session().Mbol_GestioneDuplicazioneCliFor = false;
 }
 
-}  // namespace azcoll
+}  // namespace
+
+void ModificaCliFor(Call& call) noexcept {
+  method(
+      call, " in ModificaCliFor", [&] { carryToGroup(call); }, [&] { undoAfterError(call); });
+}
+
+}  // namespace azcoll::clifor

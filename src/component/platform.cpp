@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "clifor/numerazione_cg70.h"
+#include "component/numerazione_cg70.h"
 #include "data/error.h"
 #include "data/text.h"
 

@@ -19,7 +19,7 @@ std::string currentDescription() {
   }
 }
 
-bool isNumber(const Variant& value, std::int64_t number) noexcept {
+bool equalsNumber(const Variant& value, std::int64_t number) noexcept {
   bool same = false;
   if (!value.isNull() && !value.isEmpty()) {
     ignoreErrors([&] { same = value.toDecimal() == Decimal::fromInteger(number); });

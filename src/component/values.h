@@ -40,7 +40,7 @@ void ignoreErrors(const Step& step) noexcept {
 
 /// Whether `value` stands for `number`: a number of any kind, or a text that holds it. Null, Empty
 /// and everything else stand for no number.
-[[nodiscard]] bool isNumber(const Variant& value, std::int64_t number) noexcept;
+[[nodiscard]] bool equalsNumber(const Variant& value, std::int64_t number) noexcept;
 
 /// Whether `value` is a number above 0. Throws `Error` for Null and for what is no number.
 [[nodiscard]] bool isPositive(const Variant& value);

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string_view>
 
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "data/messages.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll::cursor {
 namespace {
@@ -50,7 +50,7 @@ const std::string& tableOf(const RowStore& rows, const Columns& columns) {
     if (info.baseTable.empty() || info.baseColumn.empty()) {
       throw Error(join(messages::kColumnNotUpdatable, info.name));
     }
-    if (!sameName(table, info.baseTable)) {
+    if (!equalsIgnoringCase(table, info.baseTable)) {
       throw Error(join(messages::kSeveralTables, table, ", ", info.baseTable));
     }
   }
@@ -62,11 +62,11 @@ Columns keyColumns(const RowStore& rows, std::size_t row, std::string_view table
   const std::vector<ColumnInfo>& infos = rows.columns();
   Columns keys;
   for (std::size_t column = 0; column < infos.size(); ++column) {
-    if (!infos[column].isKey || !sameName(infos[column].baseTable, table)) {
+    if (!infos[column].isKey || !equalsIgnoringCase(infos[column].baseTable, table)) {
       continue;
     }
     const auto twin = std::find_if(keys.begin(), keys.end(), [&](std::size_t key) {
-      return sameName(infos[key].baseColumn, infos[column].baseColumn);
+      return equalsIgnoringCase(infos[key].baseColumn, infos[column].baseColumn);
     });
     if (twin == keys.end()) {
       keys.push_back(column);

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "cursor/fold.h"
 #include "data/command.h"
 #include "data/connection.h"
 #include "data/error.h"
 #include "data/messages.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll::cursor {
 
@@ -102,7 +102,7 @@ class ClientCommand final : public Command, private Parameters {
   [[nodiscard]] Parameter& item(std::string_view name) override {
     load();
     for (const auto& parameter : parameters_) {
-      if (sameName(parameter->name(), name)) {
+      if (equalsIgnoringCase(parameter->name(), name)) {
         return *parameter;
       }
     }

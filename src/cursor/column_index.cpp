@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "cursor/fold.h"
+#include "text/letter_case.h"
 
 namespace azcoll::cursor {
 namespace {
@@ -37,7 +37,7 @@ std::optional<std::size_t> ColumnIndex::find(const std::vector<ColumnInfo>& colu
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t slot = hashOf(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
     const std::size_t position = slots_[slot] - 1;
-    if (sameName(columns[position].name, name)) {
+    if (equalsIgnoringCase(columns[position].name, name)) {
       return position;
     }
   }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <compare>
 
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "data/messages.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll::cursor {
 namespace {
@@ -41,7 +41,7 @@ std::optional<std::partial_ordering> compare(const Variant& value, const Literal
       return std::nullopt;
     case Kind::Text:
       if (literal.kind != Literal::Kind::Date) {
-        return compareFolded(*value.get<std::string>(), literal.text);
+        return compareIgnoringCase(*value.get<std::string>(), literal.text);
       }
       return std::nullopt;
     default:
@@ -104,7 +104,7 @@ bool holds(const Comparison& comparison, const Variant& value) {
     return false;
   }
   if (comparison.comparator == Comparator::Like) {
-    return fitsPattern(folded(value.text()), literal.text);
+    return fitsPattern(foldCase(value.text()), literal.text);
   }
   const std::optional<std::partial_ordering> order = compare(value, literal);
   if (!order) {

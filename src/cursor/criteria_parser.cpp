@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "cursor/criteria.h"
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "data/messages.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll::cursor {
 
@@ -97,7 +97,7 @@ class CriteriaParser {
       fail(reasons::kNullComparison, valueStart);
     }
     if (result.comparator == Comparator::Like) {
-      result.literal.text = folded(result.literal.text);
+      result.literal.text = foldCase(result.literal.text);
     }
     return result;
   }
@@ -108,8 +108,8 @@ class CriteriaParser {
       return delimited(']', reasons::kOpenBracket);
     }
     const std::string_view name = nameAhead();
-    const bool keyword = sameName(name, "AND") || sameName(name, "OR") || sameName(name, "LIKE") ||
-                         sameName(name, "NULL");
+    const bool keyword = equalsIgnoringCase(name, "AND") || equalsIgnoringCase(name, "OR") ||
+                         equalsIgnoringCase(name, "LIKE") || equalsIgnoringCase(name, "NULL");
     if (name.empty() || keyword || isDigit(name.front())) {
       fail(reasons::kNameExpected);
     }
@@ -155,8 +155,8 @@ class CriteriaParser {
     Literal result{.kind = Literal::Kind::Text, .text = delimited('\'', reasons::kOpenText)};
     result.number = Decimal::parse(result.text);
     result.date = Date::parse(trim(result.text));
-    if (sameName(result.text, "True") || sameName(result.text, "False")) {
-      result.truth = sameName(result.text, "True");
+    if (equalsIgnoringCase(result.text, "True") || equalsIgnoringCase(result.text, "False")) {
+      result.truth = equalsIgnoringCase(result.text, "True");
     }
     return result;
   }
@@ -229,7 +229,7 @@ class CriteriaParser {
     return rest().substr(0, length);
   }
 
-  bool atWord(std::string_view word) { return sameName(nameAhead(), word); }
+  bool atWord(std::string_view word) { return equalsIgnoringCase(nameAhead(), word); }
 
   bool takeWord(std::string_view word) {
     const bool found = atWord(word);

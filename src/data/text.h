@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "data/variant.h"
+#include "text/quoting.h"
+#include "text/utf8.h"
 
 namespace azcoll {
 
@@ -55,17 +57,5 @@ template <typename... Parts>
   (detail::appendText(result, parts), ...);
   return result;
 }
-
-/// `text` with every apostrophe written twice, for use inside a quoted SQL literal.
-[[nodiscard]] std::string doubleApostrophes(std::string_view text);
-
-/// `text` without the blanks (U+0020) at its start and end.
-[[nodiscard]] std::string_view trim(std::string_view text);
-
-/// Number of UTF-8 code points of `text` (a malformed byte counts as one).
-[[nodiscard]] std::size_t characterCount(std::string_view text);
-
-/// The first `count` characters (code points) of `text`.
-[[nodiscard]] std::string_view leftCharacters(std::string_view text, std::size_t count);
 
 }  // namespace azcoll

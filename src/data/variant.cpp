@@ -9,6 +9,7 @@
 #include "data/error.h"
 #include "data/messages.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll {
 namespace {
@@ -82,20 +83,6 @@ Integer narrowed(std::int64_t value) {
     fail(messages::kOverflow);
   }
   return static_cast<Integer>(value);
-}
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
-  if (text.size() != lowerCase.size()) {
-    return false;
-  }
-  for (std::size_t index = 0; index < text.size(); ++index) {
-    const char character = text[index];
-    const bool upper = character >= 'A' && character <= 'Z';
-    if ((upper ? static_cast<char>(character + ('a' - 'A')) : character) != lowerCase[index]) {
-      return false;
-    }
-  }
-  return true;
 }
 
 /// The narrowest usual kind for a whole number that was a text.
@@ -205,10 +192,10 @@ bool Variant::toBool() const {
     return *value != 0;
   }
   if (const auto* const value = get<std::string>()) {
-    if (equalsIgnoringCase(*value, "true")) {
+    if (ascii::equalsIgnoringCase(*value, "true")) {
       return true;
     }
-    if (equalsIgnoringCase(*value, "false")) {
+    if (ascii::equalsIgnoringCase(*value, "false")) {
       return false;
     }
   }

@@ -1,12 +1,14 @@
 // Financial years of a company against a calendar year.
 
+#include "linked/accounting_year.h"
+
 #include <optional>
 
-#include "component/service.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/text.h"
 
-namespace azcoll {
+namespace azcoll::linked {
 namespace {
 
 constexpr int kDecember = 12;
@@ -27,21 +29,22 @@ std::string touchingYears(const Variant& company, std::string_view first, std::s
 
 }  // namespace
 
-bool CLSCO_AZIENDECOLL::VerificaAnnoIvaEsercizioContabile() noexcept {
+bool VerificaAnnoIvaEsercizioContabile(Call& call) noexcept {
   bool touched = false;
-  metodo(" in VerificaAnnoIvaEsercizioContabile", [&] {
-    const Variant year = annoDellaChiamata(false);
+  method(call, " in VerificaAnnoIvaEsercizioContabile", [&] {
+    const Variant year = call.requiredYear(ZeroYear::IsAYear);
     // A year outside the calendar has no days: the texts hold nothing, and no row is found.
     const auto text = [&](int month, int day) {
       const std::optional<Date> date = dayOf(year, month, day);
-      return join(DataDB(date ? Variant{*date} : Variant{kNull}));
+      return join(call.DataDB(date ? Variant{*date} : Variant{kNull}));
     };
     const std::string first = text(1, 1);
     const std::string last = text(kDecember, kLastOfDecember);
-    const std::shared_ptr<Recordset> count = leggi(touchingYears(input().Pvar_Ditta, first, last));
+    const std::shared_ptr<Recordset> count =
+        call.read(touchingYears(call.input().Pvar_Ditta, first, last));
     touched = count->fields().item(std::size_t{0}).value().toInt64() != 0;
   });
   return touched;
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::linked

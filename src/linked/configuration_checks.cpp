@@ -1,10 +1,14 @@
 // A company whose activities are not configured for the year: found, and asked about.
 
-#include "component/service.h"
+#include "linked/configuration_checks.h"
+
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/text.h"
+#include "linked/configuration_screens.h"
+#include "linked/resolution.h"
 
-namespace azcoll {
+namespace azcoll::linked {
 namespace {
 
 constexpr std::string_view kTitle = "Richiesta";
@@ -57,57 +61,51 @@ std::string activitiesQuestion(std::string_view activity, const Variant& year) {
       ".", kLineBreak, "Si vuole procedere alla configurazione?");
 }
 
-}  // namespace
-
-/// Asks, for as long as `conteggio` finds something missing, whether to configure it now, and runs
-/// `configura` on a yes. Returns whether nothing is missing in the end. Callers rely on it: a yes
+/// Asks, for as long as `count` finds something missing, whether to configure it now, and runs
+/// `configure` on a yes. Returns whether nothing is missing in the end. Callers rely on it: a yes
 /// that changed nothing leads to the same question again.
-bool CLSCO_AZIENDECOLL::richiediConfigurazione(const std::string& conteggio,
-                                               const std::string& domanda, const Work& configura) {
-  while (leggi(conteggio)->fields().item("NUM").value().toInt64() != 0) {
-    if (platform_->messageBox(domanda, kYesNoQuestion, kTitle) != Answer::Yes) {
+template <typename Configure>
+bool askToConfigure(Call& call, const std::string& count, const std::string& question,
+                    const Configure& configure) {
+  while (call.read(count)->fields().item("NUM").value().toInt64() != 0) {
+    if (call.platform().messageBox(question, kYesNoQuestion, kTitle) != Answer::Yes) {
       return false;
     }
-    configura();
+    configure();
   }
   return true;
 }
 
-/// Whether the company takes part in a link of `anno`; a failure counts as no.
-bool CLSCO_AZIENDECOLL::collegataNellAnno(const Variant& anno) {
-  const Borrowed year{input().AnnoSolare, anno};
-  ControllaDittaCollegata();
-  return riuscito() && output().Gbol_DittaPrincipale;
-}
+}  // namespace
 
-bool CLSCO_AZIENDECOLL::ControllaDittaNonCollegata() noexcept {
+bool ControllaDittaNonCollegata(Call& call) noexcept {
   bool configured = false;
-  metodo(" in ControllaDittaNonCollegata", [&] {
-    const CLSCO_INPUTAZCOLL& in = input();
-    if (!mancante(in.AnnoSolareDaDuplicare) && !collegataNellAnno(in.AnnoSolareDaDuplicare)) {
+  method(call, " in ControllaDittaNonCollegata", [&] {
+    const CLSCO_INPUTAZCOLL& in = call.input();
+    if (!call.isMissing(in.AnnoSolareDaDuplicare) && !isLinkedIn(call, in.AnnoSolareDaDuplicare)) {
       return;
     }
-    const Variant year = annoDellaChiamata(false);
-    configured = richiediConfigurazione(
-        missingCount(regimes::kOverSeveralCompanies, in.Pvar_Ditta, year, ""),
-        linksQuestion(in, year), [this] { configuraCollegamenti(); });
+    const Variant year = call.requiredYear(ZeroYear::IsAYear);
+    configured =
+        askToConfigure(call, missingCount(regimes::kOverSeveralCompanies, in.Pvar_Ditta, year, ""),
+                       linksQuestion(in, year), [&] { configureLinks(call); });
   });
   return configured;
 }
 
-bool CLSCO_AZIENDECOLL::ControllaAttivitaNonCollegata() noexcept {
+bool ControllaAttivitaNonCollegata(Call& call) noexcept {
   bool configured = false;
-  metodo(" in ControllaAttivitaNonCollegata", [&] {
-    const CLSCO_INPUTAZCOLL& in = input();
-    const Variant year = annoDellaChiamata(false);
-    const std::string activity = testo(in.CodiceAttività);
+  method(call, " in ControllaAttivitaNonCollegata", [&] {
+    const CLSCO_INPUTAZCOLL& in = call.input();
+    const Variant year = call.requiredYear(ZeroYear::IsAYear);
+    const std::string activity = call.text(in.CodiceAttività);
     const std::string condition =
         activity.empty() ? std::string{} : join(" AND CG86_CODATTIVITA = ", activity);
-    configured = richiediConfigurazione(
-        missingCount(regimes::kWithinOneCompany, in.Pvar_Ditta, year, condition),
-        activitiesQuestion(activity, year), [this] { configuraAttività(); });
+    configured = askToConfigure(
+        call, missingCount(regimes::kWithinOneCompany, in.Pvar_Ditta, year, condition),
+        activitiesQuestion(activity, year), [&] { configureActivities(call); });
   });
   return configured;
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::linked

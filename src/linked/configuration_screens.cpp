@@ -1,11 +1,13 @@
 // The configuration screens of the user-interface library: what they are given, and showing them.
 
-#include "component/service.h"
+#include "linked/configuration_screens.h"
+
 #include "component/values.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "linked/resolution.h"
 
-namespace azcoll {
+namespace azcoll::linked {
 namespace {
 
 constexpr std::string_view kLinksScreen = "AZCOLLUI.CLSCO_AZIENDECOLL";
@@ -22,58 +24,56 @@ std::shared_ptr<NamedMembers> newScreen(Platform& platform, std::string_view pro
   return screen;
 }
 
-}  // namespace
-
 /// The year whose links are offered for copying: the one that the caller names, else the year
 /// before when the company took part in a link then; Empty otherwise, and after any failure.
-Variant CLSCO_AZIENDECOLL::annoDaCopiare() noexcept {
+Variant yearToCopy(Call& call) noexcept {
   Variant year;
   ignoreErrors([&] {
-    const CLSCO_INPUTAZCOLL& in = input();
-    if (!mancante(in.AnnoSolareDaDuplicare)) {
+    const CLSCO_INPUTAZCOLL& in = call.input();
+    if (!call.isMissing(in.AnnoSolareDaDuplicare)) {
       year = in.AnnoSolareDaDuplicare;
       return;
     }
-    if (mancante(in.Pvar_Ditta)) {
+    if (call.isMissing(in.Pvar_Ditta)) {
       return;
     }
-    const Variant previous = std::int32_t{annoDellaChiamata(false).toInt16()} - 1;
-    if (collegataNellAnno(previous)) {
+    const Variant previous = std::int32_t{call.requiredYear(ZeroYear::IsAYear).toInt16()} - 1;
+    if (isLinkedIn(call, previous)) {
       year = previous;
     }
   });
   return year;
 }
 
-/// Shows the screen of the links between companies. Does nothing without the caller's interface.
-void CLSCO_AZIENDECOLL::configuraCollegamenti() {
-  const CLSCO_INPUTAZCOLL& in = input();
+}  // namespace
+
+void configureLinks(Call& call) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
   if (!in.ActiveInterface) {
     return;
   }
   const std::shared_ptr<NamedMembers> screen =
-      newScreen(*platform_, kLinksScreen, in.ActiveInterface);
+      newScreen(call.platform(), kLinksScreen, in.ActiveInterface);
   screen->set("CodiceAzienda", in.Pvar_Ditta);
-  screen->set("AnnoSolareDaDuplicare", annoDaCopiare());
-  if (mancante(screen->get("AnnoSolareDaDuplicare"))) {
-    screen->set("AnnoIva", annoDellaChiamata(false));
+  screen->set("AnnoSolareDaDuplicare", yearToCopy(call));
+  if (call.isMissing(screen->get("AnnoSolareDaDuplicare"))) {
+    screen->set("AnnoIva", call.requiredYear(ZeroYear::IsAYear));
   }
-  platform_->show(*screen, in.ActiveInterface);
+  call.platform().show(*screen, in.ActiveInterface);
 }
 
-/// Shows the screen of the company's activities. Does nothing without the caller's interface.
-void CLSCO_AZIENDECOLL::configuraAttività() {
-  const CLSCO_INPUTAZCOLL& in = input();
+void configureActivities(Call& call) {
+  const CLSCO_INPUTAZCOLL& in = call.input();
   if (!in.ActiveInterface) {
     return;
   }
   const std::shared_ptr<NamedMembers> screen =
-      newScreen(*platform_, kActivitiesScreen, in.ActiveInterface);
+      newScreen(call.platform(), kActivitiesScreen, in.ActiveInterface);
   screen->set("CodDitta", in.Pvar_Ditta);
   // Callers rely on it: this screen is given the year of the call, not the year to copy from.
-  screen->set("AnnoSolareDaDuplicare", annoDellaChiamata(false));
+  screen->set("AnnoSolareDaDuplicare", call.requiredYear(ZeroYear::IsAYear));
   screen->set("CodiceAttività", in.CodiceAttività);
-  platform_->show(*screen, in.ActiveInterface);
+  call.platform().show(*screen, in.ActiveInterface);
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::linked

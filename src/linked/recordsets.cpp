@@ -1,90 +1,98 @@
 // The companies of a group read from the links: as an open recordset, or as a list.
 
-#include "component/service.h"
+#include "linked/recordsets.h"
+
+#include "component/frame.h"
 #include "data/text.h"
 #include "linked/statements.h"
 
-namespace azcoll {
+namespace azcoll::linked {
+namespace {
 
-/// The statement that `componi` makes for the company and the year of the call.
-std::string CLSCO_AZIENDECOLL::istruzioneDitte(IstruzioneDitte componi) {
-  return componi({.company = input().Pvar_Ditta, .year = annoDellaChiamata(false)});
+using GroupStatement = std::string (*)(const CompanyOfYear&);
+
+/// The statement that `compose` makes for the company and the year of the call.
+std::string statementOfCall(Call& call, GroupStatement compose) {
+  return compose(
+      {.company = call.input().Pvar_Ditta, .year = call.requiredYear(ZeroYear::IsAYear)});
 }
 
 /// Opens a recordset of the group in the output object.
-Recordset& CLSCO_AZIENDECOLL::apriDitteCollegate(IstruzioneDitte componi) {
-  apriRecordset(istruzioneDitte(componi), output().Grst_DitteCollegate);
-  return *output().Grst_DitteCollegate;
+Recordset& openGroup(Call& call, GroupStatement compose) {
+  call.open(statementOfCall(call, compose), call.output().Grst_DitteCollegate);
+  return *call.output().Grst_DitteCollegate;
 }
 
 /// Positions on the first company and hands out the accounting type of its link; false when there
 /// is no company.
-bool CLSCO_AZIENDECOLL::riportaTipoCont(Recordset& ditte) {
-  if (ditte.recordCount() == 0) {
+bool handOutAccountingType(Call& call, Recordset& companies) {
+  if (companies.recordCount() == 0) {
     return false;
   }
-  ditte.moveFirst();
-  output().IndTipoCont = ditte.fields().item("CG86_INDTIPOCONT").value();
+  companies.moveFirst();
+  call.output().IndTipoCont = companies.fields().item("CG86_INDTIPOCONT").value();
   return true;
 }
 
-/// Hands out the companies of `ditte`, then the current one, parted by ", "; nothing when `ditte`
-/// has no company. Callers rely on it: the current company is the last one whether it is the main
-/// company or not, and a company with several rows stands there several times.
-void CLSCO_AZIENDECOLL::elencaDitte(Recordset& ditte) {
-  if (!riportaTipoCont(ditte)) {
+/// Hands out the companies of `companies`, then the current one, parted by ", "; nothing when
+/// `companies` has no company. Callers rely on it: the current company is the last one whether it
+/// is the main company or not, and a company with several rows stands there several times.
+void listCompanies(Call& call, Recordset& companies) {
+  if (!handOutAccountingType(call, companies)) {
     return;
   }
-  for (; !ditte.atEnd(); ditte.moveNext()) {
-    output().DitteCollegate =
-        join(output().DitteCollegate, ditte.fields().item("DITTA").value(), ", ");
+  for (; !companies.atEnd(); companies.moveNext()) {
+    call.output().DitteCollegate =
+        join(call.output().DitteCollegate, companies.fields().item("DITTA").value(), ", ");
   }
-  output().DitteCollegate = join(output().DitteCollegate, input().Pvar_Ditta);
+  call.output().DitteCollegate = join(call.output().DitteCollegate, call.input().Pvar_Ditta);
 }
 
-void CLSCO_AZIENDECOLL::DitteCollegate() noexcept {
-  metodo(" in DitteCollegate",
-         [this] { elencaDitte(*apriRecordset(istruzioneDitte(linked::linkedCompanies))); });
+}  // namespace
+
+void DitteCollegate(Call& call) noexcept {
+  method(call, " in DitteCollegate",
+         [&] { listCompanies(call, *call.open(statementOfCall(call, linkedCompanies))); });
 }
 
-void CLSCO_AZIENDECOLL::DitteCollegatePiuPrincipale() noexcept {
-  metodo(" in DitteCollegatePiuPrincipale", [this] {
-    std::shared_ptr<Recordset> ditte = apriRecordset(istruzioneDitte(linked::linkedCompanies));
-    if (ditte->recordCount() == 0) {
-      ditte = apriRecordset(istruzioneDitte(linked::othersOfLinked));
+void DitteCollegatePiuPrincipale(Call& call) noexcept {
+  method(call, " in DitteCollegatePiuPrincipale", [&] {
+    std::shared_ptr<Recordset> companies = call.open(statementOfCall(call, linkedCompanies));
+    if (companies->recordCount() == 0) {
+      companies = call.open(statementOfCall(call, othersOfLinked));
     }
-    elencaDitte(*ditte);
+    listCompanies(call, *companies);
   });
 }
 
-void CLSCO_AZIENDECOLL::RecordsetDitteCollegate() noexcept {
-  metodo(" in RecordsetDitteCollegate",
-         [this] { riportaTipoCont(apriDitteCollegate(linked::linkedCompanies)); });
+void RecordsetDitteCollegate(Call& call) noexcept {
+  method(call, " in RecordsetDitteCollegate",
+         [&] { handOutAccountingType(call, openGroup(call, linkedCompanies)); });
 }
 
-void CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipale() noexcept {
-  metodo(" in RecordsetDitteCollegatePiuPrincipale",
-         [this] { riportaTipoCont(apriDitteCollegate(linked::mainCompanyFirst)); });
+void RecordsetDitteCollegatePiuPrincipale(Call& call) noexcept {
+  method(call, " in RecordsetDitteCollegatePiuPrincipale",
+         [&] { handOutAccountingType(call, openGroup(call, mainCompanyFirst)); });
 }
 
-void CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipaleNoPrinc() noexcept {
-  metodo(" in RecordsetDitteCollegatePiuPrincipaleNoPrinc", [this] {
-    if (!riportaTipoCont(apriDitteCollegate(linked::withMainCompany))) {
-      riportaTipoCont(apriDitteCollegate(linked::groupOfLinked));
+void RecordsetDitteCollegatePiuPrincipaleNoPrinc(Call& call) noexcept {
+  method(call, " in RecordsetDitteCollegatePiuPrincipaleNoPrinc", [&] {
+    if (!handOutAccountingType(call, openGroup(call, withMainCompany))) {
+      handOutAccountingType(call, openGroup(call, groupOfLinked));
     }
   });
 }
 
-void CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva() noexcept {
+void RecordsetDitteCollegatePiuPrincipalePiuDenunciaIva(Call& call) noexcept {
   // Callers rely on it: the message names the method without the VAT return.
-  metodo(" in RecordsetDitteCollegatePiuPrincipale",
-         [this] { riportaTipoCont(apriDitteCollegate(linked::withVatReturnData)); });
+  method(call, " in RecordsetDitteCollegatePiuPrincipale",
+         [&] { handOutAccountingType(call, openGroup(call, withVatReturnData)); });
 }
 
-void CLSCO_AZIENDECOLL::RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio() noexcept {
+void RecordsetDitteCollegatePiuPrincipalePerChiuApeEsercizio(Call& call) noexcept {
   // Callers rely on it: the message names the method with the main company first.
-  metodo(" in RecordsetDitteCollegatePiuPrincipale",
-         [this] { riportaTipoCont(apriDitteCollegate(linked::mainCompanyLast)); });
+  method(call, " in RecordsetDitteCollegatePiuPrincipale",
+         [&] { handOutAccountingType(call, openGroup(call, mainCompanyLast)); });
 }
 
-}  // namespace azcoll
+}  // namespace azcoll::linked

@@ -1,105 +1,106 @@
+#include "linked/resolution.h"
+
 #include <optional>
 
-#include "component/service.h"
+#include "component/frame.h"
 #include "component/values.h"
 #include "data/error.h"
 #include "data/text.h"
 
-namespace azcoll {
+namespace azcoll::linked {
 namespace {
 
-constexpr std::int16_t flag(bool value) { return value ? 1 : 0; }
-
-}  // namespace
-
-/// The command for the stored procedure that knows the group, with its parameters set.
-std::shared_ptr<Command> CLSCO_AZIENDECOLL::comandoDitteCollegate(const FiltriGruppo& filtri) {
-  const std::optional<Date> start = dayOf(annoDellaChiamata(true), 1, 1);
+/// The command for the group of the call's company and year.
+std::shared_ptr<Command> groupOfCall(Call& call, const GroupFilter& filter) {
+  const std::optional<Date> start = dayOf(call.requiredYear(ZeroYear::IsMissing), 1, 1);
   if (!start) {
     throw Error("Anno di riferimento non valido");
   }
-  std::shared_ptr<Command> command = connessione().newCommand();
-  command->setActiveConnection(input().Connessione);
-  command->setCommandText("PC_GetDitteCollegate");
-  command->setCommandType(CommandOption::StoredProcedure);
-  command->setCommandTimeout(0);
-  command->setPrepared(true);
-  Parameters& parameters = command->parameters();
-  parameters.item("@CodiceDitta").setValue(input().Pvar_Ditta);
-  parameters.item("@DataInizioElaborazione").setValue(*start);
-  parameters.item("@GestioneDuplicazioneCliFor").setValue(ValoreGestioneDuplicazioneCliFor());
-  parameters.item("@EscludiDittaPrincipale").setValue(flag(filtri.escludiPrincipale));
-  parameters.item("@EscludiDittaCorrente").setValue(flag(filtri.escludiCorrente));
-  parameters.item("@TipoCF").setValue(filtri.tipoCF);
-  parameters.item("@CodIntermedio").setValue(filtri.codIntermedio);
-  parameters.item("@CodSede").setValue(filtri.codSede);
-  return command;
+  return groupCommand(call.sharedConnection(), call.input().Pvar_Ditta, *start,
+                      call.ValoreGestioneDuplicazioneCliFor(), filter);
 }
 
-std::string CLSCO_AZIENDECOLL::GetDittaPrincipale() noexcept {
-  std::string principale;
+}  // namespace
+
+void readGroup(Call& call, const GroupFilter& filter, std::shared_ptr<Recordset>& companies) {
+  const std::shared_ptr<Command> command = groupOfCall(call, filter);
+  std::int64_t affected = 0;
+  companies = command->execute(affected, CommandOption::StoredProcedure);
+  command->setActiveConnection(nullptr);
+  if (!companies) {
+    throw Error("PC_GetDitteCollegate non ha restituito righe");
+  }
+}
+
+std::string GetDittaPrincipale(Call& call) noexcept {
+  std::string main;
   // Callers rely on it: a failure is no failure here, it means that no main company is known.
   ignoreErrors([&] {
-    if (!InizializzaMetodo(Connect::Yes)) {
+    if (!call.InizializzaMetodo(Connect::Yes)) {
       return;
     }
     std::shared_ptr<Recordset> rows;
-    leggiGruppo({}, rows);
+    readGroup(call, {}, rows);
     rows->setActiveConnection(nullptr);
     rows->find("PRINCIPALE = 1", 0, SearchDirection::Forward, Bookmark::First);
     if (!rows->atEnd()) {
       Fields& row = rows->fields();
-      output().IndTipoCont = ValoreDefault(row.item("CG86_INDTIPOCONT").value(), std::int16_t{0});
-      principale = testo(row.item("DITTA").value());
+      call.output().IndTipoCont =
+          call.ValoreDefault(row.item("CG86_INDTIPOCONT").value(), std::int16_t{0});
+      main = call.text(row.item("DITTA").value());
     }
   });
-  return principale;
+  return main;
 }
 
-/// The companies to receive reduced copies: all of the group but the main and the current one.
-/// Returns their list; the procedure's recordset goes to `ditte`, connected and open. A failure is
-/// swallowed and leaves the list empty.
-std::string CLSCO_AZIENDECOLL::LeggiDitteCollegate(std::shared_ptr<Recordset>& ditte) noexcept {
-  std::string elenco;
+std::string LeggiDitteCollegate(Call& call, std::shared_ptr<Recordset>& companies) noexcept {
+  std::string list;
   ignoreErrors([&] {
-    if (!InizializzaMetodo(Connect::Yes)) {
+    if (!call.InizializzaMetodo(Connect::Yes)) {
       return;
     }
     const std::shared_ptr<Command> command =
-        comandoDitteCollegate({.escludiPrincipale = true, .escludiCorrente = true});
+        groupOfCall(call, {.withoutMain = true, .withoutCurrent = true});
     std::int64_t affected = 0;
-    ditte = command->execute(affected, CommandOption::StoredProcedure);
-    elenco = join(command->parameters().item("@DitteCollegate").value());
+    companies = command->execute(affected, CommandOption::StoredProcedure);
+    list = join(command->parameters().item("@DitteCollegate").value());
     command->setActiveConnection(nullptr);
   });
-  return elenco;
+  return list;
 }
 
-void CLSCO_AZIENDECOLL::ControllaDittaPrincipale() noexcept {
-  metodo(" in ControllaDittaPrincipale", [this] {
-    static_cast<void>(annoDellaChiamata(true));  // the look-up would only answer that it knows none
-    const std::string principale = GetDittaPrincipale();
-    output().Gbol_DittaPrincipale =
-        principale == join(ValoreDefault(input().Pvar_Ditta, std::int16_t{-1}));
+void ControllaDittaPrincipale(Call& call) noexcept {
+  method(call, " in ControllaDittaPrincipale", [&] {
+    // Without a year the look-up would only answer that it knows no main company.
+    static_cast<void>(call.requiredYear(ZeroYear::IsMissing));
+    const std::string main = GetDittaPrincipale(call);
+    call.output().Gbol_DittaPrincipale =
+        main == join(call.ValoreDefault(call.input().Pvar_Ditta, std::int16_t{-1}));
   });
 }
 
-void CLSCO_AZIENDECOLL::ControllaDittaCollegata() noexcept {
-  metodo(" in ControllaDittaCollegata", [this] {
-    const std::string company = join(input().Pvar_Ditta);
-    const std::shared_ptr<Recordset> links = apriRecordset(
-        join("SELECT * FROM CG86_AZIENDECOLL",                  //
-             " WHERE CG86_INDTIPO = 0",                         //
-             " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",     //
-             " AND CG86_ANNOIVA = ", annoDellaChiamata(false),  //
+void ControllaDittaCollegata(Call& call) noexcept {
+  method(call, " in ControllaDittaCollegata", [&] {
+    const std::string company = join(call.input().Pvar_Ditta);
+    const std::shared_ptr<Recordset> links = call.open(
+        join("SELECT * FROM CG86_AZIENDECOLL",                              //
+             " WHERE CG86_INDTIPO = 0",                                     //
+             " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",                 //
+             " AND CG86_ANNOIVA = ", call.requiredYear(ZeroYear::IsAYear),  //
              " AND (CG86_DITTA_CG18 = ", company, " OR CG86_DITTACOLL_CG18 = ", company, ")"));
-    output().Gbol_DittaPrincipale = links->recordCount() != 0;
-    if (output().Gbol_DittaPrincipale) {
+    call.output().Gbol_DittaPrincipale = links->recordCount() != 0;
+    if (call.output().Gbol_DittaPrincipale) {
       links->moveFirst();
-      output().IndTipoCont = links->fields().item("CG86_INDTIPOCONT").value();
-      output().Gvar_DittaPrincipale = links->fields().item("CG86_DITTA_CG18").value();
+      call.output().IndTipoCont = links->fields().item("CG86_INDTIPOCONT").value();
+      call.output().Gvar_DittaPrincipale = links->fields().item("CG86_DITTA_CG18").value();
     }
   });
 }
 
-}  // namespace azcoll
+bool isLinkedIn(Call& call, const Variant& year) {
+  const Borrowed yearOfCall{call.input().AnnoSolare, year};
+  ControllaDittaCollegata(call);
+  return call.succeeded() && call.output().Gbol_DittaPrincipale;
+}
+
+}  // namespace azcoll::linked

@@ -7,13 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "cursor/fold.h"
 #include "odbc/select_shape.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
 
-using cursor::sameName;
 using TableFinder = std::function<const TableInfo*(std::string_view)>;
 
 void forgetBases(std::vector<ColumnInfo>& columns) {
@@ -30,8 +29,9 @@ bool hasOpaqueSource(const SelectShape& shape) {
 }
 
 auto timesNamed(const SelectShape& shape, std::string_view table) {
-  return std::count_if(shape.sources.begin(), shape.sources.end(),
-                       [&](const SelectSource& source) { return sameName(source.name, table); });
+  return std::count_if(shape.sources.begin(), shape.sources.end(), [&](const SelectSource& source) {
+    return equalsIgnoringCase(source.name, table);
+  });
 }
 
 /// Drops what the driver told of tables that are not named exactly once.
@@ -69,7 +69,7 @@ class ListFollower {
   bool expand(const SelectItem& item) {
     bool any = false;
     for (const SelectSource& source : shape_.sources) {
-      if (!item.qualifier.empty() && !sameName(source.alias, item.qualifier)) {
+      if (!item.qualifier.empty() && !equalsIgnoringCase(source.alias, item.qualifier)) {
         continue;
       }
       const TableInfo* const table = source.name.empty() ? nullptr : find_(source.name);
@@ -78,7 +78,7 @@ class ListFollower {
       }
       any = true;
       for (const std::string& column : table->columns) {
-        if (at_ == columns_.size() || !sameName(columns_[at_].name, column)) {
+        if (at_ == columns_.size() || !equalsIgnoringCase(columns_[at_].name, column)) {
           return false;
         }
         settle(source.name, column);
@@ -105,16 +105,16 @@ class ListFollower {
   [[nodiscard]] const SelectSource* ownerOf(const SelectItem& item) const {
     const SelectSource* owner = nullptr;
     for (const SelectSource& source : shape_.sources) {
-      if (!item.qualifier.empty() && !sameName(source.alias, item.qualifier)) {
+      if (!item.qualifier.empty() && !equalsIgnoringCase(source.alias, item.qualifier)) {
         continue;
       }
       const TableInfo* const table = source.name.empty() ? nullptr : find_(source.name);
       if (table == nullptr) {
         return nullptr;
       }
-      const bool has =
-          std::any_of(table->columns.begin(), table->columns.end(),
-                      [&](const std::string& column) { return sameName(column, item.column); });
+      const bool has = std::any_of(
+          table->columns.begin(), table->columns.end(),
+          [&](const std::string& column) { return equalsIgnoringCase(column, item.column); });
       if (has && owner != nullptr) {
         return nullptr;
       }
@@ -146,16 +146,17 @@ void markKeys(std::vector<ColumnInfo>& columns, const TableFinder& find) {
     }
     const auto isHere = [&](const std::string& key) {
       return std::any_of(columns.begin(), columns.end(), [&](const ColumnInfo& other) {
-        return sameName(other.baseTable, column.baseTable) && sameName(other.baseColumn, key);
+        return equalsIgnoringCase(other.baseTable, column.baseTable) &&
+               equalsIgnoringCase(other.baseColumn, key);
       });
     };
     const bool whole = std::all_of(table->keys.begin(), table->keys.end(), isHere);
     column.isKey =
         whole && std::any_of(table->keys.begin(), table->keys.end(), [&](const std::string& key) {
-          return sameName(key, column.baseColumn);
+          return equalsIgnoringCase(key, column.baseColumn);
         });
     for (std::size_t index = 0; index < table->columns.size(); ++index) {
-      if (table->identity[index] && sameName(table->columns[index], column.baseColumn)) {
+      if (table->identity[index] && equalsIgnoringCase(table->columns[index], column.baseColumn)) {
         column.isIdentity = true;
       }
     }

@@ -3,17 +3,15 @@
 #include <cstddef>
 #include <utility>
 
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "odbc/diagnostics.h"
 #include "odbc/execution.h"
 #include "odbc/spellings.h"
 #include "odbc/strings.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
-
-using cursor::sameName;
 
 // Columns of the results of SQLColumns and SQLPrimaryKeys.
 constexpr std::size_t kSchema = 1;
@@ -54,7 +52,7 @@ ResultSet keysOf(const Session& session, std::string_view schema, std::string_vi
 bool isNumbered(std::string_view typeName) {
   constexpr std::string_view kMark = "identity";
   return typeName.size() >= kMark.size() &&
-         sameName(typeName.substr(typeName.size() - kMark.size()), kMark);
+         equalsIgnoringCase(typeName.substr(typeName.size() - kMark.size()), kMark);
 }
 
 /// The table under exactly this spelling (wildcards of the catalogue's patterns are sorted out).
@@ -67,7 +65,7 @@ std::optional<TableInfo> ask(const Session& session, std::string_view table, int
   std::string schema;
   std::string name;
   for (std::size_t row = 0; row < found.rowCount(); ++row) {
-    if (!sameName(cell(found, row, kTable), table)) {
+    if (!equalsIgnoringCase(cell(found, row, kTable), table)) {
       continue;
     }
     if (info.columns.empty()) {
@@ -93,7 +91,7 @@ std::optional<TableInfo> ask(const Session& session, std::string_view table, int
 
 const TableInfo* Catalogue::find(const Session& session, std::string_view table,
                                  int timeoutSeconds) {
-  const std::string folded = cursor::folded(table);
+  const std::string folded = foldCase(table);
   auto known = tables_.find(folded);
   if (known == tables_.end()) {
     std::optional<TableInfo> info;

@@ -5,14 +5,12 @@
 #include <charconv>
 #include <cstddef>
 
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
-
-using cursor::sameName;
 
 constexpr std::string_view kMask = "***";
 constexpr std::size_t kDistinctive = 4;  // characters from which a password is no common word part
@@ -72,14 +70,15 @@ std::vector<Pair> pairsOf(std::string_view text) {
 }
 
 bool isPasswordKey(std::string_view key) {
-  return sameName(key, "PWD") || sameName(key, "PASSWORD");
+  return equalsIgnoringCase(key, "PWD") || equalsIgnoringCase(key, "PASSWORD");
 }
 
 bool isUserKey(std::string_view key) {
-  return sameName(key, "UID") || sameName(key, "USER ID") || sameName(key, "USER");
+  return equalsIgnoringCase(key, "UID") || equalsIgnoringCase(key, "USER ID") ||
+         equalsIgnoringCase(key, "USER");
 }
 
-bool isLockKey(std::string_view key) { return sameName(key, "BLOCCO"); }
+bool isLockKey(std::string_view key) { return equalsIgnoringCase(key, "BLOCCO"); }
 
 /// A value as a connection string holds it, whatever characters it has.
 std::string braced(std::string_view value) {
@@ -177,11 +176,11 @@ std::string serverOf(std::string_view text) {
   std::string source;
   std::string port;
   for (const Pair& pair : pairsOf(text)) {
-    if (sameName(pair.key, "SERVER") || sameName(pair.key, "SERVERNAME")) {
+    if (equalsIgnoringCase(pair.key, "SERVER") || equalsIgnoringCase(pair.key, "SERVERNAME")) {
       server = pair.value;
-    } else if (sameName(pair.key, "DSN")) {
+    } else if (equalsIgnoringCase(pair.key, "DSN")) {
       source = pair.value;
-    } else if (sameName(pair.key, "PORT")) {
+    } else if (equalsIgnoringCase(pair.key, "PORT")) {
       port = pair.value;
     }
   }
@@ -195,7 +194,7 @@ GroupLock groupLock(std::string_view text) {
   GroupLock lock = GroupLock::None;
   for (const Pair& pair : pairsOf(text)) {
     if (isLockKey(pair.key)) {
-      if (!sameName(pair.value, "GRUPPO")) {
+      if (!equalsIgnoringCase(pair.value, "GRUPPO")) {
         throw Error(join("Valore non valido nella stringa di connessione: Blocco=", pair.raw,
                          " (è ammesso Blocco=Gruppo)"));
       }
@@ -221,8 +220,9 @@ std::string withoutOwnKeys(std::string_view text) {
 int loginTimeout(std::string_view text) {
   constexpr int kDefault = 15;
   for (const Pair& pair : pairsOf(text)) {
-    if (sameName(pair.key, "CONNECT TIMEOUT") || sameName(pair.key, "CONNECTION TIMEOUT") ||
-        sameName(pair.key, "LOGINTIMEOUT") || sameName(pair.key, "TIMEOUT")) {
+    if (equalsIgnoringCase(pair.key, "CONNECT TIMEOUT") ||
+        equalsIgnoringCase(pair.key, "CONNECTION TIMEOUT") ||
+        equalsIgnoringCase(pair.key, "LOGINTIMEOUT") || equalsIgnoringCase(pair.key, "TIMEOUT")) {
       int seconds = 0;
       const char* const end = pair.value.data() + pair.value.size();
       const auto [stop, error] = std::from_chars(pair.value.data(), end, seconds);

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <optional>
 
-#include "cursor/fold.h"
 #include "cursor/result_set.h"
 #include "data/error.h"
 #include "data/text.h"
@@ -13,11 +12,10 @@
 #include "odbc/spellings.h"
 #include "odbc/sql_words.h"
 #include "odbc/strings.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
-
-using cursor::sameName;
 
 // Columns of the result of SQLProcedureColumns.
 constexpr std::size_t kOwner = 1;
@@ -134,8 +132,8 @@ Listed parametersIn(const Rows& rows, const ProcedureName& wanted) {
   for (std::size_t row = 0; row < rows.count(); ++row) {
     // The name went as a pattern, in which an underscore stands for any character.
     const std::string owner = rows.text(row, kOwner);
-    const bool meant = sameName(withoutNumber(rows.text(row, kProcedure)), wanted.name) &&
-                       (wanted.schema.empty() || sameName(owner, wanted.schema)) &&
+    const bool meant = equalsIgnoringCase(withoutNumber(rows.text(row, kProcedure)), wanted.name) &&
+                       (wanted.schema.empty() || equalsIgnoringCase(owner, wanted.schema)) &&
                        (!schema || *schema == owner);
     if (!meant) {
       continue;

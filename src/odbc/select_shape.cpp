@@ -7,8 +7,8 @@
 #include <span>
 #include <utility>
 
-#include "cursor/fold.h"
 #include "odbc/sql_words.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -189,7 +189,7 @@ bool onlyReads(std::string_view batch) {
       "SHUTDOWN",  "RECONFIGURE", "CHECKPOINT", "ENABLE",     "DISABLE"};
   constexpr std::string_view kBlanks = " \t\r\n";
   const std::size_t start = batch.find_first_not_of(kBlanks);
-  if (start == std::string_view::npos || !cursor::sameName(batch.substr(start, 6), "SELECT")) {
+  if (start == std::string_view::npos || !equalsIgnoringCase(batch.substr(start, 6), "SELECT")) {
     return false;  // most others, without a look at all their words
   }
   const std::vector<SqlWord> words = wordsOf(batch);

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstddef>
 
-#include "cursor/fold.h"
+#include "text/letter_case.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -116,7 +116,7 @@ class WordReader {
 }  // namespace
 
 bool SqlWord::is(std::string_view keyword) const {
-  return kind == Kind::Name && cursor::sameName(text, keyword);
+  return kind == Kind::Name && equalsIgnoringCase(text, keyword);
 }
 
 std::vector<SqlWord> wordsOf(std::string_view text) { return WordReader{text}.read(); }

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "component/members.h"
 #include "engines/dice.h"
+#include "service/members.h"
 
 namespace azcoll::test {
 

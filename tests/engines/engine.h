@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "component/service.h"
 #include "data/tracing.h"
 #include "engines/drawn_call.h"
+#include "service/service.h"
 #include "support/picture.h"
 
 namespace azcoll::test {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "component/service.h"
 #include "data/tracing.h"
 #include "platform/provider_factory.h"
+#include "service/service.h"
 #include "support/relay.h"
 #include "support/server_example.h"
 

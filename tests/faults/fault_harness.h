@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "component/service.h"
 #include "faults/faulty_connection.h"
+#include "service/service.h"
 #include "support/picture.h"
 
 /// Calls of the service in which every operation fails once, in every way.

@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
-#include "component/service.h"
 #include "faults/killed_call.h"
+#include "service/service.h"
 #include "support/child_process.h"
 #include "support/database_file.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "component/service.h"
+#include "service/service.h"
 #include "support/method.h"
 
 /// Calls in a process that is killed in the middle of them, on a file and on a server.

@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "component/service.h"
 #include "data/error.h"
 #include "data/text.h"
 #include "data/tracing.h"
+#include "service/service.h"
 
 namespace azcoll::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "component/service.h"
 #include "faults/saved_customers.h"
+#include "service/service.h"
 #include "support/child_process.h"
 #include "support/database_file.h"
 

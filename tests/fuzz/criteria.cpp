@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "cursor/client_cursor.h"
-#include "cursor/fold.h"
 #include "data/error.h"
 #include "data/text.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
+#include "text/letter_case.h"
 
 namespace azcoll::fuzz {
 namespace {
@@ -73,7 +73,7 @@ std::vector<Row> rowsOf(const std::vector<std::string>& values) {
 
 std::size_t columnNamed(std::string_view name) {
   for (std::size_t i = 0; i < kColumns.size(); ++i) {
-    if (cursor::sameName(kColumns[i], name)) {
+    if (equalsIgnoringCase(kColumns[i], name)) {
       return i;
     }
   }
@@ -236,7 +236,7 @@ Verdicts compared(std::size_t column, const char* comparator, const std::string&
 
 /// The comparisons of a column with a value fit together.
 void checkComparisons(std::size_t column, const std::string& value, const std::vector<Row>& rows) {
-  const std::string literal = "'" + doubleApostrophes(value) + "'";
+  const std::string literal = "'" + doubled(value, '\'') + "'";
   const Verdicts less = compared(column, "<", literal, rows);
   const Verdicts equal = compared(column, "=", literal, rows);
   const Verdicts greater = compared(column, ">", literal, rows);
@@ -254,8 +254,8 @@ void checkComparisons(std::size_t column, const std::string& value, const std::v
       continue;
     }
     const auto is = [i](const Verdicts& outcomes) { return outcomes[i] == Verdict::Satisfied; };
-    const std::string pattern = cursor::folded(value);
-    require(is(like) == fitsPattern(cursor::folded(cell.text()), pattern), "LIKE fits", value);
+    const std::string pattern = foldCase(value);
+    require(is(like) == fitsPattern(foldCase(cell.text()), pattern), "LIKE fits", value);
     if (less[i] == Verdict::DoesNotFit) {
       for (const Verdicts& outcomes : {equal, greater, notEqual, lessOrEqual, greaterOrEqual}) {
         require(outcomes[i] == Verdict::DoesNotFit, "all comparisons fit or none", value);
@@ -293,7 +293,7 @@ void criteria(std::string_view input) {
     for (std::size_t column = 0; column < kColumns.size(); ++column) {
       checkComparisons(column, values[v], rows);
     }
-    const std::string literal = "'" + doubleApostrophes(values[v]) + "'";
+    const std::string literal = "'" + doubled(values[v], '\'') + "'";
     const std::size_t own = rows.size() - values.size() + v;
     require(compared(kTextColumn, "=", literal, rows)[own] == Verdict::Satisfied,
             "a text equals itself", values[v]);

@@ -2,6 +2,7 @@
 
 #include "platform/provider_factory.h"
 #include "providers/provider.h"
+#include "service/service.h"
 
 namespace azcoll::test {
 namespace {
@@ -12,6 +13,19 @@ TEST(Factory, TheEmbeddedEngineIsChosenByItsName) {
   const auto connection = newConnectionFor("provider = EMBEDDED;Data Source=:memory:");
   connection->open("", "", CommandOption::Unspecified);
   EXPECT_TRUE(connection->isOpen());
+}
+
+TEST(Factory, AServiceOnTheDefaultPlatformOpensWhatItsStringNames) {
+  CLSCO_AZIENDECOLL service;
+  EXPECT_EQ(service.Stato, Variant{std::int16_t{0}});
+  EXPECT_TRUE(service.Errore.isEmpty());
+  service.CPInput->StringaConnessione = "Provider=embedded;Data Source=:memory:";
+  service.CPInput->Pvar_Ditta = std::int32_t{10};
+  service.CPInput->AnnoSolare = std::int32_t{2024};
+  service.ControllaDittaCollegata();  // there is no table yet
+  EXPECT_EQ(service.Stato, Variant{std::int16_t{99}});
+  ASSERT_NE(service.CPInput->Connessione, nullptr);
+  EXPECT_TRUE(service.CPInput->Connessione->isOpen());
 }
 
 #ifdef AZCOLL_WITH_ODBC

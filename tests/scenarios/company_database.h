@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "component/service.h"
 #include "data/tables.h"
+#include "service/service.h"
 #include "support/picture.h"
 #include "support/test_database.h"
 

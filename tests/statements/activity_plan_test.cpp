@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "component/service.h"
+#include "service/service.h"
 #include "support/sqlite_texts.h"
 #include "support/test_database.h"
 

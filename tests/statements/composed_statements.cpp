@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "component/members.h"
 #include "embedded/embedded_connection.h"
+#include "service/members.h"
 #include "support/recording_connection.h"
 #include "support/test_database.h"
 #include "tsql/parser.h"

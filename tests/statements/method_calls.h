@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "component/members.h"
-#include "component/service.h"
 #include "data/connection.h"
+#include "service/members.h"
+#include "service/service.h"
 
 namespace azcoll::statements {
 

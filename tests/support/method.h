@@ -2,8 +2,8 @@
 
 #include <variant>
 
-#include "component/members.h"
-#include "component/service.h"
+#include "service/members.h"
+#include "service/service.h"
 
 namespace azcoll::test {
 

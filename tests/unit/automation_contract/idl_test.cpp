@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll {
 namespace {

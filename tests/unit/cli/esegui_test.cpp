@@ -1,5 +1,5 @@
 #include "cli_test.h"
-#include "component/members.h"
+#include "service/members.h"
 
 namespace azcoll::cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "component/members.h"
+#include "service/members.h"
 
 #include "cli_test.h"
 

@@ -41,56 +41,6 @@ TEST(Join, RefusesAnObject) {
   EXPECT_THROW(static_cast<void>(join(Variant{std::shared_ptr<Object>{}})), Error);
 }
 
-TEST(DoubleApostrophes, WritesEachApostropheTwice) {
-  EXPECT_EQ(doubleApostrophes("L'Aquila 'd'"), "L''Aquila ''d''");
-  EXPECT_EQ(doubleApostrophes(""), "");
-  EXPECT_EQ(doubleApostrophes("'"), "''");
-}
-
-TEST(Trim, TakesBlanksOffBothEnds) {
-  EXPECT_EQ(trim("  a b "), "a b");
-  EXPECT_EQ(trim("   "), "");
-  EXPECT_EQ(trim(""), "");
-  EXPECT_EQ(trim("\ta\t"), "\ta\t");
-  EXPECT_EQ(trim(" \xFF "), "\xFF");
-}
-
-TEST(Characters, CountsCodePoints) {
-  EXPECT_EQ(characterCount(""), 0U);
-  EXPECT_EQ(characterCount("Attivit\u00E0"), 8U);
-  EXPECT_EQ(characterCount("\u20AC\U0001F600"), 2U);
-  EXPECT_EQ(characterCount(std::string_view("a\0b", 3)), 3U);
-}
-
-TEST(Characters, CountsAMalformedByteAsOne) {
-  EXPECT_EQ(characterCount("\xC3"), 1U);              // cut short
-  EXPECT_EQ(characterCount("\x80\xBF"), 2U);          // continuation without a lead
-  EXPECT_EQ(characterCount("\xC0\xAF"), 2U);          // overlong
-  EXPECT_EQ(characterCount("\xE0\x80\xAF"), 3U);      // overlong
-  EXPECT_EQ(characterCount("\xED\xA0\x80"), 3U);      // surrogate
-  EXPECT_EQ(characterCount("\xF0\x80\x80\x80"), 4U);  // overlong
-  EXPECT_EQ(characterCount("\xF4\x90\x80\x80"), 4U);  // beyond Unicode
-  EXPECT_EQ(characterCount("\xF5\x80\x80\x80"), 4U);
-  EXPECT_EQ(characterCount("\xE2\x82"
-                           "A"),
-            3U);                                  // third byte missing
-  EXPECT_EQ(characterCount("\xF0\x9F\x98"), 3U);  // fourth byte missing
-  EXPECT_EQ(characterCount("\xEE\x80\x80\xF3\x80\x80\x80\xED\x9F\xBF"), 3U);
-}
-
-TEST(Characters, CutsBetweenCharacters) {
-  EXPECT_EQ(leftCharacters("Attivit\u00E0 1", 8), "Attivit\u00E0");
-  EXPECT_EQ(leftCharacters("Attivit\u00E0", 7), "Attivit");
-  EXPECT_EQ(leftCharacters("ab", 5), "ab");
-  EXPECT_EQ(leftCharacters("ab", 0), "");
-  EXPECT_EQ(leftCharacters("", 3), "");
-  EXPECT_EQ(leftCharacters("\xE2\x82"
-                           "AB",
-                           3),
-            "\xE2\x82"
-            "A");
-}
-
 TEST(Error, KeepsItsOwnFailuresApartFromTheProviders) {
   const Error own{"Tipo non corrispondente"};
   EXPECT_FALSE(own.fromProvider());

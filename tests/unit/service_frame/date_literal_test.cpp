@@ -13,9 +13,7 @@ namespace {
 
 class DateLiteral : public ServiceTest {
  protected:
-  [[nodiscard]] Variant literal(const Variant& date) const {
-    return ServiceProbe::dataDB(*service, date);
-  }
+  [[nodiscard]] Variant literal(const Variant& date) const { return call().DataDB(date); }
 };
 
 TEST_F(DateLiteral, ReadsEveryFormOfADate) {

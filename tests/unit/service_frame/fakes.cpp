@@ -237,22 +237,3 @@ Date FakePlatform::today() {
 }
 
 }  // namespace azcoll::frame_tests
-
-namespace azcoll {
-
-namespace {
-
-/// The default platform of this test program, which has no database provider.
-class WithoutProviders final : public Platform {
- public:
-  [[nodiscard]] std::shared_ptr<Connection> newConnection(
-      std::string_view /*connectionString*/) override {
-    throw Error{"no provider"};
-  }
-};
-
-}  // namespace
-
-std::shared_ptr<Platform> defaultPlatform() { return std::make_shared<WithoutProviders>(); }
-
-}  // namespace azcoll

@@ -14,7 +14,7 @@ namespace {
 class DefaultValue : public ServiceTest {
  protected:
   Variant orDefault(const Variant& value) const {
-    return ServiceProbe::valoreDefault(*service, value, Variant{"missing"});
+    return call().ValoreDefault(value, Variant{"missing"});
   }
 };
 
@@ -44,11 +44,10 @@ TEST_F(DefaultValue, EveryOtherValueComesBackUnchanged) {
 }
 
 TEST_F(DefaultValue, TheDefaultMayBeOfAnyKind) {
-  EXPECT_EQ(ServiceProbe::valoreDefault(*service, kNull, std::int16_t{-1}),
-            Variant{std::int16_t{-1}});
-  EXPECT_EQ(ServiceProbe::valoreDefault(*service, kNull, kNull), Variant{kNull});
-  EXPECT_EQ(ServiceProbe::valoreDefault(*service, kNull, Variant{}), Variant{});
-  EXPECT_NE(ServiceProbe::valoreDefault(*service, "", anObject()).object(), nullptr);
+  EXPECT_EQ(call().ValoreDefault(kNull, std::int16_t{-1}), Variant{std::int16_t{-1}});
+  EXPECT_EQ(call().ValoreDefault(kNull, kNull), Variant{kNull});
+  EXPECT_EQ(call().ValoreDefault(kNull, Variant{}), Variant{});
+  EXPECT_NE(call().ValoreDefault("", anObject()).object(), nullptr);
   expectOutcome(kSucceeded, Variant{});
 }
 
@@ -66,7 +65,7 @@ TEST_F(DefaultValue, AReferenceToNoObjectIsAFailureToo) {
 class ReferenceYear : public ServiceTest {
  protected:
   [[nodiscard]] Variant year(bool numeric) const {
-    return ServiceProbe::annoRiferimento(*service, numeric);
+    return call().AnnoRiferimento(numeric ? ZeroYear::IsMissing : ZeroYear::IsAYear);
   }
   void expectYear(std::int64_t expected) const {
     for (const bool numeric : {true, false}) {
@@ -186,21 +185,21 @@ TEST_F(ReferenceYear, AMissingInputIsSwallowed) {
   EXPECT_EQ(service->Errore, Variant{});
 }
 
-TEST(EmptyRecordset, NoRecordsetIsEmpty) { EXPECT_TRUE(ServiceProbe::recordsetVuoto(nullptr)); }
+TEST(EmptyRecordset, NoRecordsetIsEmpty) { EXPECT_TRUE(RecordsetVuoto(nullptr)); }
 
 TEST(EmptyRecordset, ARecordsetWithoutRowsIsEmpty) {
-  EXPECT_TRUE(ServiceProbe::recordsetVuoto(std::make_shared<FakeRecordset>()));
+  EXPECT_TRUE(RecordsetVuoto(std::make_shared<FakeRecordset>()));
 }
 
 TEST(EmptyRecordset, ARecordsetOnARowIsNotEmpty) {
-  EXPECT_FALSE(ServiceProbe::recordsetVuoto(std::make_shared<FakeRecordset>(oneLink())));
+  EXPECT_FALSE(RecordsetVuoto(std::make_shared<FakeRecordset>(oneLink())));
 }
 
 TEST(EmptyRecordset, ARecordsetBehindItsLastRowIsNotEmpty) {
   const auto rs = std::make_shared<FakeRecordset>(oneLink());
   rs->moveNext();
   ASSERT_TRUE(rs->atEnd());
-  EXPECT_FALSE(ServiceProbe::recordsetVuoto(rs));
+  EXPECT_FALSE(RecordsetVuoto(rs));
 }
 
 TEST(EmptyRecordset, AFailureLeavesItEmpty) {
@@ -208,14 +207,14 @@ TEST(EmptyRecordset, AFailureLeavesItEmpty) {
     // At its end, so that the second question is asked whichever comes first.
     const auto rs = std::make_shared<FakeRecordset>(Rows{});
     rs->failures[operation] = [] { refuse("closed"); };
-    EXPECT_TRUE(ServiceProbe::recordsetVuoto(rs)) << operation;
+    EXPECT_TRUE(RecordsetVuoto(rs)) << operation;
     rs->failures[operation] = [] { throw 3; };
-    EXPECT_TRUE(ServiceProbe::recordsetVuoto(rs)) << operation;
+    EXPECT_TRUE(RecordsetVuoto(rs)) << operation;
   }
 }
 
 std::string formatted(const Variant& value, int width) {
-  return ServiceProbe::formattaCampo(value, static_cast<std::int16_t>(width));
+  return FormattaCampo(value, static_cast<std::int16_t>(width));
 }
 
 TEST(FixedWidth, TrimsThenPads) { EXPECT_EQ(formatted("  AB ", 4), "AB  "); }
@@ -279,7 +278,7 @@ class DuplicationFlag : public ServiceTest {
  protected:
   [[nodiscard]] int flag(const Variant& given) const {
     input().AttivaGestioneDuplicazioneCliFor = given;
-    return ServiceProbe::valoreGestione(*service);
+    return call().ValoreGestioneDuplicazioneCliFor();
   }
 };
 
@@ -304,26 +303,26 @@ TEST_F(DuplicationFlag, TextsThatHoldANumberConvert) {
 }
 
 TEST_F(DuplicationFlag, AGivenValueWinsOverTheFlagOfTheService) {
-  ServiceProbe::gestioneDuplicazione(*service) = true;
+  session.Mbol_GestioneDuplicazioneCliFor = true;
   EXPECT_EQ(flag(false), 0);
   EXPECT_EQ(flag("0"), 0);
   EXPECT_EQ(flag(std::int16_t{0}), 0);
-  ServiceProbe::gestioneDuplicazione(*service) = false;
+  session.Mbol_GestioneDuplicazioneCliFor = false;
   EXPECT_EQ(flag(true), 1);
 }
 
 TEST_F(DuplicationFlag, AMissingValueFallsBackToTheFlagOfTheService) {
   for (const Variant& missing : {Variant{}, Variant{kNull}, Variant{""}}) {
-    ServiceProbe::gestioneDuplicazione(*service) = true;
+    session.Mbol_GestioneDuplicazioneCliFor = true;
     EXPECT_EQ(flag(missing), 1);
-    ServiceProbe::gestioneDuplicazione(*service) = false;
+    session.Mbol_GestioneDuplicazioneCliFor = false;
     EXPECT_EQ(flag(missing), 0);
   }
 }
 
 TEST_F(DuplicationFlag, AValueThatDoesNotConvertGivesZero) {
   for (const bool fallback : {true, false}) {
-    ServiceProbe::gestioneDuplicazione(*service) = fallback;
+    session.Mbol_GestioneDuplicazioneCliFor = fallback;
     EXPECT_EQ(flag("forse"), 0);
     EXPECT_EQ(flag(std::int32_t{40000}), 0);
     EXPECT_EQ(flag(std::int64_t{-5000000000}), 0);
@@ -341,7 +340,7 @@ TEST_F(DuplicationFlag, AnAbsoluteValueBeyond16BitsGivesZero) {
 
 TEST_F(DuplicationFlag, AMissingInputGivesZero) {
   service->CPInput = nullptr;
-  EXPECT_EQ(ServiceProbe::valoreGestione(*service), 0);
+  EXPECT_EQ(call().ValoreGestioneDuplicazioneCliFor(), 0);
   EXPECT_EQ(service->Errore, Variant{});
 }
 

@@ -4,9 +4,9 @@
 #include <type_traits>
 #include <variant>
 
-#include "component/members.h"
+#include "component/session.h"
+#include "service/members.h"
 #include "unit/service_frame/fakes.h"
-#include "unit/service_frame/service_probe.h"
 
 namespace azcoll::frame_tests {
 namespace {
@@ -55,9 +55,6 @@ void expectNew(CLSCO_AZIENDECOLL& service) {
   expectAllEmpty(*service.CPOutput, kOutputFields);
   EXPECT_EQ(service.Stato, Variant{std::int16_t{0}});
   EXPECT_EQ(service.Errore.kind(), Variant::Kind::Empty);
-  EXPECT_FALSE(ServiceProbe::connessioneAperta(service));
-  EXPECT_FALSE(ServiceProbe::transazioneAperta(service));
-  EXPECT_FALSE(ServiceProbe::gestioneDuplicazione(service));
 }
 
 TEST(InitialValues, ANewServiceHasItsTwoObjectsAndNoOutcomeYet) {
@@ -65,9 +62,12 @@ TEST(InitialValues, ANewServiceHasItsTwoObjectsAndNoOutcomeYet) {
   expectNew(service);
 }
 
-TEST(InitialValues, AServiceOnTheDefaultPlatformStartsTheSame) {
-  CLSCO_AZIENDECOLL service;
-  expectNew(service);
+TEST(InitialValues, ANewSessionHasOpenedNothing) {
+  const Session session;
+  EXPECT_FALSE(session.Mbol_ConnessioneAperta);
+  EXPECT_FALSE(session.Mbol_TransazioneAperta);
+  EXPECT_FALSE(session.Mbol_GestioneDuplicazioneCliFor);
+  EXPECT_EQ(session.opened.lock(), nullptr);
 }
 
 TEST(InitialValues, TwoServicesShareNothing) {

@@ -16,18 +16,18 @@ const std::vector<std::string> kConfiguration{"string Provider=fake;Data Source=
 
 TEST_F(Lifecycle, ConfiguresAConnectionOfItsOwnThenOpensIt) {
   fillInput();
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   EXPECT_EQ(platform->requested, std::vector<std::string>{"Provider=fake;Data Source=x"});
   EXPECT_EQ(input().Connessione, platform->connection);
   EXPECT_EQ(database().log, kConfiguration);
-  EXPECT_TRUE(ServiceProbe::connessioneAperta(*service));
+  EXPECT_TRUE(session.Mbol_ConnessioneAperta);
   expectOutcome(kSucceeded, Variant{});
 }
 
 TEST_F(Lifecycle, OpeningClearsTheOutcomeOfTheLastCall) {
   fillInput();
   service->Stato = std::int16_t{99};
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   EXPECT_EQ(service->Stato, kSucceeded);
 }
 
@@ -35,37 +35,37 @@ TEST_F(Lifecycle, AGivenConnectionIsTakenAsItStands) {
   const auto given = giveConnection();
   input().StringaConnessione = "Provider=fake;Data Source=other";
   service->Stato = std::int16_t{99};
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   EXPECT_EQ(input().Connessione, given);
   EXPECT_FALSE(given->touched());
   EXPECT_TRUE(platform->requested.empty());
-  EXPECT_FALSE(ServiceProbe::connessioneAperta(*service));
+  EXPECT_FALSE(session.Mbol_ConnessioneAperta);
   expectOutcome(kSucceeded, Variant{});
 }
 
 TEST_F(Lifecycle, AGivenConnectionIsNotOpenedEvenWhenItIsClosed) {
   const auto given = std::make_shared<FakeConnection>(false);
   input().Connessione = given;
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   EXPECT_TRUE(given->log.empty());
   EXPECT_FALSE(given->isOpen());
 }
 
 TEST_F(Lifecycle, WithoutConnectionAndStringOpeningIsRefused) {
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   expectOutcome(kRefusedCall, Variant{"Stringa di connessione mancante!"});
   EXPECT_EQ(input().Connessione, nullptr);
   EXPECT_TRUE(platform->requested.empty());
-  EXPECT_FALSE(ServiceProbe::connessioneAperta(*service));
+  EXPECT_FALSE(session.Mbol_ConnessioneAperta);
 }
 
 TEST_F(Lifecycle, AFailureToOpenIsSwallowed) {
   fillInput();
   database().failures["open"] = [] { refuse("no server"); };
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   expectOutcome(kSucceeded, Variant{});
   EXPECT_EQ(input().Connessione, platform->connection);
-  EXPECT_TRUE(ServiceProbe::connessioneAperta(*service));
+  EXPECT_TRUE(session.Mbol_ConnessioneAperta);
 }
 
 TEST_F(Lifecycle, ARefusedSettingDoesNotKeepTheNextOnesFromRunning) {
@@ -74,7 +74,7 @@ TEST_F(Lifecycle, ARefusedSettingDoesNotKeepTheNextOnesFromRunning) {
     service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
     fillInput();
     database().failures[refused] = [] { refuse("not supported"); };
-    ServiceProbe::apriConnessione(*service);
+    call().ApriConnessione();
     EXPECT_EQ(database().log, kConfiguration) << refused;
     expectOutcome(kSucceeded, Variant{});
   }
@@ -83,7 +83,7 @@ TEST_F(Lifecycle, ARefusedSettingDoesNotKeepTheNextOnesFromRunning) {
 TEST_F(Lifecycle, AConnectionThatCannotBeCreatedIsSwallowedWhenOpening) {
   fillInput();
   platform->failures["newConnection"] = [] { throw Error{"no provider"}; };
-  ServiceProbe::apriConnessione(*service);
+  call().ApriConnessione();
   expectOutcome(kSucceeded, Variant{});
   EXPECT_EQ(input().Connessione, nullptr);
 }

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "clifor/numerazione_cg70.h"
+#include "component/numerazione_cg70.h"
 #include "unit/service_frame/fakes.h"
 
 namespace azcoll::frame_tests {

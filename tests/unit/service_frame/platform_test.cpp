@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "clifor/numerazione_cg70.h"
+#include "component/numerazione_cg70.h"
 #include "data/error.h"
 
 namespace azcoll::frame_tests {

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "component/members.h"
+#include "service/members.h"
 #include "unit/service_frame/support.h"
 
 namespace azcoll::frame_tests {
@@ -12,7 +12,7 @@ namespace {
 class Preamble : public ServiceTest {
  protected:
   /// Calls the method behind a table entry and drops its result.
-  void call(const MethodEntry& method) const {
+  void invoke(const MethodEntry& method) const {
     if (const auto* none = std::get_if<0>(&method.member)) {
       (service.get()->**none)();
     } else if (const auto* truth = std::get_if<1>(&method.member)) {
@@ -25,25 +25,25 @@ class Preamble : public ServiceTest {
 
 TEST_F(Preamble, SucceedsWithAConnectionAndACompany) {
   fillInput();
-  EXPECT_TRUE(ServiceProbe::inizializza(*service, true));
+  EXPECT_TRUE(call().InizializzaMetodo(Connect::Yes));
   expectOutcome(kSucceeded, Variant{});
   EXPECT_TRUE(database().isOpen());
 }
 
 TEST_F(Preamble, ForgetsTheTransactionFlagAndEmptiesTheList) {
   fillInput();
-  ServiceProbe::transazioneAperta(*service) = true;
+  session.Mbol_TransazioneAperta = true;
   output().DitteCollegate = "12, 10";
-  EXPECT_TRUE(ServiceProbe::inizializza(*service, true));
-  EXPECT_FALSE(ServiceProbe::transazioneAperta(*service));
+  EXPECT_TRUE(call().InizializzaMetodo(Connect::Yes));
+  EXPECT_FALSE(session.Mbol_TransazioneAperta);
   EXPECT_EQ(output().DitteCollegate, Variant{""});
 }
 
 TEST_F(Preamble, ForgetsTheTransactionFlagAndEmptiesTheListEvenWhenItRefuses) {
-  ServiceProbe::transazioneAperta(*service) = true;
+  session.Mbol_TransazioneAperta = true;
   output().DitteCollegate = "12, 10";
-  EXPECT_FALSE(ServiceProbe::inizializza(*service, true));
-  EXPECT_FALSE(ServiceProbe::transazioneAperta(*service));
+  EXPECT_FALSE(call().InizializzaMetodo(Connect::Yes));
+  EXPECT_FALSE(session.Mbol_TransazioneAperta);
   EXPECT_EQ(output().DitteCollegate, Variant{""});
 }
 
@@ -59,7 +59,7 @@ TEST_F(Preamble, ClearsNoOtherResult) {
   const auto rs = std::make_shared<FakeRecordset>();
   output().Grst_DitteCollegate = rs;
   output().Grst_AttivitaCollegate = rs;
-  EXPECT_TRUE(ServiceProbe::inizializza(*service, true));
+  EXPECT_TRUE(call().InizializzaMetodo(Connect::Yes));
   EXPECT_TRUE(output().Gbol_DittaPrincipale);
   EXPECT_EQ(output().IndTipoCont, Variant{std::int16_t{4}});
   EXPECT_EQ(output().Gvar_DittaPrincipale, Variant{std::int32_t{7}});
@@ -73,7 +73,7 @@ TEST_F(Preamble, ClearsNoOtherResult) {
 
 TEST_F(Preamble, WithoutOpeningItNeedsNoConnection) {
   input().Pvar_Ditta = std::int32_t{10};
-  EXPECT_TRUE(ServiceProbe::inizializza(*service, false));
+  EXPECT_TRUE(call().InizializzaMetodo(Connect::No));
   EXPECT_TRUE(platform->requested.empty());
   EXPECT_EQ(input().Connessione, nullptr);
   expectOutcome(kSucceeded, Variant{});
@@ -83,12 +83,12 @@ TEST_F(Preamble, WithoutOpeningItInheritsTheLastOutcome) {
   input().Pvar_Ditta = std::int32_t{10};
   service->Stato = std::int16_t{99};
   service->Errore = "something in Metodo";
-  EXPECT_TRUE(ServiceProbe::inizializza(*service, false));
+  EXPECT_TRUE(call().InizializzaMetodo(Connect::No));
   expectOutcome(kTrappedFailure, Variant{"something in Metodo"});
 }
 
 TEST_F(Preamble, WithoutOpeningItStillRequiresTheCompany) {
-  EXPECT_FALSE(ServiceProbe::inizializza(*service, false));
+  EXPECT_FALSE(call().InizializzaMetodo(Connect::No));
   expectOutcome(kRefusedCall, Variant{"Codice azienda mancante!"});
 }
 
@@ -97,7 +97,7 @@ TEST_F(Preamble, NullEmptyAndBlankTextAreNoCompany) {
     service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
     fillInput();
     input().Pvar_Ditta = missing;
-    EXPECT_FALSE(ServiceProbe::inizializza(*service, true));
+    EXPECT_FALSE(call().InizializzaMetodo(Connect::Yes));
     expectOutcome(kRefusedCall, Variant{"Codice azienda mancante!"});
   }
 }
@@ -108,7 +108,7 @@ TEST_F(Preamble, AnyOtherValueIsACompany) {
     service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
     fillInput();
     input().Pvar_Ditta = given;
-    EXPECT_TRUE(ServiceProbe::inizializza(*service, true));
+    EXPECT_TRUE(call().InizializzaMetodo(Connect::Yes));
     expectOutcome(kSucceeded, Variant{});
   }
 }
@@ -116,12 +116,12 @@ TEST_F(Preamble, AnyOtherValueIsACompany) {
 TEST_F(Preamble, ACompanyThatIsAnObjectCountsAsMissing) {
   fillInput();
   input().Pvar_Ditta = anObject();
-  EXPECT_FALSE(ServiceProbe::inizializza(*service, true));
+  EXPECT_FALSE(call().InizializzaMetodo(Connect::Yes));
   expectOutcome(kRefusedCall, Variant{"Codice azienda mancante!"});
 }
 
 TEST_F(Preamble, TheMissingConnectionIsReportedBeforeTheMissingCompany) {
-  EXPECT_FALSE(ServiceProbe::inizializza(*service, true));
+  EXPECT_FALSE(call().InizializzaMetodo(Connect::Yes));
   expectOutcome(kRefusedCall, Variant{"Stringa di connessione mancante!"});
 }
 
@@ -135,7 +135,7 @@ TEST_F(Preamble, EveryMethodRefusesToWorkWithoutACompany) {
       input().Pvar_Ditta = missing;
       output().Gbol_DittaPrincipale = true;
       output().IndTipoCont = std::int16_t{8};
-      call(method);
+      invoke(method);
       // One method checks its input itself and says so in its own words.
       expectOutcome(kRefusedCall, Variant{method.name == "GetCodiceAttivitàDaSezionale"
                                               ? "Non è stato definito il codice azienda."
@@ -153,7 +153,7 @@ TEST_F(Preamble, EveryMethodThatReadsRefusesToWorkWithoutAConnection) {
     for (const MethodEntry& method : kMethods) {
       if (method.name == name) {
         service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
-        call(method);
+        invoke(method);
         expectOutcome(kRefusedCall, Variant{"Stringa di connessione mancante!"});
       }
     }
@@ -196,7 +196,7 @@ TEST_F(Preamble, AMissingInputIsAFailureWithoutACrash) {
       if (method.name == name) {
         service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
         service->CPInput = nullptr;
-        call(method);
+        invoke(method);
         EXPECT_EQ(service->Stato, kTrappedFailure) << name;
         EXPECT_EQ(service->Errore.kind(), Variant::Kind::Text) << name;
       }

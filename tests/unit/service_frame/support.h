@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "component/call.h"
+#include "service/service.h"
 #include "unit/service_frame/fakes.h"
-#include "unit/service_frame/service_probe.h"
 
 namespace azcoll::frame_tests {
 
@@ -32,6 +34,13 @@ class ServiceTest : public ::testing::Test {
  protected:
   std::shared_ptr<FakePlatform> platform = std::make_shared<FakePlatform>();
   std::unique_ptr<CLSCO_AZIENDECOLL> service = std::make_unique<CLSCO_AZIENDECOLL>(platform);
+  mutable Session session = sessionOn(platform);
+
+  /// A call on the service's objects and outcome, with a session of the test's own: what the
+  /// methods do before they work, and the helpers that all of them share.
+  [[nodiscard]] Call call() const {
+    return {service->CPInput, service->CPOutput, service->Stato, service->Errore, session};
+  }
 
   [[nodiscard]] CLSCO_INPUTAZCOLL& input() const { return *service->CPInput; }
   [[nodiscard]] CLSCO_OUTPUTAZCOLL& output() const { return *service->CPOutput; }
@@ -51,6 +60,12 @@ class ServiceTest : public ::testing::Test {
     input().Pvar_Ditta = std::int32_t{10};
     input().AnnoSolare = std::int32_t{2024};
     return given;
+  }
+
+  static Session sessionOn(std::shared_ptr<Platform> platform) {
+    Session session;
+    session.platform = std::move(platform);
+    return session;
   }
 
   void expectOutcome(const Variant& stato, const Variant& errore) const {

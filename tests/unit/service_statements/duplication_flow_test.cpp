@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include "data/tables.h"
 #include "service_fixture.h"
 
 namespace azcoll::test {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "component/service.h"
+#include "service/service.h"
 #include "support/scripted_connection.h"
 
 namespace azcoll::test {

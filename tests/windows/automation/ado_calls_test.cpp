@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ado/wide_text.h"
-#include "component/members.h"
+#include "service/members.h"
 #include "windows/calls.h"
 
 namespace azcoll::test {

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "ado/wide_text.h"
-#include "component/members.h"
 #include "data/error.h"
+#include "service/members.h"
 #include "windows/client.h"
 
 namespace azcoll::test {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ado/wide_text.h"
-#include "component/members.h"
+#include "service/members.h"
 #include "windows/client.h"
 
 namespace azcoll::test {

@@ -13,7 +13,7 @@
 #include "ado/dispatch.h"
 #include "ado/variants.h"
 #include "ado/wide_text.h"
-#include "component/members.h"
+#include "service/members.h"
 #include "windows/client/host.h"
 #include "windows/standin/objects.h"
 

@@ -1,29 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 
 #include "component/input.h"
 #include "component/output.h"
 #include "component/platform.h"
-#include "data/tables.h"
+#include "component/session.h"
 #include "data/variant.h"
 
 namespace azcoll {
-
-namespace linked {
-struct CompanyOfYear;
-}  // namespace linked
 
 /// The linked companies of a VAT year and what is kept common to them.
 ///
 /// A caller fills `CPInput`, calls one method, reads `Stato` and `Errore`, then `CPOutput`. No
 /// method throws. `Stato` is 0 after a success, 1 when the call was refused for missing or invalid
 /// input, 99 after a failure; `Errore` holds the message of the last failure and is not cleared by
-/// a success. One caller at a time; the object keeps no state between calls but its connection.
+/// a success. One caller at a time. Between calls the object keeps the connection that it opened
+/// and what `Session` names.
 class CLSCO_AZIENDECOLL {
  public:
   /// A service on the default platform of this build.
@@ -208,133 +203,11 @@ class CLSCO_AZIENDECOLL {
   void StringaSQLAttivitàSingolaCollegamentoMultiAzienda() noexcept;
 
  private:
-  friend class ServiceProbe;  // the tests of the private helpers
+  /// Runs a method of a family on a call of this object.
+  template <auto Method>
+  auto run() noexcept;
 
-  // The frame of a public method (component/frame.cpp).
-  enum class Connect : bool { No, Yes };
-  using Work = std::function<void()>;
-  void metodo(std::string_view suffix, const Work& work) noexcept;
-  void metodo(std::string_view suffix, const Work& work, const Work& onFailure) noexcept;
-  void metodoTesto(std::string_view suffix, const Work& work) noexcept;
-  void metodoSenzaPreambolo(std::string_view suffix, const Work& work) noexcept;
-  void conMessaggio(std::string_view suffix, const Work& work);
-  void intrappola(std::string_view suffix, const Work& onFailure) noexcept;
-  [[nodiscard]] bool riuscito() const noexcept;
-  [[nodiscard]] CLSCO_INPUTAZCOLL& input() const;
-  [[nodiscard]] CLSCO_OUTPUTAZCOLL& output() const;
-  [[nodiscard]] Connection& connessione() const;
-
-  // Helpers shared by all methods (component/helpers.cpp).
-  bool InizializzaMetodo(Connect apri) noexcept;
-  void ApriConnessione() noexcept;
-  Variant ValoreDefault(const Variant& valore, const Variant& predefinito);
-  Variant AnnoRiferimento(bool numerico) noexcept;
-  Variant annoDellaChiamata(bool numerico);
-  static bool RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noexcept;
-  Variant DataDB(const Variant& data);
-  static std::string FormattaCampo(const Variant& valore, std::int16_t larghezza) noexcept;
-  std::int16_t ValoreGestioneDuplicazioneCliFor() noexcept;
-  bool mancante(const Variant& valore);
-  std::string testo(const Variant& valore);
-  std::shared_ptr<Recordset> leggi(std::string_view sql);
-  void esegui(std::string_view sql);
-  std::shared_ptr<Recordset> apriRecordset(std::string sql);
-  void apriRecordset(std::string sql, std::shared_ptr<Recordset>& destinazione);
-
-  // The group of linked companies (linked/).
-  struct FiltriGruppo {
-    bool escludiPrincipale = false;
-    bool escludiCorrente = false;
-    Variant tipoCF = kNull;
-    Variant codIntermedio = kNull;
-    Variant codSede = kNull;
-  };
-  std::shared_ptr<Command> comandoDitteCollegate(const FiltriGruppo& filtri);
-  std::string LeggiDitteCollegate(std::shared_ptr<Recordset>& ditte) noexcept;
-  void leggiGruppo(const FiltriGruppo& filtri, std::shared_ptr<Recordset>& ditte);
-  bool consegnaGruppo(const FiltriGruppo& filtri);
-  void consegnaGruppoFiltrato(const FiltriGruppo& filtri);
-  using IstruzioneDitte = std::string (*)(const linked::CompanyOfYear&);
-  std::string istruzioneDitte(IstruzioneDitte componi);
-  Recordset& apriDitteCollegate(IstruzioneDitte componi);
-  bool riportaTipoCont(Recordset& ditte);
-  void elencaDitte(Recordset& ditte);
-
-  // What is missing in the configuration of a year (linked/).
-  bool collegataNellAnno(const Variant& anno);
-  bool richiediConfigurazione(const std::string& conteggio, const std::string& domanda,
-                              const Work& configura);
-  Variant annoDaCopiare() noexcept;
-  void configuraCollegamenti();
-  void configuraAttività();
-
-  // Customers and suppliers (clifor/).
-  void duplica();
-  void copiaCompleta(const Variant& principale, Fields& sorgente);
-  void copieRidotte(Recordset& ditte, Fields& sorgente);
-  static std::string inizioInserimentoMaestro();
-  std::string inserimentoCompleto(const Variant& principale, Fields& sorgente,
-                                  const Variant& agente);
-  std::string codaInserimentoRidotto(Fields& sorgente);
-  std::string inserimentoDatiVendita(const Variant& principale, Fields& sorgente);
-  std::string valoreSql(tables::ValueRule rule, const Variant& principale, const Variant& valore);
-  std::string numeroSql(const Variant& valore);
-  std::string testoSql(const Variant& valore);
-  std::string testoRaddoppiatoSql(const Variant& valore);
-  std::string dataSql(const Variant& valore);
-  void iniziaTransazione();
-  void annullaDopoErrore();
-  void ControllaIntermedio(const Variant& ditta, const Variant& tipoCF, const Variant& intermedio);
-  void ControllaSedi(const Variant& ditta, const Variant& sede);
-  bool CodiceCliForLibero(const std::string& ditta, const std::string& dittaPrincipale,
-                          const Variant& elenco, Variant& codice, bool primaChiamata);
-  void AggiornaCodiceCliFor(const Variant& nuovoCodice);
-  std::shared_ptr<Recordset> aggiornaCodice(std::string_view tabella, const Variant& nuovoCodice);
-  void NumeraCliFor(const std::string& ditta, const std::string& dittaPrincipale,
-                    const Variant& elenco, const Variant& codice);
-  Variant AgenteCollegato(const Variant& idAgente, const Variant& dittaDestinazione);
-  void modifica();
-  std::string portaIntermedio(const Variant& ditta, const Variant& intermedio);
-  Variant IntermedioCliFor() noexcept;
-  bool contaAlmenoUno(const std::string& conteggio) noexcept;
-  bool EsisteCliFor(const Variant& ditta) noexcept;
-  bool EsisteIntermedio(const Variant& ditta, const Variant& intermedio) noexcept;
-  bool AggiornaIntermedioCliFor(const Variant& ditta, const Variant& intermedio) noexcept;
-  void elimina(std::shared_ptr<Recordset>& ditte);
-  void EliminaRigheCliFor(const Variant& ditta);
-  void intrappolaEliminazione(const std::shared_ptr<Recordset>& ditte) noexcept;
-
-  // Activities (activities/).
-  Variant annoAttività();
-  std::string ComponiWhereAttività(std::string_view prefisso, bool filtraAzienda);
-  [[nodiscard]] std::string colonneAttività() const;
-  std::string selezioneAttività();
-  std::string istruzioneAttività();
-  std::string testoDopoRiporto();
-  static std::string ComponiExistsMultiAzienda(std::string_view prefisso);
-  void azzeraAttività();
-  void riportaAttività(Recordset& righe);
-  std::int16_t LeggiFlagIvaQuater() noexcept;
-  void inserisciOConsegna(std::string_view riga, std::string_view inserimento);
-  void inserisciAttivitàPredefinita();
-  void copiaUltimaAttività(Recordset& righe);
-  void riprendiPeriodo(Recordset& righe);
-  struct DuplicazioneAnno {
-    Variant ditta;
-    Variant origine;
-    Variant destinazione;
-  };
-  void duplicaAttività(bool& iniziata);
-  bool rifiutaDuplicazione(const DuplicazioneAnno& anni);
-  void eliminaAttivitàCollegate(Recordset& vecchie, const DuplicazioneAnno& anni);
-  std::string copiaAnno(const DuplicazioneAnno& anni);
-  void ripristinaAttivitàPrincipale(Recordset& ricordate, const DuplicazioneAnno& anni);
-
-  std::shared_ptr<Platform> platform_;
-  std::weak_ptr<Connection> opened_;  ///< the connection that `ApriConnessione` opened
-  bool Mbol_ConnessioneAperta = false;
-  bool Mbol_TransazioneAperta = false;
-  bool Mbol_GestioneDuplicazioneCliFor = false;
+  Session session_;
 };
 
 }  // namespace azcoll

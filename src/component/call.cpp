@@ -1,6 +1,8 @@
-#include <cstdlib>
+#include "component/call.h"
 
-#include "component/service.h"
+#include <cstdlib>
+#include <utility>
+
 #include "component/values.h"
 #include "data/error.h"
 #include "data/text.h"
@@ -13,18 +15,46 @@ constexpr int kCommandTimeoutSeconds = 100;
 
 }  // namespace
 
-bool CLSCO_AZIENDECOLL::InizializzaMetodo(Connect apri) noexcept {
-  Mbol_TransazioneAperta = false;
+CLSCO_INPUTAZCOLL& Call::input() const {
+  if (!input_) {
+    throw Error("Oggetto non impostato: CPInput");
+  }
+  return *input_;
+}
+
+CLSCO_OUTPUTAZCOLL& Call::output() const {
+  if (!output_) {
+    throw Error("Oggetto non impostato: CPOutput");
+  }
+  return *output_;
+}
+
+const std::shared_ptr<Connection>& Call::sharedConnection() const {
+  if (!input().Connessione) {
+    throw Error("Oggetto non impostato: Connessione");
+  }
+  return input().Connessione;
+}
+
+bool Call::succeeded() const noexcept { return equalsNumber(Stato, 0); }
+
+void Call::refuse(std::string message) {
+  Stato = kRefused;
+  Errore = std::move(message);
+}
+
+bool Call::InizializzaMetodo(Connect connect) noexcept {
+  session_.Mbol_TransazioneAperta = false;
   ignoreErrors([this] { output().DitteCollegate = ""; });
-  if (apri == Connect::Yes) {
+  if (connect == Connect::Yes) {
     ApriConnessione();
-    if (!isNumber(Stato, 0)) {
+    if (!equalsNumber(Stato, 0)) {
       return false;
     }
   }
   bool refused = false;
   ignoreErrors([&] {
-    if (mancante(input().Pvar_Ditta)) {
+    if (isMissing(input().Pvar_Ditta)) {
       Stato = kRefused;
       Errore = "Codice azienda mancante!";
       refused = true;
@@ -33,12 +63,12 @@ bool CLSCO_AZIENDECOLL::InizializzaMetodo(Connect apri) noexcept {
   return !refused;
 }
 
-void CLSCO_AZIENDECOLL::ApriConnessione() noexcept {
+void Call::ApriConnessione() noexcept {
   Stato = std::int16_t{0};
-  if (!CPInput || CPInput->Connessione) {
+  if (!input_ || input_->Connessione) {
     return;
   }
-  CLSCO_INPUTAZCOLL& in = *CPInput;
+  CLSCO_INPUTAZCOLL& in = *input_;
   if (in.StringaConnessione.empty()) {
     Stato = kRefused;
     ignoreErrors([this] { Errore = "Stringa di connessione mancante!"; });
@@ -47,9 +77,9 @@ void CLSCO_AZIENDECOLL::ApriConnessione() noexcept {
   // A connection that does not open is kept all the same: the method's first statement then fails
   // on it and reports under the method's own name.
   ignoreErrors([&] {
-    in.Connessione = platform_->newConnection(in.StringaConnessione);
-    Mbol_ConnessioneAperta = true;
-    opened_ = in.Connessione;
+    in.Connessione = platform().newConnection(in.StringaConnessione);
+    session_.Mbol_ConnessioneAperta = true;
+    session_.opened = in.Connessione;
   });
   if (in.Connessione) {
     Connection& connection = *in.Connessione;
@@ -60,12 +90,12 @@ void CLSCO_AZIENDECOLL::ApriConnessione() noexcept {
   }
 }
 
-Variant CLSCO_AZIENDECOLL::ValoreDefault(const Variant& valore, const Variant& predefinito) {
+Variant Call::ValoreDefault(const Variant& value, const Variant& fallback) {
   try {
-    if (!valore.isNull() && !valore.isEmpty() && !valore.text().empty()) {
-      return valore;
+    if (!value.isNull() && !value.isEmpty() && !value.text().empty()) {
+      return value;
     }
-    return predefinito;
+    return fallback;
   } catch (...) {
     // Callers rely on it: the state tells of the failure, the message stays the previous one.
     Stato = kTrapped;
@@ -73,20 +103,18 @@ Variant CLSCO_AZIENDECOLL::ValoreDefault(const Variant& valore, const Variant& p
   }
 }
 
-bool CLSCO_AZIENDECOLL::mancante(const Variant& valore) {
-  const Variant given = ValoreDefault(valore, "");
+bool Call::isMissing(const Variant& value) {
+  const Variant given = ValoreDefault(value, "");
   return given.isEmpty() || given.text().empty();
 }
 
-std::string CLSCO_AZIENDECOLL::testo(const Variant& valore) {
-  return join(ValoreDefault(valore, ""));
-}
+std::string Call::text(const Variant& value) { return join(ValoreDefault(value, "")); }
 
-Variant CLSCO_AZIENDECOLL::AnnoRiferimento(bool numerico) noexcept {
+Variant Call::AnnoRiferimento(ZeroYear zero) noexcept {
   Variant year;
   ignoreErrors([&] {
     const Variant& given = input().AnnoSolare;
-    if (!mancante(given) && !(numerico && isNumber(given, 0))) {
+    if (!isMissing(given) && !(zero == ZeroYear::IsMissing && equalsNumber(given, 0))) {
       year = given;
     }
   });
@@ -101,15 +129,13 @@ Variant CLSCO_AZIENDECOLL::AnnoRiferimento(bool numerico) noexcept {
     dated = !start.isNull() && !start.isEmpty() && !start.text().empty();
   });
   ignoreErrors([&] {
-    year = dated ? input().DataInizioElaborazione.toDate().year : platform_->today().year;
+    year = dated ? input().DataInizioElaborazione.toDate().year : platform().today().year;
   });
   return year;
 }
 
-/// The reference year, for a method that needs one. Throws `Error` when there is none, so that no
-/// statement is composed around an empty place.
-Variant CLSCO_AZIENDECOLL::annoDellaChiamata(bool numerico) {
-  Variant year = AnnoRiferimento(numerico);
+Variant Call::requiredYear(ZeroYear zero) {
+  Variant year = AnnoRiferimento(zero);
   if (year.isEmpty()) {
     throw Error(
         "Anno di riferimento mancante: né AnnoSolare né DataInizioElaborazione danno un anno");
@@ -117,19 +143,19 @@ Variant CLSCO_AZIENDECOLL::annoDellaChiamata(bool numerico) {
   return year;
 }
 
-bool CLSCO_AZIENDECOLL::RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noexcept {
+bool RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noexcept {
   bool empty = true;
   ignoreErrors([&] { empty = !rs || (rs->atStart() && rs->atEnd()); });
   return empty;
 }
 
-Variant CLSCO_AZIENDECOLL::DataDB(const Variant& data) {
+Variant Call::DataDB(const Variant& date) {
   try {
-    const std::unique_ptr<DateConverter> converter = platform_->newDateConverter();
+    const std::unique_ptr<DateConverter> converter = platform().newDateConverter();
     if (!converter) {
       throw Error("Oggetto non impostato: conversione delle date");
     }
-    converter->setText(join(data));
+    converter->setText(join(date));
     if (converter->validationResult() == 0) {
       return converter->databaseForm();
     }
@@ -141,25 +167,24 @@ Variant CLSCO_AZIENDECOLL::DataDB(const Variant& data) {
   }
 }
 
-std::string CLSCO_AZIENDECOLL::FormattaCampo(const Variant& valore,
-                                             std::int16_t larghezza) noexcept {
-  const std::size_t width = larghezza > 0 ? static_cast<std::size_t>(larghezza) : 0;
+std::string FormattaCampo(const Variant& value, std::int16_t width) noexcept {
+  const std::size_t characters = width > 0 ? static_cast<std::size_t>(width) : 0;
   std::string padded;
   ignoreErrors([&] {
-    padded.assign(width, ' ');
-    const std::string text = join(valore);
-    const std::string_view shown = leftCharacters(trim(text), width);
-    padded = join(shown, std::string(width - characterCount(shown), ' '));
+    padded.assign(characters, ' ');
+    const std::string text = join(value);
+    const std::string_view shown = leftCharacters(trim(text), characters);
+    padded = join(shown, std::string(characters - characterCount(shown), ' '));
   });
   return padded;
 }
 
-std::int16_t CLSCO_AZIENDECOLL::ValoreGestioneDuplicazioneCliFor() noexcept {
+std::int16_t Call::ValoreGestioneDuplicazioneCliFor() noexcept {
   std::int16_t flag = 0;
   ignoreErrors([&] {
     const Variant& given = input().AttivaGestioneDuplicazioneCliFor;
-    if (mancante(given)) {
-      flag = Mbol_GestioneDuplicazioneCliFor ? 1 : 0;
+    if (isMissing(given)) {
+      flag = session_.Mbol_GestioneDuplicazioneCliFor ? 1 : 0;
     } else {
       flag = Variant{std::abs(std::int64_t{given.toInt16()})}.toInt16();
     }
@@ -167,35 +192,29 @@ std::int16_t CLSCO_AZIENDECOLL::ValoreGestioneDuplicazioneCliFor() noexcept {
   return flag;
 }
 
-/// Runs a statement that gives rows.
-std::shared_ptr<Recordset> CLSCO_AZIENDECOLL::leggi(std::string_view sql) {
+std::shared_ptr<Recordset> Call::read(std::string_view sql) const {
   std::int64_t affected = 0;
-  std::shared_ptr<Recordset> rows = connessione().execute(sql, affected, CommandOption::Text);
+  std::shared_ptr<Recordset> rows = connection().execute(sql, affected, CommandOption::Text);
   if (!rows) {
     throw Error("L'istruzione non ha restituito righe");
   }
   return rows;
 }
 
-/// Runs a statement that gives no rows.
-void CLSCO_AZIENDECOLL::esegui(std::string_view sql) {
+void Call::run(std::string_view sql) const {
   std::int64_t affected = 0;
-  connessione().execute(sql, affected, CommandOption::Text);
+  connection().execute(sql, affected, CommandOption::Text);
 }
 
-/// Opens a recordset over `sql` that stays navigable for the caller: client-side, keyset,
-/// batch-optimistic.
-std::shared_ptr<Recordset> CLSCO_AZIENDECOLL::apriRecordset(std::string sql) {
+std::shared_ptr<Recordset> Call::open(std::string sql) const {
   std::shared_ptr<Recordset> rows;
-  apriRecordset(std::move(sql), rows);
+  open(std::move(sql), rows);
   return rows;
 }
 
-/// The same in a field of the output object. Callers rely on it: the field holds the new recordset
-/// before it is opened, so that after a failure it is not the one of an earlier call.
-void CLSCO_AZIENDECOLL::apriRecordset(std::string sql, std::shared_ptr<Recordset>& destinazione) {
-  const std::shared_ptr<Recordset> rows = connessione().newRecordset();
-  destinazione = rows;
+void Call::open(std::string sql, std::shared_ptr<Recordset>& target) const {
+  const std::shared_ptr<Recordset> rows = connection().newRecordset();
+  target = rows;
   rows->setActiveConnection(input().Connessione);
   rows->setSource(std::move(sql));
   rows->setCursorLocation(CursorLocation::Client);

@@ -1,4 +1,4 @@
-#include "clifor/numerazione_cg70.h"
+#include "component/numerazione_cg70.h"
 
 #include "data/error.h"
 #include "data/text.h"
@@ -36,7 +36,7 @@ void NumerazioneCG70::ElaboraNumerazione() {
 void NumerazioneCG70::registra() {
   const std::int64_t company = Ditta.toInt64();
   const std::int64_t number = Codice.toInt64();
-  const std::string section = join("'", doubleApostrophes(Sezione), "'");
+  const std::string section = join("'", doubled(Sezione, '\''), "'");
   const std::string key =
       join(" WHERE CG70_DITTA_CG18 = ", company, " AND CG70_SEZ_CG68 = ", section,
            " AND CG70_ANNO = ", Anno, " AND CG70_TIPODOCINT = ", TipoDocumento);

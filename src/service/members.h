@@ -7,7 +7,7 @@
 #include <string_view>
 #include <variant>
 
-#include "component/service.h"
+#include "service/service.h"
 
 namespace azcoll {
 

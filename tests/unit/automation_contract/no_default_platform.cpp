@@ -1,2 +1,0 @@
-// The members are only listed here, never called.
-#include "support/no_default_platform.cpp"
