@@ -9,9 +9,20 @@
 #include "cli/json.h"
 #include "cli/rows.h"
 #include "cli/utf8.h"
-#include "cli/values.h"
+#include "views/query.h"
+#include "views/value_text.h"
 
 namespace azcoll::cli {
+
+using views::Activity;
+using views::ActivityChange;
+using views::ActivityChangeKind;
+using views::ActivityView;
+using views::ActivityYear;
+using views::companyText;
+using views::Rows;
+using views::SettingChange;
+
 namespace {
 
 /// How the main activity is marked: `sì`, with a reason where the row and the year differ.
@@ -48,7 +59,7 @@ std::string shown(const Variant& value) {
     return *flag ? "sì" : "no";
   }
   const std::string* text = value.get<std::string>();
-  return text != nullptr && text->empty() ? "nessuno" : displayText(value);
+  return text != nullptr && text->empty() ? "nessuno" : views::displayText(value);
 }
 
 std::string_view markOf(ActivityChangeKind kind) {

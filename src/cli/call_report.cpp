@@ -11,8 +11,14 @@
 #include "cli/rows.h"
 #include "cli/utf8.h"
 #include "cli/values.h"
+#include "views/rows.h"
+#include "views/value_text.h"
 
 namespace azcoll::cli {
+
+using views::displayText;
+using views::readResults;
+
 namespace {
 
 std::shared_ptr<Recordset> recordsetOf(const CLSCO_OUTPUTAZCOLL& output, const OutputField& field) {
@@ -81,7 +87,7 @@ void printOutputFields(std::ostream& out, const CLSCO_OUTPUTAZCOLL& output) {
 
 void printRecordsets(std::ostream& out, const CLSCO_OUTPUTAZCOLL& output) {
   for (const OutputField& field : kOutputFields) {
-    for (const Rows& rows : readResults(recordsetOf(output, field))) {
+    for (const views::Rows& rows : readResults(recordsetOf(output, field))) {
       const std::size_t count = rows.rows.size();
       out << fmt::format("\n{} ({} {}):\n\n", field.name, count, count == 1 ? "riga" : "righe");
       printTable(out, rows);

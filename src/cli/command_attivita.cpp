@@ -3,10 +3,10 @@
 #include <CLI/App.hpp>
 #include <ostream>
 
-#include "cli/activities.h"
 #include "cli/activities_report.h"
 #include "cli/connection_watch.h"
 #include "data/error.h"
+#include "views/activities.h"
 
 namespace azcoll::cli {
 
@@ -28,7 +28,7 @@ ExitCode CommandAttivita::run(Console& console) const {
   const std::int32_t year = what.years().first;
   const ConnectionWatch watch{openDatabase(database)};
   try {
-    const ActivityView view = readActivities(watch.connection(), company, year);
+    const views::ActivityView view = views::readActivities(watch.connection(), company, year);
     watch.requireAlive();
     if (json) {
       printActivitiesJson(console.out, view);

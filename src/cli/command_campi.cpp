@@ -10,6 +10,7 @@
 #include "cli/json.h"
 #include "cli/rows.h"
 #include "component/members.h"
+#include "views/rows.h"
 
 namespace azcoll::cli {
 namespace {
@@ -73,7 +74,7 @@ void printJson(std::ostream& out) {
 void printTables(std::ostream& out) {
   bool first = true;
   for (const FieldClass& fieldClass : classes()) {
-    Rows rows{{"Campo", "Tipo", "Descrizione"}, {}};
+    views::Rows rows{{"Campo", "Tipo", "Descrizione"}, {}};
     for (const FieldLine& field : fieldClass.fields) {
       rows.rows.push_back({field.name, field.type, field.meaning});
     }

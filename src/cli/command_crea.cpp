@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "cli/database.h"
-#include "cli/installation.h"
-#include "cli/schema.h"
-#include "cli/scripts.h"
 #include "cli/unfinished_file.h"
 #include "cli/utf8.h"
+#include "deployment/installation.h"
+#include "deployment/rights.h"
+#include "deployment/scripts.h"
 #include "platform/provider_factory.h"
 
 namespace azcoll::cli {
@@ -40,23 +40,35 @@ void fill(const std::string& path, bool example) {
   const std::shared_ptr<Connection> connection =
       openConnection(embeddedConnectionString(path) + ";Create=True");
   connection->beginTrans();
-  runScript(*connection, kTabelle);
-  runScript(*connection, kProcedure);
+  deployment::runScript(*connection, deployment::kTabelle);
+  deployment::runScript(*connection, deployment::kProcedure);
   if (example) {
-    runScript(*connection, kEsempio);
+    deployment::runScript(*connection, deployment::kEsempio);
   }
   connection->commitTrans();
   connection->close();
 }
 
-/// Tells which rights the role has not got.
-ExitCode tellRefused(const std::vector<RefusedGrant>& refused, std::ostream& err) {
+/// Installs the scripts; what stops the installation becomes what the command says of itself.
+std::vector<deployment::RefusedGrant> installed(
+    Connection& connection, const std::vector<const deployment::Script*>& scripts) {
+  try {
+    return deployment::install(connection, scripts);
+  } catch (const deployment::AlreadyThere& error) {
+    throw UsageError(error.description());
+  } catch (const deployment::InstallationCutShort& error) {
+    throw OpenError(error.description());
+  }
+}
+
+/// Reports which rights the role has not got.
+ExitCode reportRefused(const std::vector<deployment::RefusedGrant>& refused, std::ostream& err) {
   if (refused.empty()) {
     return ExitCode::Ok;
   }
   err << fmt::format("Diritti rifiutati dal server: {} di {}. Gli altri sono concessi.\n",
-                     refused.size(), expectedRights().grants.size());
-  for (const RefusedGrant& grant : refused) {
+                     refused.size(), deployment::expectedRights().grants.size());
+  for (const deployment::RefusedGrant& grant : refused) {
     err << fmt::format("  {}: {}\n", grant.right, visible(grant.reason));
   }
   err << "Se al servizio mancano davvero lo dice, con il suo utente: azcoll diagnosi\n";
@@ -97,7 +109,7 @@ ExitCode CommandCrea::run(Console& console) const {
 }
 
 ExitCode CommandCrea::createFile(Console& console) const {
-  static_cast<void>(embeddedConnectionString(file));  // refuses names that are no file's
+  static_cast<void>(embeddedConnectionString(file));  // refuses names that no file can have
   if (file == ":memory:") {
     throw UsageError("Un database in memoria finisce con il comando: indicare un file.");
   }
@@ -123,22 +135,22 @@ ExitCode CommandCrea::installOn(Console& console) const {
   if (permessi && storedDefinitions(*connection)) {
     throw UsageError(kNoRoles);
   }
-  std::vector<const Script*> scripts{&kTabelle, &kProcedure};
+  std::vector<const deployment::Script*> scripts{&deployment::kTabelle, &deployment::kProcedure};
   if (esempio) {
-    scripts.push_back(&kEsempio);
+    scripts.push_back(&deployment::kEsempio);
   }
   if (permessi) {
-    scripts.push_back(&kPermessi);
+    scripts.push_back(&deployment::kPermessi);
   }
-  const std::vector<RefusedGrant> refused = install(*connection, scripts);
+  const std::vector<deployment::RefusedGrant> refused = installed(*connection, scripts);
   connection->close();
   std::vector<std::string_view> names;
   names.reserve(scripts.size());
-  for (const Script* script : scripts) {
+  for (const deployment::Script* script : scripts) {
     names.push_back(script->name);
   }
   console.err << fmt::format("Installati nel database: {}.\n", fmt::join(names, ", "));
-  return tellRefused(refused, console.err);
+  return reportRefused(refused, console.err);
 }
 
 }  // namespace azcoll::cli

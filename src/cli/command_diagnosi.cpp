@@ -6,12 +6,17 @@
 #include <ostream>
 #include <string_view>
 
-#include "cli/diagnosis.h"
 #include "cli/json.h"
 #include "cli/utf8.h"
 #include "data/error.h"
+#include "deployment/diagnosis.h"
+#include "deployment/failure.h"
 
 namespace azcoll::cli {
+
+using deployment::Diagnosis;
+using deployment::Finding;
+
 namespace {
 
 /// The lines of a text, each behind a margin and ready for a terminal.
@@ -104,7 +109,7 @@ ExitCode CommandDiagnosi::run(Console& console) const {
   const std::shared_ptr<Connection> connection = openDatabase(database);
   Diagnosis diagnosis;
   try {
-    diagnosis = diagnose(*connection);
+    diagnosis = deployment::diagnose(*connection);
   } catch (const Error& error) {
     if (error.info().connectionLost) {
       throw;
@@ -113,7 +118,7 @@ ExitCode CommandDiagnosi::run(Console& console) const {
         "Il database non dice che cosa contiene: {}\n"
         "Servono il diritto di connettersi (GRANT CONNECT) e di leggere le viste di sistema\n"
         "sys.all_objects, sys.all_columns e sys.all_parameters.\n",
-        describeFailure(error));
+        deployment::describeFailure(error));
     return ExitCode::Failed;
   }
   if (json) {

@@ -9,11 +9,13 @@ namespace CLI {
 class App;
 }
 
+namespace azcoll::deployment {
+struct Diagnosis;
+}
+
 namespace azcoll::cli {
 
-struct Diagnosis;
-
-/// `azcoll diagnosi`: tells what a company database lacks for the service, and what mends it.
+/// `azcoll diagnosi`: says what a company database lacks for the service, and what fixes it.
 struct CommandDiagnosi {
   DatabaseOptions database;
   bool json = false;
@@ -23,10 +25,10 @@ struct CommandDiagnosi {
 };
 
 /// Prints a diagnosis for people.
-void printDiagnosis(std::ostream& out, const Diagnosis& diagnosis);
+void printDiagnosis(std::ostream& out, const deployment::Diagnosis& diagnosis);
 
 /// `{"a_posto", "esaminati": {…}, "problemi": [{"tipo", "oggetto", "messaggio", "rimedio"}],
 /// "non_controllato", "note"}`.
-void printDiagnosisJson(std::ostream& out, const Diagnosis& diagnosis);
+void printDiagnosisJson(std::ostream& out, const deployment::Diagnosis& diagnosis);
 
 }  // namespace azcoll::cli

@@ -6,10 +6,10 @@
 
 #include "cli/connection_watch.h"
 #include "cli/drawing_file.h"
-#include "cli/group.h"
 #include "cli/group_drawing.h"
 #include "cli/group_report.h"
 #include "data/error.h"
+#include "views/group.h"
 
 namespace azcoll::cli {
 
@@ -35,7 +35,7 @@ CLI::App* CommandGruppo::setup(CLI::App& parent) {
 
 ExitCode CommandGruppo::run(Console& console) const {
   const std::int32_t company = what.company();
-  const YearRange years = what.years();
+  const views::YearRange years = what.years();
   const bool drawn = svg.has_value();
   if (int{json} + int{dot} + int{drawn} > 1) {
     throw UsageError("Le opzioni --json, --dot e --svg si escludono.");
@@ -45,7 +45,7 @@ ExitCode CommandGruppo::run(Console& console) const {
   }
   const ConnectionWatch watch{openDatabase(database)};
   try {
-    const GroupView view = readGroups(watch.connection(), company, years);
+    const views::GroupView view = views::readGroups(watch.connection(), company, years);
     watch.requireAlive();
     if (drawn) {
       writeSvg(groupsAsDot(view), *svg);

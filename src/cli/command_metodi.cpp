@@ -7,6 +7,7 @@
 #include "cli/json.h"
 #include "cli/rows.h"
 #include "component/members.h"
+#include "views/rows.h"
 
 namespace azcoll::cli {
 namespace {
@@ -23,8 +24,8 @@ Json methodsAsJson() {
   return methods;
 }
 
-Rows methodsAsRows() {
-  Rows methods{{"Metodo", "Risultato", "Descrizione"}, {}};
+views::Rows methodsAsRows() {
+  views::Rows methods{{"Metodo", "Risultato", "Descrizione"}, {}};
   for (const MethodEntry& method : kMethods) {
     methods.rows.push_back({method.name, typeName(method.result), method.meaning});
   }

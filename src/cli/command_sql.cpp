@@ -12,9 +12,14 @@
 
 #include "cli/json.h"
 #include "cli/rows.h"
+#include "deployment/failure.h"
 #include "tsql/parser.h"
+#include "views/rows.h"
 
 namespace azcoll::cli {
+
+using views::Rows;
+
 namespace {
 
 /// Prints the results of the batches in one of the three forms.
@@ -68,7 +73,7 @@ class CsvPrinter final : public ResultPrinter {
     first_ = false;
     printCsv(console_.out, rows);
   }
-  // A count is no row of the result: it would be read as data.
+  // A count is not a row of the result: it would be read as data.
   void changed(std::int64_t count) override { console_.err << changedText(count) << '\n'; }
 
  private:
@@ -91,7 +96,7 @@ class JsonPrinter final : public ResultPrinter {
 void runBatch(Connection& connection, const std::string& text, ResultPrinter& printer) {
   std::int64_t affected = -1;
   const std::shared_ptr<Recordset> first = connection.execute(text, affected, CommandOption::Text);
-  for (const Rows& rows : readResults(first)) {
+  for (const Rows& rows : views::readResults(first)) {
     printer.rows(rows);
   }
   if (affected >= 0) {
@@ -110,7 +115,7 @@ ExitCode runBatches(Connection& connection, const std::vector<tsql::ScriptBatch>
       if (error.info().connectionLost) {
         throw;
       }
-      err << describeFailure(error, failureLine(batch, error)) << '\n';
+      err << deployment::describeFailure(error, deployment::failureLine(batch, error)) << '\n';
       return ExitCode::Failed;
     }
   }

@@ -13,7 +13,7 @@
 namespace azcoll::cli {
 namespace {
 
-// The years that a DATETIME and a VAT year can share; what is typed in two digits is no year.
+// The years that a DATETIME and a VAT year can share; what is typed in two digits is not a year.
 constexpr std::int32_t kFirstYear = 1900;
 constexpr std::int32_t kLastYear = 9999;
 constexpr std::int32_t kMostYears = 10;
@@ -27,14 +27,14 @@ std::int32_t yearOf(std::string_view option, std::string_view text, std::string_
                                text));
 }
 
-YearRange rangeOf(const std::string& text) {
+views::YearRange rangeOf(const std::string& text) {
   const std::size_t dash = text.find('-');
   if (dash == std::string::npos) {
     throw UsageError(fmt::format("--anni vuole due anni come 2023-2025, non «{}».", text));
   }
   const std::string_view whole = text;
-  const YearRange range{yearOf("--anni", text, whole.substr(0, dash)),
-                        yearOf("--anni", text, whole.substr(dash + 1))};
+  const views::YearRange range{yearOf("--anni", text, whole.substr(0, dash)),
+                               yearOf("--anni", text, whole.substr(dash + 1))};
   if (range.last < range.first) {
     throw UsageError(fmt::format("--anni va dal primo all'ultimo anno: {}-{}, non «{}».",
                                  range.last, range.first, text));
@@ -69,7 +69,7 @@ std::int32_t CompanyOptions::company() const {
   return *code;
 }
 
-YearRange CompanyOptions::years() const {
+views::YearRange CompanyOptions::years() const {
   if (!anno.empty() && !anni.empty()) {
     throw UsageError("Le opzioni --anno e --anni si escludono.");
   }

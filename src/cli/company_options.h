@@ -3,17 +3,13 @@
 #include <cstdint>
 #include <string>
 
+#include "views/year_range.h"
+
 namespace CLI {
 class App;
 }
 
 namespace azcoll::cli {
-
-/// VAT years from the first to the last, both included.
-struct YearRange {
-  std::int32_t first = 0;
-  std::int32_t last = 0;
-};
 
 /// The company and the VAT years that a subcommand looks at.
 struct CompanyOptions {
@@ -29,9 +25,9 @@ struct CompanyOptions {
   /// The company's code. Throws `UsageError` for anything else.
   [[nodiscard]] std::int32_t company() const;
 
-  /// The year or years asked for; the current year when none is. Throws `UsageError` for what is no
-  /// year, for a range that runs backwards or is too long, and when both options are given.
-  [[nodiscard]] YearRange years() const;
+  /// The year or years asked for; the current year when none is. Throws `UsageError` for what is
+  /// not a year, for a range that runs backwards or is too long, and when both options are given.
+  [[nodiscard]] views::YearRange years() const;
 };
 
 }  // namespace azcoll::cli

@@ -7,28 +7,14 @@
 #include <vector>
 
 #include "cli/console.h"
+#include "deployment/failure.h"
 #include "platform/provider_factory.h"
-#include "tsql/parser.h"
 
 namespace azcoll::cli {
+
+using deployment::describeFailure;
+
 namespace {
-
-std::uint32_t linesBefore(std::string_view text, std::size_t offset) {
-  const std::string_view before = text.substr(0, offset);
-  return static_cast<std::uint32_t>(std::count(before.begin(), before.end(), '\n'));
-}
-
-/// The place of a syntax error when the batch has one with the number that was reported.
-std::optional<tsql::Position> syntaxErrorPosition(const std::string& text, int number) {
-  try {
-    static_cast<void>(tsql::parse(text));
-  } catch (const tsql::SyntaxError& error) {
-    if (error.number() == number) {
-      return error.position();
-    }
-  }
-  return std::nullopt;
-}
 
 constexpr std::string_view kCheckServer =
     "Controllare il nome del server e la porta (Server, Port), e che il server sia acceso e la "
@@ -133,22 +119,6 @@ std::shared_ptr<Connection> openDatabase(const DatabaseOptions& options) {
   }
 }
 
-std::uint32_t failureLine(const tsql::ScriptBatch& batch, const Error& error) {
-  const ErrorInfo& info = error.info();
-  if (const auto position = syntaxErrorPosition(batch.text, info.nativeNumber)) {
-    return batch.firstLine + position->line - 1;
-  }
-  const std::size_t statement =
-      info.statement.empty() ? std::string::npos : batch.text.find(info.statement);
-  const std::size_t start =
-      batch.text.find_first_not_of(" \t\r\n", statement == std::string::npos ? 0 : statement);
-  return batch.firstLine + (start == std::string::npos ? 0U : linesBefore(batch.text, start));
-}
-
-std::string describeFailure(const Error& error, std::optional<std::uint32_t> line) {
-  return describeFailure(error.info(), line);
-}
-
 std::string describeLoss(const ErrorInfo& info) {
   return fmt::format(
       "La connessione al database è caduta: {}\n{} Quello che non era confermato il server lo "
@@ -167,20 +137,6 @@ std::string withDiagnosisHint(const ErrorInfo& info) {
   // Class 42: something is not there, or not allowed.
   return describeFailure(info) +
          (info.sqlState.starts_with("42") ? fmt::format("\n{}", kAskDiagnosis) : "");
-}
-
-std::string describeFailure(const ErrorInfo& info, std::optional<std::uint32_t> line) {
-  std::string text = "Errore";
-  if (info.nativeNumber != 0) {
-    text += fmt::format(" {}", info.nativeNumber);
-  }
-  if (!info.sqlState.empty()) {
-    text += fmt::format(" ({})", info.sqlState);
-  }
-  if (line) {
-    text += fmt::format(", riga {}", *line);
-  }
-  return fmt::format("{}: {}", text, info.description);
 }
 
 }  // namespace azcoll::cli

@@ -5,11 +5,22 @@
 #include <fmt/format.h>
 #include <map>
 
-#include "cli/group_history.h"
-#include "cli/group_report.h"
 #include "cli/utf8.h"
+#include "views/group_history.h"
+#include "views/query.h"
 
 namespace azcoll::cli {
+
+using views::accountingTypeText;
+using views::Change;
+using views::CompanyHistory;
+using views::companyText;
+using views::Group;
+using views::GroupHistory;
+using views::GroupMember;
+using views::GroupView;
+using views::GroupYear;
+
 namespace {
 
 constexpr std::string_view kInk = "#1f2933";
@@ -227,7 +238,7 @@ std::vector<Box> Drawing::boxesOf(std::size_t index, const Group& group) const {
     const std::string type = accountingTypeText(member.accountingType);
     Box& box = byType[type];
     if (box.cells.empty()) {
-      const bool stopped = stopsPropagation(member.accountingType);
+      const bool stopped = views::stopsPropagation(member.accountingType);
       box.title = fmt::format("Tipo contabile {}", type);
       box.subtitle = stopped ? "clienti e fornitori non copiati" : "clienti e fornitori copiati";
       box.headFill = stopped ? kStoppedHead : kCopiedHead;

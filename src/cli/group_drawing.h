@@ -5,14 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/group.h"
+#include "views/group.h"
 
 namespace azcoll::cli {
 
 /// The groups as Graphviz DOT text, meant for the program `dot`: for every year the main company
 /// above boxes of its linked companies, one box for each accounting type, the companies in columns
 /// so that a large group keeps the shape of a page. Changes since the year before are marked.
-[[nodiscard]] std::string groupsAsDot(const GroupView& view);
+[[nodiscard]] std::string groupsAsDot(const views::GroupView& view);
 
 /// `text` as text of an HTML-like label: nothing in it can be taken for markup, and characters that
 /// XML does not allow are replaced.

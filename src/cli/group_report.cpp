@@ -9,8 +9,23 @@
 #include "cli/json.h"
 #include "cli/rows.h"
 #include "cli/utf8.h"
+#include "views/query.h"
+#include "views/rows.h"
 
 namespace azcoll::cli {
+
+using views::accountingTypeText;
+using views::Change;
+using views::CompanyHistory;
+using views::CompanyNames;
+using views::companyText;
+using views::Group;
+using views::GroupHistory;
+using views::GroupMember;
+using views::GroupView;
+using views::GroupYear;
+using views::Rows;
+
 namespace {
 
 std::string nameOf(std::int32_t company, const CompanyNames& names) {

@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <utility>
 
-#include "cli/values.h"
+#include "views/value_text.h"
 
 namespace azcoll::cli {
+
+using views::Rows;
 
 Json toJson(const Variant& value) {
   switch (value.kind()) {
@@ -26,7 +29,7 @@ Json toJson(const Variant& value) {
     case Variant::Kind::Text:
       break;
   }
-  return exchangeText(value);
+  return views::exchangeText(value);
 }
 
 Json toJson(const Rows& rows) {

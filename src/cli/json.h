@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/rows.h"
 #include "data/variant.h"
+#include "views/rows.h"
 
 namespace azcoll::cli {
 
@@ -16,13 +16,13 @@ using Json = nlohmann::ordered_json;
 [[nodiscard]] Json toJson(const Variant& value);
 
 /// `{"colonne": […], "righe": [[…]]}`.
-[[nodiscard]] Json toJson(const Rows& rows);
+[[nodiscard]] Json toJson(const views::Rows& rows);
 
 /// The first result, with the further ones under `seguenti` when there are any; null without
 /// results.
-[[nodiscard]] Json toJson(const std::vector<Rows>& results);
+[[nodiscard]] Json toJson(const std::vector<views::Rows>& results);
 
-/// One line of JSON without its end; bytes that are no UTF-8 are replaced.
+/// One line of JSON without its end; bytes that are not UTF-8 are replaced.
 [[nodiscard]] std::string dump(const Json& json);
 
 }  // namespace azcoll::cli

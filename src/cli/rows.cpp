@@ -3,13 +3,21 @@
 #include <algorithm>
 #include <cstddef>
 #include <ostream>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "cli/utf8.h"
-#include "cli/values.h"
+#include "data/variant.h"
+#include "views/value_text.h"
 
 namespace azcoll::cli {
+
+using views::displayText;
+using views::exchangeText;
+using views::Rows;
+
 namespace {
 
 bool isNumeric(const Variant& value) {
@@ -92,35 +100,6 @@ void printCsvLine(std::ostream& out, const Items& items) {
 }
 
 }  // namespace
-
-Rows readRows(Recordset& recordset) {
-  Rows result;
-  Fields& fields = recordset.fields();
-  const std::size_t columns = fields.count();
-  for (std::size_t i = 0; i < columns; ++i) {
-    result.columns.push_back(fields.item(i).name());
-  }
-  if (recordset.atStart() && recordset.atEnd()) {
-    return result;
-  }
-  for (recordset.moveFirst(); !recordset.atEnd(); recordset.moveNext()) {
-    std::vector<Variant>& row = result.rows.emplace_back();
-    row.reserve(columns);
-    for (std::size_t i = 0; i < columns; ++i) {
-      row.push_back(fields.item(i).value());
-    }
-  }
-  return result;
-}
-
-std::vector<Rows> readResults(std::shared_ptr<Recordset> recordset) {
-  std::vector<Rows> results;
-  while (recordset && recordset->isOpen()) {
-    results.push_back(readRows(*recordset));
-    recordset = recordset->nextRecordset();
-  }
-  return results;
-}
 
 void printTable(std::ostream& out, const Rows& rows) {
   const std::size_t columns = rows.columns.size();

@@ -101,16 +101,6 @@ void assign(CLSCO_INPUTAZCOLL& input, const InputField& field, std::string_view 
              field.member);
 }
 
-std::string isoText(const Date& date) {
-  std::string full = date.isoText();
-  constexpr std::size_t dateLength = 10;
-  constexpr std::size_t secondsLength = 19;
-  if (date.millisecond != 0) {
-    return full;
-  }
-  return full.substr(0, date.hasTime() ? secondsLength : dateLength);
-}
-
 }  // namespace
 
 Variant typedValue(std::string_view text, FieldUse use) {
@@ -166,25 +156,6 @@ void setFieldNull(CLSCO_INPUTAZCOLL& input, std::string_view name) {
                                  field.name, typeName(field.kind())));
   }
   input.*(*member) = kNull;
-}
-
-std::string displayText(const Variant& value) {
-  switch (value.kind()) {
-    case Variant::Kind::Null:
-      return "NULL";
-    case Variant::Kind::Object:
-      return value.object() ? "(oggetto)" : "";
-    default:
-      return value.text();
-  }
-}
-
-std::string exchangeText(const Variant& value) {
-  if (value.isNull()) {
-    return {};
-  }
-  const Date* date = value.get<Date>();
-  return date != nullptr ? isoText(*date) : displayText(value);
 }
 
 }  // namespace azcoll::cli

@@ -8,6 +8,8 @@
 namespace azcoll::cli {
 namespace {
 
+using views::Rows;
+
 std::string text(const Variant& value) { return dump(toJson(value)); }
 
 TEST(ToJson, GivesEveryKindOfValue) {

@@ -7,6 +7,8 @@
 namespace azcoll::cli {
 namespace {
 
+using views::Rows;
+
 std::string table(const Rows& rows) {
   std::ostringstream out;
   printTable(out, rows);

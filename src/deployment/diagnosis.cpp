@@ -1,14 +1,19 @@
-#include "cli/diagnosis.h"
+#include "deployment/diagnosis.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fmt/format.h>
+#include <optional>
+#include <utility>
 
-#include "cli/database.h"
-#include "cli/server_catalogue.h"
 #include "data/error.h"
+#include "deployment/rights.h"
+#include "deployment/schema.h"
+#include "deployment/schema_comparison.h"
+#include "deployment/server_catalogue.h"
 #include "platform/provider_factory.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
 /// Whether nothing of the company's is there, whatever else is.
@@ -64,7 +69,7 @@ Diagnosis diagnoseDefinitions(Connection& connection, const std::vector<std::str
     diagnosis.findings.push_back(emptyDatabase());
     return diagnosis;
   }
-  compareSchemas(diagnosis, expectedSchema(), found, Mending{});
+  compareSchemas(diagnosis, expectedSchema(), found, Alteration::Impossible, std::nullopt);
   checkWritable(diagnosis, connection, found);
   return diagnosis;
 }
@@ -165,11 +170,11 @@ Diagnosis diagnoseServer(Connection& connection) {
         {"confronto", "", "Il database distingue le maiuscole dalle minuscole.",
          "ALTER DATABASE CURRENT COLLATE Latin1_General_CI_AS   (prima di creare le tabelle)"});
   }
-  compareSchemas(diagnosis, expected, found,
-                 Mending{.server = true,
-                         .seesEverything = user.seesEverything,
-                         .needed = needed.grants,
-                         .grantee = granteeOf(user, needed.role)});
+  std::optional<LimitedUser> limited;
+  if (!user.seesEverything) {
+    limited = LimitedUser{.needed = needed.grants, .grantee = granteeOf(user, needed.role)};
+  }
+  compareSchemas(diagnosis, expected, found, Alteration::Possible, limited);
   couldAsk(diagnosis.unchecked, "i diritti dell'utente", [&] {
     const std::vector<Grant> missing = readMissingGrants(connection, needed.grants, found);
     diagnosis.rights = needed.grants.size() - missing.size();
@@ -185,4 +190,4 @@ Diagnosis diagnose(Connection& connection) {
   return definitions ? diagnoseDefinitions(connection, *definitions) : diagnoseServer(connection);
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

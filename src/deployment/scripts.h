@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 
 /// A script of the folder `schema`, carried in the program so that it needs no files.
 struct Script {
@@ -16,4 +16,4 @@ extern const Script kProcedure;
 extern const Script kEsempio;
 extern const Script kPermessi;
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

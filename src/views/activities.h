@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/query.h"
 #include "data/connection.h"
 #include "data/variant.h"
+#include "views/query.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 
 /// One activity of a company in a VAT year.
 struct Activity {
@@ -72,4 +72,4 @@ struct ActivityView {
 /// main company go together in their order.
 [[nodiscard]] std::vector<ActivityChange> changesOf(const ActivityView& view);
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

@@ -1,33 +1,33 @@
-#include "cli/installation.h"
+#include "deployment/installation.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
 #include <functional>
-#include <string>
+#include <optional>
+#include <string_view>
 #include <utility>
-#include <vector>
 
-#include "cli/console.h"
-#include "cli/database.h"
-#include "cli/schema.h"
-#include "cli/scripts.h"
-#include "cli/server_catalogue.h"
-#include "cli/utf8.h"
-#include "data/error.h"
 #include "data/text.h"
+#include "deployment/failure.h"
+#include "deployment/rights.h"
+#include "deployment/schema.h"
+#include "deployment/server_catalogue.h"
 #include "platform/provider_factory.h"
 #include "tsql/parser.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
-/// The statement on one line, shortened to what a message can carry.
+/// The statement on one line, shortened to what a message can carry; control characters count as
+/// blanks.
 std::string excerpt(std::string_view statement) {
   constexpr std::size_t longest = 200;
   std::string text;
   for (const char c : trim(statement)) {
-    const bool blank = c == '\n' || c == '\r' || c == '\t' || c == ' ';
+    constexpr char del = 0x7F;
+    const bool blank = static_cast<unsigned char>(c) <= ' ' || c == del;
     if (!blank) {
       text += c;
     } else if (!text.ends_with(' ')) {
@@ -35,7 +35,7 @@ std::string excerpt(std::string_view statement) {
     }
   }
   const std::string_view shown = leftCharacters(text, longest);
-  return visible(shown) + (shown.size() < text.size() ? "…" : "");
+  return std::string{shown} + (shown.size() < text.size() ? "…" : "");
 }
 
 /// The same failure in other words.
@@ -86,7 +86,7 @@ void refuseExisting(Connection& connection) {
   }
   const std::string more =
       names.size() == 1 ? "" : fmt::format(" e altri {} oggetti aziendali", names.size() - 1);
-  throw UsageError(
+  throw AlreadyThere(
       fmt::format("Il database contiene già {}{}: non viene toccato.\n"
                   "Per sapere che cosa gli manca: azcoll diagnosi",
                   names.front(), more));
@@ -142,7 +142,7 @@ class Stop {
         fmt::format("{}\n{}\nInstallati: {}. Non installati: {}.", message, end,
                     namesOf(scripts_.first(current_)), namesOf(scripts_.subspan(current_)));
     if (error.info().connectionLost) {
-      throw OpenError(text);
+      throw InstallationCutShort(text);
     }
     throw Error(text);
   }
@@ -222,4 +222,4 @@ std::vector<RefusedGrant> install(Connection& connection, std::span<const Script
   return refused;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

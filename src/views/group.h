@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "cli/company_options.h"
-#include "cli/query.h"
 #include "data/connection.h"
 #include "data/variant.h"
+#include "views/query.h"
+#include "views/year_range.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 
 /// What becomes of customers and suppliers that are saved in a company.
 struct Sharing {
@@ -60,4 +60,4 @@ struct GroupView {
 /// Whether the accounting type stops the propagation; a missing one counts as 0.
 [[nodiscard]] bool stopsPropagation(const Variant& accountingType);
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

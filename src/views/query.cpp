@@ -1,14 +1,23 @@
-#include "cli/query.h"
+#include "views/query.h"
 
 #include <algorithm>
-#include <fmt/format.h>
+#include <memory>
 #include <stdexcept>
 
-#include "cli/names.h"
-#include "cli/values.h"
 #include "data/error.h"
+#include "data/text.h"
+#include "views/value_text.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
+namespace {
+
+/// Whether two names of columns differ in the letter case of ASCII letters at most.
+bool sameColumn(std::string_view left, std::string_view right) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+  return std::ranges::equal(left, right, {}, lower, lower);
+}
+
+}  // namespace
 
 Rows query(Connection& connection, std::string_view statement) {
   std::int64_t affected = 0;
@@ -18,12 +27,10 @@ Rows query(Connection& connection, std::string_view statement) {
 }
 
 std::size_t columnIndex(const Rows& rows, std::string_view name) {
-  const auto found =
-      std::find_if(rows.columns.begin(), rows.columns.end(), [&](const std::string& column) {
-        return column == name || foldName(column) == foldName(name);
-      });
+  const auto found = std::ranges::find_if(
+      rows.columns, [&](const std::string& column) { return sameColumn(column, name); });
   if (found == rows.columns.end()) {
-    throw Error(fmt::format("Il risultato non ha la colonna {}", name));
+    throw Error(join("Il risultato non ha la colonna ", name));
   }
   return static_cast<std::size_t>(found - rows.columns.begin());
 }
@@ -41,16 +48,16 @@ CompanyNames readCompanyNames(Connection& connection) {
 
 std::string companyText(std::int32_t company, const CompanyNames& names) {
   const auto found = names.find(company);
-  return found == names.end() || found->second.empty()
-             ? std::to_string(company)
-             : fmt::format("{} {}", company, found->second);
+  return found == names.end() || found->second.empty() ? std::to_string(company)
+                                                       : join(company, " ", found->second);
 }
 
 void requireCompany(std::int32_t company, const CompanyNames& names) {
   if (!names.contains(company)) {
-    throw std::runtime_error(fmt::format(
-        "L'azienda {} non esiste nel database (le aziende stanno in CG18_ANADITTABASE).", company));
+    throw std::runtime_error(
+        join("L'azienda ", company,
+             " non esiste nel database (le aziende stanno in CG18_ANADITTABASE)."));
   }
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

@@ -1,11 +1,11 @@
-// What a database lacks against the scripts, each difference with the statement that mends it.
+#include "deployment/schema_comparison.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <string_view>
+#include <utility>
 
-#include "cli/diagnosis.h"
-
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
 constexpr const char* kNoChange =
@@ -40,8 +40,8 @@ std::string joinLines(const std::vector<std::string>& lines) {
 
 class Comparison {
  public:
-  Comparison(Diagnosis& diagnosis, const Mending& mending)
-      : diagnosis_{diagnosis}, mending_{mending} {}
+  Comparison(Diagnosis& diagnosis, Alteration alteration, const std::optional<LimitedUser>& user)
+      : diagnosis_{diagnosis}, alterable_{alteration == Alteration::Possible}, user_{user} {}
 
   void table(const SchemaTable& expected, const SchemaTable* found) {
     if (found == nullptr) {
@@ -59,7 +59,7 @@ class Comparison {
       if (there == found->columns.end()) {
         add("colonna", expected.name + "." + column.name,
             fmt::format("Nella tabella {} manca la colonna {}.", expected.name, column.name),
-            mending_.server ? addColumn(*found, column) : kNoChange);
+            alterable_ ? addColumn(*found, column) : kNoChange);
       } else {
         ++diagnosis_.columns;
         compareColumn(*found, column, *there);
@@ -92,8 +92,7 @@ class Comparison {
       }
     }
     if (!faults.empty()) {
-      add(kind, expected.name,
-          fmt::format("In {} {}: {}.", kind, expected.name, fmt::format("{}", joined(faults))),
+      add(kind, expected.name, fmt::format("In {} {}: {}.", kind, expected.name, joined(faults)),
           redefined(expected, *found));
     }
   }
@@ -106,11 +105,11 @@ class Comparison {
 
   void missing(const std::string& kind, const std::string& what, const std::string& name,
                const std::string& definition) {
-    if (mending_.seesEverything) {
+    if (!user_) {
       add(kind, name, fmt::format("Manca {} {}.", what, name), definition);
       return;
     }
-    const std::string grants = grantsOn(name);
+    const std::string grants = grantsOn(*user_, name);
     if (grants.empty()) {
       diagnosis_.notes.push_back(
           fmt::format("Non si può vedere {} {}: l'utente non vi ha diritti, e non gliene servono.",
@@ -122,12 +121,12 @@ class Comparison {
                     definition));
   }
 
-  [[nodiscard]] std::string grantsOn(const std::string& name) const {
+  static std::string grantsOn(const LimitedUser& user, const std::string& name) {
     std::string lines;
-    for (const Grant& grant : mending_.needed) {
+    for (const Grant& grant : user.needed) {
       if (sameName(grant.object, name)) {
         lines += fmt::format("{}GRANT {} ON {}.{} TO {}", lines.empty() ? "" : "\n", grant.right,
-                             grant.owner, grant.object, mending_.grantee);
+                             grant.owner, grant.object, user.grantee);
       }
     }
     return lines;
@@ -161,8 +160,8 @@ class Comparison {
     const std::string object = expected.name;
     const std::string place = fmt::format("La colonna {} di {}", expected.name, table.name);
     const std::string alter = fmt::format("ALTER TABLE {} ", withOwner(table.owner, table.name));
-    const auto mended = [&](const std::string& statement) {
-      return mending_.server ? alter + statement : std::string{kNoChange};
+    const auto fix = [&](const std::string& statement) {
+      return alterable_ ? alter + statement : std::string{kNoChange};
     };
     const std::string declared =
         fmt::format("ALTER COLUMN {} {} {}", expected.name, expected.type.text(),
@@ -170,23 +169,23 @@ class Comparison {
     if (!holds(found.type, expected.type)) {
       add("tipo", object,
           fmt::format("{} è {}, serve {}.", place, found.type.text(), expected.type.text()),
-          mended(declared));
+          fix(declared));
     } else if (expected.nullable && !found.nullable) {
       add("null", object, fmt::format("{} non ammette NULL, e deve ammetterlo.", place),
-          mended(fmt::format("ALTER COLUMN {} {} NULL", expected.name, found.type.text())));
+          fix(fmt::format("ALTER COLUMN {} {} NULL", expected.name, found.type.text())));
     }
     if (expected.identity && !found.identity) {
       add("identita", object,
           fmt::format("{} non si numera da sé (IDENTITY), e deve farlo.", place),
-          mending_.server ? "-- SQL Server non aggiunge IDENTITY a una colonna esistente: rifare "
-                            "la tabella con\n"
-                            "-- la definizione seguente e copiarvi le righe.\n" +
-                                definitionOf(table.name)
-                          : std::string{kNoChange});
+          alterable_ ? "-- SQL Server non aggiunge IDENTITY a una colonna esistente: rifare "
+                       "la tabella con\n"
+                       "-- la definizione seguente e copiarvi le righe.\n" +
+                           definitionOf(table.name)
+                     : std::string{kNoChange});
     }
     if (expected.hasDefault && !found.hasDefault) {
       add("predefinito", object, fmt::format("{} non ha un valore predefinito.", place),
-          mended(fmt::format("ADD {} FOR {}", expected.defaultClause, expected.name)));
+          fix(fmt::format("ADD {} FOR {}", expected.defaultClause, expected.name)));
     }
   }
 
@@ -223,7 +222,7 @@ class Comparison {
   [[nodiscard]] std::string redefined(const SchemaRoutine& expected,
                                       const SchemaRoutine& found) const {
     constexpr std::string_view create = "CREATE";
-    if (mending_.server && expected.isFunction == found.isFunction) {
+    if (alterable_ && expected.isFunction == found.isFunction) {
       return "ALTER" + expected.definition.substr(create.size());
     }
     return fmt::format("DROP {} {}\nGO\n{}", found.isFunction ? "FUNCTION" : "PROCEDURE",
@@ -231,14 +230,15 @@ class Comparison {
   }
 
   Diagnosis& diagnosis_;
-  const Mending& mending_;
+  bool alterable_;
+  const std::optional<LimitedUser>& user_;
 };
 
 }  // namespace
 
 void compareSchemas(Diagnosis& diagnosis, const Schema& expected, const Schema& found,
-                    const Mending& mending) {
-  Comparison comparison{diagnosis, mending};
+                    Alteration alteration, const std::optional<LimitedUser>& user) {
+  Comparison comparison{diagnosis, alteration, user};
   for (const SchemaTable& table : expected.tables) {
     comparison.table(table, found.table(table.name));
   }
@@ -247,4 +247,4 @@ void compareSchemas(Diagnosis& diagnosis, const Schema& expected, const Schema& 
   }
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

@@ -1,19 +1,21 @@
-// Reads the GRANT lines of schema/permessi.sql. The grammar of the T-SQL front end stops short of
-// them, since the embedded engine knows no users; its tokens do for their one form.
+#include "deployment/rights.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
+#include <utility>
 
-#include "cli/schema.h"
-#include "cli/scripts.h"
 #include "data/error.h"
+#include "deployment/schema.h"
+#include "deployment/scripts.h"
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
+/// Reads the GRANT lines of a batch. The grammar of the T-SQL front end stops short of them, since
+/// the embedded engine knows no users; its tokens do for their one form.
 class GrantReader {
  public:
   explicit GrantReader(std::string_view batch) : lexer_{batch}, token_{lexer_.next()} {}
@@ -100,4 +102,4 @@ const RoleRights& expectedRights() {
   return expected;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

@@ -6,10 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/schema.h"
 #include "data/connection.h"
+#include "deployment/rights.h"
+#include "deployment/schema.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 
 /// The questions put to the catalogue of a server: every text that the checks send stands behind
 /// these functions. Each throws `Error` when the server refuses the question.
@@ -22,7 +23,7 @@ bool couldAsk(std::vector<std::string>& unchecked, std::string_view what,
 
 /// Who is asking, and what of the database that person sees.
 struct ServerUser {
-  std::string name{};  ///< empty when the server does not tell
+  std::string name{};  ///< empty when the server does not say
   std::string defaultSchema = "dbo";
   std::optional<bool> inRole{};  ///< nothing when the role does not exist
   bool seesEverything = false;   ///< the catalogue hides nothing from this user
@@ -35,7 +36,7 @@ struct ServerUser {
                                                        const Schema& expected);
 
 /// What of `expected` is there and visible. An object is looked for where a statement finds it: in
-/// the user's own schema, then in dbo. Columns and parameters that the server does not tell are
+/// the user's own schema, then in dbo. Columns and parameters that the server does not report are
 /// marked as not known, and `unchecked` gets a sentence for each question that it refused.
 [[nodiscard]] Schema readServerSchema(Connection& connection, const Schema& expected,
                                       const ServerUser& user, std::vector<std::string>& unchecked);
@@ -47,4 +48,4 @@ struct ServerUser {
                                                    const std::vector<Grant>& grants,
                                                    const Schema& found);
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

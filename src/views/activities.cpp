@@ -1,25 +1,27 @@
-#include "cli/activities.h"
+#include "views/activities.h"
 
 #include <algorithm>
 #include <array>
-#include <fmt/format.h>
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string_view>
 #include <utility>
 
-#include "cli/values.h"
 #include "component/service.h"
-#include "component/values.h"
 #include "data/error.h"
+#include "data/text.h"
+#include "views/rows.h"
+#include "views/unattended_platform.h"
+#include "views/value_text.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 namespace {
 
 /// The text of the activity query for a company's own rows of two years. The service's recordset of
 /// the same rows would fill an empty year first.
 std::string activityStatement(std::int32_t company, std::int32_t year) {
-  CLSCO_AZIENDECOLL service;
+  CLSCO_AZIENDECOLL service{std::make_shared<UnattendedPlatform>()};
   CLSCO_INPUTAZCOLL& in = *service.CPInput;
   in.Pvar_Ditta = company;
   in.AnnoSolare = year;
@@ -80,15 +82,15 @@ void fillActivities(ActivityView& view, const Rows& rows) {
 Rows readRegisters(Connection& connection, const ActivityView& view) {
   return query(
       connection,
-      fmt::format("SELECT CG32_ANNO, CG32_SEZIONALE,"
-                  " CASE WHEN CG32_IDATTIVITA_CG86 IS NOT NULL THEN CG32_IDATTIVITA_CG86"
-                  " ELSE (SELECT TOP 1 A.CG86_IDATTIVITA FROM CG86_AZIENDECOLL AS A"
-                  " LEFT OUTER JOIN CG25_ANADITTAGEST ON CG25_DITTA_CG18 = A.CG86_DITTACOLL_CG18"
-                  " WHERE A.CG86_DITTACOLL_CG18 = CG32_DITTA_CG18 AND A.CG86_ANNOIVA = CG32_ANNO"
-                  " AND CG25_FLGIVAQUATER IN (0, 1) AND A.CG86_INDTIPO = 0) END AS IDATTIVITA"
-                  " FROM CG32_ANADITTAPSEZ WHERE CG32_DITTA_CG18 = {} AND CG32_ANNO IN ({}, {})"
-                  " ORDER BY CG32_ANNO, CG32_SEZIONALE",
-                  view.company, view.current.year, view.previous.year));
+      join("SELECT CG32_ANNO, CG32_SEZIONALE,"
+           " CASE WHEN CG32_IDATTIVITA_CG86 IS NOT NULL THEN CG32_IDATTIVITA_CG86"
+           " ELSE (SELECT TOP 1 A.CG86_IDATTIVITA FROM CG86_AZIENDECOLL AS A"
+           " LEFT OUTER JOIN CG25_ANADITTAGEST ON CG25_DITTA_CG18 = A.CG86_DITTACOLL_CG18"
+           " WHERE A.CG86_DITTACOLL_CG18 = CG32_DITTA_CG18 AND A.CG86_ANNOIVA = CG32_ANNO"
+           " AND CG25_FLGIVAQUATER IN (0, 1) AND A.CG86_INDTIPO = 0) END AS IDATTIVITA"
+           " FROM CG32_ANADITTAPSEZ WHERE CG32_DITTA_CG18 = ",
+           view.company, " AND CG32_ANNO IN (", view.current.year, ", ", view.previous.year,
+           ") ORDER BY CG32_ANNO, CG32_SEZIONALE"));
 }
 
 void fillRegisters(ActivityView& view, const Rows& rows) {
@@ -112,13 +114,13 @@ void fillRegisters(ActivityView& view, const Rows& rows) {
 void fillWithoutRegistry(Connection& connection, ActivityView& view) {
   const Rows rows =
       query(connection,
-            fmt::format("SELECT DISTINCT CG86_ANNOIVA, CG86_CODATTIVITA, CG96_CODATTIVITA"
-                        " FROM CG86_AZIENDECOLL LEFT OUTER JOIN CG96_ANAGATTIVITA"
-                        " ON CG96_DITTA_CG18 = CG86_DITTACOLL_CG18"
-                        " AND CG96_CODATTIVITA = CG86_CODATTIVITA"
-                        " WHERE CG86_INDTIPO = 0 AND CG86_DITTACOLL_CG18 = {}"
-                        " AND CG86_CODATTIVITA IS NOT NULL ORDER BY CG86_ANNOIVA, CG86_CODATTIVITA",
-                        view.company));
+            join("SELECT DISTINCT CG86_ANNOIVA, CG86_CODATTIVITA, CG96_CODATTIVITA"
+                 " FROM CG86_AZIENDECOLL LEFT OUTER JOIN CG96_ANAGATTIVITA"
+                 " ON CG96_DITTA_CG18 = CG86_DITTACOLL_CG18"
+                 " AND CG96_CODATTIVITA = CG86_CODATTIVITA"
+                 " WHERE CG86_INDTIPO = 0 AND CG86_DITTACOLL_CG18 = ",
+                 view.company,
+                 " AND CG86_CODATTIVITA IS NOT NULL ORDER BY CG86_ANNOIVA, CG86_CODATTIVITA"));
   std::set<std::int32_t> years;
   for (const std::vector<Variant>& row : rows.rows) {
     const std::int32_t year = row[0].toInt32();
@@ -142,7 +144,11 @@ ByKey byKey(const ActivityYear& year) {
 }
 
 std::string listed(const std::vector<std::string>& registers) {
-  return fmt::format("{}", fmt::join(registers, ", "));
+  std::string text;
+  for (const std::string& code : registers) {
+    text += (text.empty() ? "" : ", ") + code;
+  }
+  return text;
 }
 
 ActivityChange changeOf(const ActivityView& view, const Activity& before, const Activity& now) {
@@ -206,4 +212,4 @@ std::vector<ActivityChange> changesOf(const ActivityView& view) {
   return changes;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

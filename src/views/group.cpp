@@ -1,16 +1,20 @@
-#include "cli/group.h"
+#include "views/group.h"
 
 #include <algorithm>
 #include <charconv>
-#include <fmt/format.h>
+#include <iterator>
+#include <map>
 #include <set>
 
 #include "component/service.h"
 #include "data/command.h"
 #include "data/date.h"
 #include "data/error.h"
+#include "data/text.h"
+#include "views/rows.h"
+#include "views/unattended_platform.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 namespace {
 
 /// A link of a VAT year: a row of kind 0 whose two companies differ.
@@ -88,15 +92,14 @@ class SharingQuestion {
     Sharing sharing;
     const char* const end = main.data() + main.size();
     if (std::from_chars(main.data(), end, sharing.group).ptr != end || main.empty()) {
-      throw Error(
-          fmt::format("Il gruppo dell'azienda {} nel {} non si può leggere", company, year));
+      throw Error(join("Il gruppo dell'azienda ", company, " nel ", year, " non si può leggere"));
     }
     sharing.copied = !stopsPropagation(service_.CPOutput->IndTipoCont);
     return sharing;
   }
 
  private:
-  CLSCO_AZIENDECOLL service_;
+  CLSCO_AZIENDECOLL service_{std::make_shared<UnattendedPlatform>()};
 };
 
 Group readGroup(const std::shared_ptr<Connection>& connection, std::int32_t main, std::int32_t year,
@@ -178,4 +181,4 @@ GroupView readGroups(const std::shared_ptr<Connection>& connection, std::int32_t
   return view;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

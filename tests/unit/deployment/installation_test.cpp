@@ -1,16 +1,24 @@
-// What `crea --connessione` sends, and what it leaves when something fails on the way.
+// What an installation sends, and what it leaves when something fails on the way.
 
-#include "cli/installation.h"
+#include "deployment/installation.h"
 
-#include "cli/database.h"
-#include "cli/schema.h"
-#include "cli/scripts.h"
-#include "cli_test.h"
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+#include "data/error.h"
+#include "deployment/rights.h"
+#include "deployment/schema.h"
+#include "deployment/scripts.h"
 #include "support/scripted_connection.h"
-#include "support/test_database.h"
 #include "tsql/parser.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
 using azcoll::test::Failure;
@@ -20,7 +28,6 @@ using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using ::testing::StartsWith;
 using ::testing::ThrowsMessage;
 
@@ -119,7 +126,7 @@ TEST_F(Installation, UndoesTheScriptThatFailsWhereverItFails) {
   }
 }
 
-TEST_F(Installation, TellsWhatIsInstalledAndWhatIsNot) {
+TEST_F(Installation, ReportsWhatIsInstalledAndWhatIsNot) {
   server_->fail(batchesOf(kEsempio).front(), Failure::Provider, "guasto");
   EXPECT_THAT([&] { installAll(); },
               ThrowsMessage<Error>(HasSubstr("Installati: tabelle.sql, procedure.sql. "
@@ -156,7 +163,7 @@ TEST_F(Installation, GrantsTheOtherRightsWhenTheServerRefusesOne) {
 TEST_F(Installation, GrantsNothingWhenTheConnectionIsLost) {
   server_->fail(grants()[2], Failure::Lost, "caduta");
   EXPECT_THAT([&] { installAll(); },
-              ThrowsMessage<OpenError>(AllOf(
+              ThrowsMessage<InstallationCutShort>(AllOf(
                   HasSubstr(expectedRights().grants[2].object), HasSubstr("caduta"),
                   HasSubstr("Installati: tabelle.sql, procedure.sql, esempio.sql. Non installati: "
                             "permessi.sql."))));
@@ -165,13 +172,13 @@ TEST_F(Installation, GrantsNothingWhenTheConnectionIsLost) {
 
 TEST_F(Installation, SaysThatAConfirmationWithoutAnswerIsOpen) {
   server_->fail("CommitTrans", Failure::Lost, "caduta");
-  EXPECT_THAT([&] { installAll(); },
-              ThrowsMessage<OpenError>(HasSubstr("Se tabelle.sql è stato installato lo dice: "
-                                                 "azcoll diagnosi")));
+  EXPECT_THAT([&] { installAll(); }, ThrowsMessage<InstallationCutShort>(
+                                         HasSubstr("Se tabelle.sql è stato installato lo dice: "
+                                                   "azcoll diagnosi")));
   EXPECT_EQ(operations().back(), "CommitTrans");
 }
 
-TEST_F(Installation, TellsWhenTheUndoingFailsToo) {
+TEST_F(Installation, ReportsThatTheUndoingFailedToo) {
   server_->fail(batchesOf(kProcedure).back(), Failure::Provider, "guasto");
   server_->fail("RollbackTrans", Failure::Provider, "connessione persa");
   EXPECT_THAT([&] { installAll(); },
@@ -191,10 +198,10 @@ TEST_F(Installation, RefusesADatabaseThatHasOneOfTheNames) {
     server_ = std::make_shared<ScriptedConnection>();
     server_->answerPrefix("SELECT S.name",
                           rowSet({"PROPRIETARIO", "OGGETTO", "TIPO"}, {"dbo", name, "U "}));
-    EXPECT_THAT(
-        [&] { installAll(); },
-        ThrowsMessage<UsageError>(AllOf(HasSubstr(std::string{"Il database contiene già "} + name),
-                                        HasSubstr("non viene toccato"))));
+    EXPECT_THAT([&] { installAll(); },
+                ThrowsMessage<AlreadyThere>(
+                    AllOf(HasSubstr(std::string{"Il database contiene già "} + name),
+                          HasSubstr("non viene toccato"))));
     EXPECT_THAT(operations(), IsEmpty());
   }
 }
@@ -218,107 +225,5 @@ TEST_F(Installation, DoesNotStartWhenTheCatalogueIsRefused) {
   EXPECT_THAT(operations(), IsEmpty());
 }
 
-// ---------------------------------------------------------------- the command
-
-class CreaOnConnection : public FolderTest {
- protected:
-  [[nodiscard]] std::string source(const std::string& more = "") const {
-    return "Provider=embedded;Data Source=" + path("prova.db") + more;
-  }
-};
-
-TEST_F(CreaOnConnection, InstallsOnAnEmptyDatabase) {
-  const Outcome outcome = azcoll("crea", "--connessione", source(";Create=True"), "--esempio");
-  EXPECT_EQ(outcome.code, ExitCode::Ok) << outcome.err;
-  EXPECT_THAT(outcome.err,
-              HasSubstr("Installati nel database: tabelle.sql, procedure.sql, esempio.sql."));
-  EXPECT_EQ(azcoll("sql", "--connessione", source(), "--csv",
-                   "SELECT COUNT(*) AS N FROM CG18_ANADITTABASE")
-                .out,
-            "N\r\n8\r\n");
-  EXPECT_EQ(azcoll("diagnosi", "--connessione", source()).code, ExitCode::Ok);
-}
-
-TEST_F(CreaOnConnection, KeepsWhatElseTheDatabaseHolds) {
-  EXPECT_EQ(azcoll("crea", "--connessione", source(";Create=True")).code, ExitCode::Ok);
-  const std::string other = "Provider=embedded;Data Source=" + path("altro.db") + ";Create=True";
-  EXPECT_EQ(azcoll("sql", "--connessione", other, "CREATE TABLE NOSTRA (A INT NOT NULL)").code,
-            ExitCode::Ok);
-  EXPECT_EQ(azcoll("crea", "--connessione", other).code, ExitCode::Ok);
-  EXPECT_THAT(azcoll("sql", "--connessione", other, "--csv", "SELECT A FROM NOSTRA").out,
-              StartsWith("A\r\n"));
-}
-
-TEST_F(CreaOnConnection, ChangesNothingWhereTheTablesAreThereAlready) {
-  ASSERT_EQ(azcoll("crea", "--db", path("prova.db")).code, ExitCode::Ok);
-  const Outcome outcome = azcoll("crea", "--connessione", source(), "--esempio");
-  EXPECT_EQ(outcome.code, ExitCode::Usage);
-  EXPECT_THAT(outcome.err, HasSubstr("contiene già CG16_ANAGGEN e altri "));
-  EXPECT_EQ(azcoll("sql", "--connessione", source(), "--csv",
-                   "SELECT COUNT(*) AS N FROM CG18_ANADITTABASE")
-                .out,
-            "N\r\n0\r\n");
-}
-
-TEST_F(CreaOnConnection, RefusesADatabaseWithOneOfTheTables) {
-  ASSERT_EQ(azcoll("sql", "--connessione", source(";Create=True"),
-                   "CREATE TABLE cg44_clifor (A INT NOT NULL)")
-                .code,
-            ExitCode::Ok);
-  const Outcome outcome = azcoll("crea", "--connessione", source());
-  EXPECT_EQ(outcome.code, ExitCode::Usage);
-  EXPECT_THAT(outcome.err, HasSubstr("contiene già cg44_clifor: non viene toccato"));
-  EXPECT_EQ(azcoll("sql", "--connessione", source(), "SELECT 1 FROM CG16_ANAGGEN").code,
-            ExitCode::Failed);
-}
-
-TEST_F(CreaOnConnection, WantsExactlyOneOfFileAndConnection) {
-  for (const Outcome& outcome :
-       {azcoll("crea"), azcoll("crea", "--db", path("a.db"), "--connessione", source())}) {
-    EXPECT_EQ(outcome.code, ExitCode::Usage);
-    EXPECT_THAT(outcome.err, HasSubstr("--db FILE oppure --connessione STRINGA"));
-  }
-  EXPECT_THAT(filesLeft(), IsEmpty());
-}
-
-TEST_F(CreaOnConnection, HasNoRolesOnTheEmbeddedEngine) {
-  const Outcome file = azcoll("crea", "--db", path("a.db"), "--permessi");
-  EXPECT_EQ(file.code, ExitCode::Usage);
-  EXPECT_THAT(file.err, HasSubstr("non conosce utenti né ruoli"));
-  EXPECT_THAT(filesLeft(), IsEmpty());
-  const Outcome connection = azcoll("crea", "--connessione", source(";Create=True"), "--permessi");
-  EXPECT_EQ(connection.code, ExitCode::Usage);
-  EXPECT_THAT(connection.err, HasSubstr("non conosce utenti né ruoli"));
-  EXPECT_EQ(azcoll("sql", "--connessione", source(), "SELECT 1 FROM CG16_ANAGGEN").code,
-            ExitCode::Failed);
-}
-
-TEST_F(CreaOnConnection, NeverShowsAPassword) {
-  for (const char* command : {"crea", "diagnosi"}) {
-    for (const char* string : {"Driver=NESSUNO;Server=nessuno.invalid;UID=sa;PWD=Segreta1",
-                               "Driver=NESSUNO;Server=nessuno.invalid;UID=sa;Password={Segreta1;}",
-                               "Provider=embedded;Password=Segreta1"}) {
-      const Outcome outcome = azcoll(command, "--connessione", string);
-      EXPECT_EQ(outcome.code, ExitCode::CannotOpen) << string;
-      EXPECT_THAT(outcome.err, Not(HasSubstr("Segreta1"))) << string;
-      EXPECT_THAT(outcome.out, IsEmpty());
-    }
-  }
-}
-
-TEST(CreaOnAServer, InstallsOnceAndIsFoundWhole) {
-  const std::string server = test::emptyServerDatabase();
-  if (server.empty()) {
-    GTEST_SKIP() << "AZCOLL_TEST_CONNESSIONE names no server to install on";
-  }
-  const Outcome first = azcoll("crea", "--connessione", server, "--esempio");
-  ASSERT_EQ(first.code, ExitCode::Ok) << first.err;
-  const Outcome second = azcoll("crea", "--connessione", server, "--esempio");
-  EXPECT_EQ(second.code, ExitCode::Usage) << second.err;
-  EXPECT_THAT(second.err, HasSubstr("contiene già"));
-  const Outcome diagnosis = azcoll("diagnosi", "--connessione", server);
-  EXPECT_EQ(diagnosis.code, ExitCode::Ok) << diagnosis.out << diagnosis.err;
-}
-
 }  // namespace
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

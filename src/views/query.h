@@ -1,14 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 
-#include "cli/rows.h"
 #include "data/connection.h"
+#include "views/rows.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 
 /// Rows of the first result of a statement; without a result no rows and no columns. Throws `Error`
 /// when the database refuses it.
@@ -29,4 +30,4 @@ using CompanyNames = std::map<std::int32_t, std::string>;
 /// Throws `std::runtime_error` with a message for people when the database has no such company.
 void requireCompany(std::int32_t company, const CompanyNames& names);
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

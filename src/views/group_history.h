@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "cli/group.h"
+#include "data/variant.h"
+#include "views/group.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 
 /// What became of a company in a group since the year before.
 enum class Change { None, Joined, Left, Altered };
@@ -33,4 +35,4 @@ using GroupHistory = std::vector<CompanyHistory>;
 /// The accounting type as it is shown: `0`, or `non indicato`, which counts as 0.
 [[nodiscard]] std::string accountingTypeText(const Variant& type);
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

@@ -1,16 +1,16 @@
-#include "cli/schema.h"
+#include "deployment/schema.h"
 
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
 #include <variant>
 
-#include "cli/scripts.h"
+#include "deployment/scripts.h"
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
 ColumnType typeOf(const tsql::TypeName& written) {
@@ -174,4 +174,4 @@ const Schema& expectedSchema() {
   return expected;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

@@ -1,11 +1,11 @@
-#include "cli/group_history.h"
+#include "views/group_history.h"
 
 #include <map>
 #include <utility>
 
-#include "cli/values.h"
+#include "views/value_text.h"
 
-namespace azcoll::cli {
+namespace azcoll::views {
 
 Change CompanyHistory::change(std::size_t year) const {
   if (year == 0) {
@@ -48,4 +48,4 @@ std::string accountingTypeText(const Variant& type) {
   return type.isNull() || type.isEmpty() ? "non indicato" : exchangeText(type);
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::views

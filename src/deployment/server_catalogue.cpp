@@ -1,19 +1,20 @@
-#include "cli/server_catalogue.h"
+#include "deployment/server_catalogue.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
-#include <iterator>
+#include <memory>
 #include <set>
 #include <utility>
 
-#include "cli/database.h"
-#include "cli/query.h"
 #include "data/error.h"
+#include "data/recordset.h"
 #include "data/text.h"
+#include "deployment/failure.h"
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 namespace {
 
 std::string asSqlText(std::string_view text) {
@@ -87,15 +88,39 @@ constexpr std::string_view kRight =
 
 // ---------------------------------------------------------------- the answers
 
+/// The rows of a question, at the first one; null when it gives none. Throws `Error` when the
+/// server refuses it.
+std::shared_ptr<Recordset> ask(Connection& connection, const std::string& question) {
+  std::int64_t affected = 0;
+  const std::shared_ptr<Recordset> rows =
+      connection.execute(question, affected, CommandOption::Text);
+  return rows && rows->isOpen() ? rows : nullptr;
+}
+
 /// Rows of a question, read by column name.
 class Answer {
  public:
-  Answer(Connection& connection, const std::string& question)
-      : rows_{query(connection, question)} {}
+  Answer(Connection& connection, const std::string& question) : rows_{ask(connection, question)} {}
 
-  [[nodiscard]] bool next() { return ++row_ < static_cast<std::ptrdiff_t>(rows_.rows.size()); }
-  [[nodiscard]] const Variant& value(std::string_view column) const {
-    return rows_.rows[static_cast<std::size_t>(row_)][columnIndex(rows_, column)];
+  /// Goes to the first row, then to the next; false behind the last one.
+  [[nodiscard]] bool next() {
+    if (!rows_) {
+      return false;
+    }
+    if (started_) {
+      rows_->moveNext();
+    }
+    started_ = true;
+    return !rows_->atEnd();
+  }
+  [[nodiscard]] Variant value(std::string_view column) const {
+    Fields& fields = rows_->fields();
+    for (std::size_t i = 0; i < fields.count(); ++i) {
+      if (sameName(fields.item(i).name(), column)) {
+        return fields.item(i).value();
+      }
+    }
+    throw Error(fmt::format("Il risultato non ha la colonna {}", column));
   }
   [[nodiscard]] std::string text(std::string_view column) const {
     return std::string{trim(join(value(column)))};
@@ -107,8 +132,8 @@ class Answer {
   }
 
  private:
-  Rows rows_;
-  std::ptrdiff_t row_ = -1;
+  std::shared_ptr<Recordset> rows_;
+  bool started_ = false;
 };
 
 std::string namesOf(const Schema& schema) {
@@ -212,13 +237,14 @@ std::string callOf(const SchemaRoutine& function, std::size_t arguments, std::st
 }
 
 void addFunctionColumns(Connection& connection, SchemaRoutine& function, std::size_t arguments) {
-  const Rows rows = query(connection, fmt::format(kFunction, callOf(function, arguments, "NULL")));
-  for (const std::string& column : rows.columns) {
-    function.columns.push_back({.name = column});
+  const std::shared_ptr<Recordset> rows =
+      ask(connection, fmt::format(kFunction, callOf(function, arguments, "NULL")));
+  for (std::size_t i = 0; rows && i < rows->fields().count(); ++i) {
+    function.columns.push_back({.name = rows->fields().item(i).name()});
   }
 }
 
-/// Whether the user can read from a function; not every server tells that as a right.
+/// Whether the user can read from a function; not every server reports that as a right.
 bool canRead(Connection& connection, const SchemaRoutine& function) {
   const SchemaRoutine* const expected = expectedSchema().routine(function.name);
   const std::size_t arguments =
@@ -226,7 +252,7 @@ bool canRead(Connection& connection, const SchemaRoutine& function) {
   std::vector<std::string> refused;
   return couldAsk(refused, function.name, [&] {
     // With Null a server may see that there is nothing to read; a 0 fits every type.
-    static_cast<void>(query(connection, fmt::format(kReading, callOf(function, arguments, "0"))));
+    static_cast<void>(ask(connection, fmt::format(kReading, callOf(function, arguments, "0"))));
   });
 }
 
@@ -333,7 +359,7 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
     const SchemaTable* const table = found.table(grant.object);
     const SchemaRoutine* const routine = found.routine(grant.object);
     if (table == nullptr && routine == nullptr) {
-      continue;  // what is not there is told by itself
+      continue;  // what is not there is a finding of its own
     }
     const std::string& owner = table != nullptr ? table->owner : routine->owner;
     question += question.empty() ? "" : " UNION ALL ";
@@ -362,4 +388,4 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
   return missing;
 }
 
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment

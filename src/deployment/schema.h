@@ -5,12 +5,12 @@
 #include <string_view>
 #include <vector>
 
-namespace azcoll::cli {
+namespace azcoll::deployment {
 
-/// A data type as a declaration or a catalogue tells it. `length` counts the characters of a text,
-/// -1 for MAX; of a decimal it is the number of its digits.
+/// A data type as a declaration or a catalogue reports it. `length` counts the characters of a
+/// text, -1 for MAX; of a decimal it is the number of its digits.
 struct ColumnType {
-  std::string name;  ///< upper case, "NUMERIC" told as "DECIMAL"
+  std::string name;  ///< upper case, "NUMERIC" reported as "DECIMAL"
   int length = 0;
   int scale = 0;
 
@@ -76,26 +76,4 @@ void addDefinitions(Schema& schema, std::string_view batch);
 /// The schema that the scripts carried in this program define.
 [[nodiscard]] const Schema& expectedSchema();
 
-/// One right that a role needs: `GRANT right ON owner.object`.
-struct Grant {
-  std::string right;  ///< upper case: SELECT, INSERT, UPDATE, DELETE, EXECUTE
-  std::string owner;
-  std::string object;
-
-  friend bool operator==(const Grant&, const Grant&) = default;
-};
-
-/// A role and its rights.
-struct RoleRights {
-  std::string role;
-  std::vector<Grant> grants;
-};
-
-/// Reads the lines `GRANT right[, …] ON owner.object TO role` of a script, which must all name the
-/// same role; other statements are passed over. Throws `Error` for a GRANT of another form.
-[[nodiscard]] RoleRights readGrants(std::string_view script);
-
-/// The role of `schema/permessi.sql`.
-[[nodiscard]] const RoleRights& expectedRights();
-
-}  // namespace azcoll::cli
+}  // namespace azcoll::deployment
