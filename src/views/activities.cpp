@@ -80,17 +80,16 @@ void fillActivities(ActivityView& view, const Rows& rows) {
 /// The sectional registers of two years with the activity row of each: the one that the register
 /// names, else the first one of the company and year, which only the regimes 0 and 1 have.
 Rows readRegisters(Connection& connection, const ActivityView& view) {
-  return query(
-      connection,
-      join("SELECT CG32_ANNO, CG32_SEZIONALE,"
-           " CASE WHEN CG32_IDATTIVITA_CG86 IS NOT NULL THEN CG32_IDATTIVITA_CG86"
-           " ELSE (SELECT TOP 1 A.CG86_IDATTIVITA FROM CG86_AZIENDECOLL AS A"
-           " LEFT OUTER JOIN CG25_ANADITTAGEST ON CG25_DITTA_CG18 = A.CG86_DITTACOLL_CG18"
-           " WHERE A.CG86_DITTACOLL_CG18 = CG32_DITTA_CG18 AND A.CG86_ANNOIVA = CG32_ANNO"
-           " AND CG25_FLGIVAQUATER IN (0, 1) AND A.CG86_INDTIPO = 0) END AS IDATTIVITA"
-           " FROM CG32_ANADITTAPSEZ WHERE CG32_DITTA_CG18 = ",
-           view.company, " AND CG32_ANNO IN (", view.current.year, ", ", view.previous.year,
-           ") ORDER BY CG32_ANNO, CG32_SEZIONALE"));
+  return query(connection,
+               join("SELECT CG32_ANNO, CG32_SEZIONALE,"
+                    " CASE WHEN CG32_IDATTIVITA_CG86 IS NOT NULL THEN CG32_IDATTIVITA_CG86"
+                    " ELSE (SELECT TOP 1 A.CG86_IDATTIVITA FROM CG86_AZIENDECOLL AS A"
+                    " LEFT OUTER JOIN CG25_ANADITTAGEST ON CG25_DITTA_CG18 = A.CG86_DITTACOLL_CG18"
+                    " WHERE A.CG86_DITTACOLL_CG18 = CG32_DITTA_CG18 AND A.CG86_ANNOIVA = CG32_ANNO"
+                    " AND CG25_FLGIVAQUATER IN (0, 1) AND A.CG86_INDTIPO = 0) END AS IDATTIVITA"
+                    " FROM CG32_ANADITTAPSEZ WHERE CG32_DITTA_CG18 = ",
+                    view.company, " AND CG32_ANNO IN (", view.current.year, ", ",
+                    view.previous.year, ") ORDER BY CG32_ANNO, CG32_SEZIONALE"));
 }
 
 void fillRegisters(ActivityView& view, const Rows& rows) {

@@ -13,7 +13,9 @@ namespace {
 
 /// Whether two names of columns differ in the letter case of ASCII letters at most.
 bool sameColumn(std::string_view left, std::string_view right) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+  const auto lower = [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  };
   return std::ranges::equal(left, right, {}, lower, lower);
 }
 

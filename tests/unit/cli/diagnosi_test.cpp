@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "cli/database.h"
+#include "cli/commands/database_options.h"
 #include "cli_test.h"
 #include "deployment/scripts.h"
 #include "tsql/parser.h"

@@ -1,6 +1,7 @@
+#include "cli/reports/diagnosis_report.h"
+
 #include <sstream>
 
-#include "cli/command_diagnosi.h"
 #include "cli_test.h"
 #include "deployment/diagnosis.h"
 

@@ -1,10 +1,10 @@
-#include "cli/group_drawing.h"
+#include "cli/reports/group_drawing.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
-#include "cli/drawing_file.h"
+#include "cli/reports/drawing_file.h"
 #include "group_fixture.h"
 
 namespace azcoll::cli {

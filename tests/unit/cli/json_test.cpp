@@ -1,4 +1,4 @@
-#include "cli/json.h"
+#include "cli/print/json.h"
 
 #include <limits>
 #include <nlohmann/json.hpp>
