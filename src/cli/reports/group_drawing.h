@@ -10,8 +10,9 @@
 namespace azcoll::cli {
 
 /// The groups as Graphviz DOT text, meant for the program `dot`: for every year the main company
-/// above boxes of its linked companies, one box for each accounting type, the companies in columns
-/// so that a large group keeps the shape of a page. Changes since the year before are marked.
+/// above frames of its linked companies, one frame for each accounting type and one node for each
+/// company, in columns so that a large group keeps the shape of a page. Changes since the year
+/// before are marked.
 [[nodiscard]] std::string groupsAsDot(const views::GroupView& view);
 
 /// `text` as text of an HTML-like label: nothing in it can be taken for markup, and characters that
