@@ -135,7 +135,7 @@ class Stop {
   Stop(std::span<const Script* const> scripts, std::size_t current)
       : scripts_{scripts}, current_{current} {}
 
-  /// `end` tells what became of the script.
+  /// `end` says what became of the script.
   [[noreturn]] void operator()(const Error& error, const std::string& message,
                                const std::string& end) const {
     const std::string text =

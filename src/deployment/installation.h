@@ -16,7 +16,7 @@ class AlreadyThere : public Error {
   using Error::Error;
 };
 
-/// The connection was lost on the way; the message tells what is installed and what is not.
+/// The connection was lost on the way; the message says what is installed and what is not.
 class InstallationCutShort : public Error {
  public:
   using Error::Error;

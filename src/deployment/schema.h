@@ -34,7 +34,7 @@ struct SchemaTable {
   std::string name;
   std::string owner{};  ///< the schema it lies in; empty where there is but one
   std::vector<SchemaColumn> columns{};
-  bool columnsKnown = true;                ///< else the database did not tell them
+  bool columnsKnown = true;                ///< else the database did not report them
   std::vector<std::string> definitions{};  ///< CREATE TABLE, then one CREATE INDEX for each index
 };
 
@@ -50,7 +50,7 @@ struct SchemaRoutine {
   std::string owner{};
   bool isFunction = false;
   std::vector<SchemaParameter> parameters{};
-  bool parametersKnown = true;          ///< else the database did not tell them
+  bool parametersKnown = true;          ///< else the database did not report them
   std::vector<SchemaColumn> columns{};  ///< of a function's rows
   bool columnsKnown = true;
   std::string definition{};

@@ -20,8 +20,8 @@ struct LimitedUser {
 };
 
 /// Adds to `diagnosis` how `found` differs from `expected`, each difference with the statement that
-/// fixes it. More columns, longer texts and wider decimals are no difference. `user` is empty when
-/// the one who asks sees everything.
+/// fixes it. More columns, longer texts and wider decimals are not a difference. `user` is empty
+/// when the one who asks sees everything.
 void compareSchemas(Diagnosis& diagnosis, const Schema& expected, const Schema& found,
                     Alteration alteration, const std::optional<LimitedUser>& user);
 

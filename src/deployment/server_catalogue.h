@@ -17,7 +17,7 @@ namespace azcoll::deployment {
 
 /// Asks something that the other checks can do without. When the server refuses it, or answers in
 /// another form, `unchecked` gets a sentence on `what`, and the answer is false. A connection that
-/// is lost is no refusal: its `Error` passes.
+/// is lost is not a refusal: its `Error` passes.
 bool couldAsk(std::vector<std::string>& unchecked, std::string_view what,
               const std::function<void()>& question);
 

@@ -34,7 +34,7 @@ std::string activityStatement(std::int32_t company, std::int32_t year) {
   return service.CPOutput->GstrSQL_AttivitaCollegate;
 }
 
-/// What tells two rows apart rather than what they say.
+/// Whether the column is a setting: not one of those that identify the row.
 bool isSetting(std::string_view column) {
   constexpr std::array<std::string_view, 6> others{"CG86_IDATTIVITA",     "CG86_INDTIPO",
                                                    "CG86_ANNOIVA",        "CG86_DITTA_CG18",

@@ -21,7 +21,7 @@ class TraceWriter {
   /// `connection` with everything that passes through it written down. The writer must outlive it.
   [[nodiscard]] std::shared_ptr<Connection> traced(std::shared_ptr<Connection> connection);
 
-  /// Writes nothing more: what follows is not the method's doing. Tells whether all was written.
+  /// Writes nothing more: what follows is not the method's doing. Returns whether all was written.
   [[nodiscard]] bool finish();
 
  private:

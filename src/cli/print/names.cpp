@@ -11,7 +11,7 @@
 namespace azcoll::cli {
 namespace {
 
-// Longer texts are no typing error of a name; the bound keeps the search short whatever is passed.
+// Longer texts are not a slip in a name; the bound keeps the search short whatever is passed.
 constexpr std::size_t kLongestTyped = 100;
 
 constexpr std::u32string_view kAccented = U"àáâäèéêëìíîïòóôöùúûü";

@@ -23,7 +23,7 @@ class UnfinishedFile {
 
   [[nodiscard]] std::string path() const { return path_.string(); }
 
-  /// Gives the finished file its name, unless another one has it. Tells what went wrong;
+  /// Gives the finished file its name, unless another one has it. Returns what went wrong;
   /// `file_exists` for a name that is taken.
   [[nodiscard]] std::error_code publishNew() const;
 

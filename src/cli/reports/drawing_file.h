@@ -15,7 +15,7 @@ inline constexpr std::chrono::seconds kDrawingTime{60};
 void writeSvg(const std::string& dot, const std::string& file,
               std::chrono::milliseconds longest = kDrawingTime);
 
-/// Throws `UsageError` for a name that is no SVG file's.
+/// Throws `UsageError` for a name that does not end in .svg.
 void requireSvgName(const std::string& file);
 
 }  // namespace azcoll::cli

@@ -138,7 +138,7 @@ std::string changeText(const CompanyHistory& history, std::size_t year) {
   return {};
 }
 
-/// A group that comes or goes is one difference; else those of its companies. Tells whether there
+/// A group that comes or goes is one difference; else those of its companies. Returns whether there
 /// were any.
 bool printGroupDifferences(std::ostream& out, const GroupView& view, const GroupHistory& group,
                            std::size_t year) {

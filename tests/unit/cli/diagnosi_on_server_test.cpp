@@ -72,8 +72,8 @@ TEST_F(DiagnosisOfAServersDatabase, TellsEachThingThatIsMissingAndMendsItWithWha
     }
     run(remedy);
   }
-  const Outcome mended = diagnosed();
-  EXPECT_EQ(mended.code, ExitCode::Ok) << mended.out;
+  const Outcome fixed = diagnosed();
+  EXPECT_EQ(fixed.code, ExitCode::Ok) << fixed.out;
 }
 
 TEST_F(DiagnosisOfAServersDatabase, SendsTheOwnerOfAnEmptyDatabaseToCrea) {

@@ -377,7 +377,7 @@ TEST_F(DiagnosisOnAServer, PassesOnThatTheListOfObjectsIsRefused) {
 TEST_F(DiagnosisOnAServer, ReportsWhatTheServerDoesNotSayAndChecksTheRest) {
   struct Refused {
     const char* question;
-    const char* told;
+    const char* reported;
   };
   std::erase_if(there.tables, [](const SchemaTable& each) { return each.name == "MG17_AGENTI"; });
   for (const Refused& refused :
@@ -390,9 +390,9 @@ TEST_F(DiagnosisOnAServer, ReportsWhatTheServerDoesNotSayAndChecksTheRest) {
     diagnosed();
     server->fail(refused.question, Failure::Provider, "relation does not exist");
     const Diagnosis diagnosis = diagnose(*server);
-    EXPECT_THAT(
-        diagnosis.unchecked,
-        ElementsAre(std::string{refused.told} + ": Errore 50000 (HY000): relation does not exist"));
+    EXPECT_THAT(diagnosis.unchecked,
+                ElementsAre(std::string{refused.reported} +
+                            ": Errore 50000 (HY000): relation does not exist"));
     EXPECT_THAT(only(diagnosis).message, StartsWith("Manca la tabella MG17_AGENTI"));
   }
 }
