@@ -6,23 +6,25 @@
 #include <algorithm>
 #include <exception>
 #include <fmt/format.h>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string_view>
 #include <tuple>
 #include <unistd.h>
+#include <utility>
 
-#include "cli/command_attivita.h"
-#include "cli/command_campi.h"
-#include "cli/command_crea.h"
-#include "cli/command_diagnosi.h"
-#include "cli/command_esegui.h"
-#include "cli/command_gruppo.h"
-#include "cli/command_metodi.h"
-#include "cli/command_sql.h"
+#include "cli/commands/attivita.h"
+#include "cli/commands/campi.h"
+#include "cli/commands/crea.h"
+#include "cli/commands/diagnosi.h"
+#include "cli/commands/esegui.h"
+#include "cli/commands/failure_advice.h"
+#include "cli/commands/gruppo.h"
+#include "cli/commands/metodi.h"
+#include "cli/commands/sql.h"
 #include "cli/console.h"
-#include "cli/database.h"
-#include "cli/names.h"
+#include "cli/print/names.h"
 #include "data/error.h"
 
 namespace azcoll::cli {
@@ -51,6 +53,7 @@ class CommandLine {
   CLI::App app_{
       "Aziende collegate: crea il database, chiama i metodi del servizio, interroga i dati"};
   Commands commands_;
+  std::function<ExitCode(Console&)> work_;  ///< of the command that was parsed
 };
 
 /// Puts the help option, which the library makes by itself, into Italian words.
@@ -80,6 +83,10 @@ CommandLine::CommandLine() {
     CLI::App* added = command.setup(app_);
     added->group("Comandi");
     localize(*added);
+    // It is not run yet: unknown words are refused first.
+    added->callback([this, &command] {
+      work_ = [&command](Console& console) { return command.run(console); };
+    });
   };
   std::apply([&add](auto&... command) { (add(command), ...); }, commands_);
 }
@@ -169,16 +176,7 @@ ExitCode CommandLine::run(const std::vector<std::string>& args, Console& console
     throw UsageError(inItalian(error));
   }
   refuseUnknown();
-  ExitCode code = ExitCode::Usage;
-  const std::string name = chosen().get_name();
-  std::apply(
-      [&](const auto&... command) {
-        std::size_t index = 0;
-        const std::vector<std::string> names = commandNames(app_);
-        ((names[index++] == name ? static_cast<void>(code = command.run(console)) : void()), ...);
-      },
-      commands_);
-  return code;
+  return work_(console);
 }
 
 ExitCode guarded(const std::vector<std::string>& args, Console& console) {

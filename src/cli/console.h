@@ -5,7 +5,7 @@
 
 namespace azcoll::cli {
 
-/// What the process tells its caller when it ends.
+/// What the process reports to its caller when it ends.
 enum class ExitCode : int {
   Ok = 0,          ///< done; for a method call, `Stato` 0
   Failed = 1,      ///< another `Stato`, or a statement that the database refused

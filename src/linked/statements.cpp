@@ -7,11 +7,9 @@
 namespace azcoll::linked {
 namespace {
 
-/// The links of the year. A row of a company with itself is no link.
+/// The links of the year.
 std::string links(const CompanyOfYear& of) {
-  return join(" WHERE CG86_INDTIPO = 0",                      //
-              " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18",  //
-              " AND CG86_ANNOIVA = ", of.year);
+  return join(kLinksOnly, " AND CG86_ANNOIVA = ", of.year);
 }
 
 /// The main companies of a linked company.

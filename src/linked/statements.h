@@ -1,12 +1,18 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "data/variant.h"
 
 /// The companies of a group as SQL text: one row a company, its code in `DITTA`, and the accounting
 /// type of its link. Every text is complete and stands on its own.
 namespace azcoll::linked {
+
+/// What makes a row a link: a row of a company with itself is none.
+inline constexpr std::string_view kLinksOnly =
+    " WHERE CG86_INDTIPO = 0"
+    " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18";
 
 /// The company and the VAT year that a statement asks about; both are written as they stand.
 struct CompanyOfYear {

@@ -1,6 +1,6 @@
-#include "cli/call_report.h"
+#include "cli/reports/call_report.h"
 
-#include "cli/database.h"
+#include "cli/commands/database_options.h"
 #include "cli_test.h"
 
 namespace azcoll::cli {

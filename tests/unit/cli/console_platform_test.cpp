@@ -1,4 +1,4 @@
-#include "cli/console_platform.h"
+#include "cli/commands/console_platform.h"
 
 #include <sstream>
 

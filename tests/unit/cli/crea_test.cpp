@@ -1,16 +1,11 @@
-#include "cli/database.h"
-#include "cli/installation.h"
-#include "cli/scripts.h"
 #include "cli_test.h"
 
 namespace azcoll::cli {
 namespace {
 
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::ThrowsMessage;
 
 class Crea : public FolderTest {};
 
@@ -73,48 +68,6 @@ TEST_F(Crea, RefusesADatabaseInMemory) {
   const Outcome outcome = azcoll("crea", "--db", ":memory:");
   EXPECT_EQ(outcome.code, ExitCode::Usage);
   EXPECT_THAT(outcome.err, HasSubstr("in memoria"));
-}
-
-TEST_F(Crea, CarriesTheScriptsOfTheSchemaFolder) {
-  const std::string folder = std::string{AZCOLL_SOURCE_DIR} + "/schema/";
-  for (const Script& script : {kTabelle, kProcedure, kEsempio, kPermessi}) {
-    EXPECT_EQ(script.text, contents(folder + std::string{script.name})) << script.name;
-    EXPECT_THAT(std::string{script.text}, testing::Not(IsEmpty()));
-  }
-}
-
-class RunScript : public testing::Test {
- protected:
-  void run(std::string_view text) { runScript(*connection_, {"prova.sql", text}); }
-
-  std::shared_ptr<Connection> connection_ = openConnection(embeddedConnectionString(":memory:"));
-};
-
-TEST_F(RunScript, RunsEveryBatch) {
-  run("CREATE TABLE T (A INT NOT NULL)\nGO\nINSERT INTO T (A) VALUES (1)\ngo\n");
-  std::int64_t affected = 0;
-  const auto rows = connection_->execute("SELECT A FROM T", affected, CommandOption::Text);
-  EXPECT_EQ(rows->recordCount(), 1);
-}
-
-TEST_F(RunScript, NamesScriptLineAndStatementOfASyntaxError) {
-  EXPECT_THAT([&] { run("CREATE TABLE T (A INT NOT NULL)\nGO\n\nINSERT INTO T (A)\nVALUS (1)\n"); },
-              ThrowsMessage<Error>(AllOf(HasSubstr("prova.sql, riga 5: "), HasSubstr("Errore 102"),
-                                         HasSubstr("INSERT INTO T (A) VALUS (1)"))));
-}
-
-TEST_F(RunScript, NamesScriptLineAndStatementOfARefusedStatement) {
-  EXPECT_THAT(
-      [&] { run("CREATE TABLE T (A INT NOT NULL)\nGO\n\nINSERT INTO T (A)\nVALUES (NULL)\n"); },
-      ThrowsMessage<Error>(AllOf(HasSubstr("prova.sql, riga 4: "), HasSubstr("Errore 515"),
-                                 HasSubstr("INSERT INTO T (A) VALUES (NULL)"))));
-}
-
-TEST_F(RunScript, ShortensALongStatement) {
-  const std::string text = "SELECT '" + std::string(500, 'x') + "' FROM NESSUNA";
-  EXPECT_THAT([&] { run(text); },
-              ThrowsMessage<Error>(AllOf(HasSubstr("Errore 208"), HasSubstr("xxx…"),
-                                         testing::Not(HasSubstr(std::string(300, 'x'))))));
 }
 
 }  // namespace

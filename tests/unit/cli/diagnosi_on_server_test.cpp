@@ -1,6 +1,7 @@
 // `azcoll diagnosi` and `azcoll crea --permessi` on a real server.
 
-#include "cli/schema.h"
+#include "deployment/rights.h"
+#include "deployment/schema.h"
 #include "server_test.h"
 
 namespace azcoll::cli {
@@ -34,8 +35,8 @@ TEST_F(DiagnosisOfAServersDatabase, TellsEachThingThatIsMissingAndMendsItWithWha
   installSchema();
   const Outcome whole = diagnosed();
   EXPECT_EQ(whole.code, ExitCode::Ok) << whole.out << whole.err;
-  EXPECT_EQ(whole.json()["trovati"]["tabelle"], expectedSchema().tables.size());
-  EXPECT_EQ(whole.json()["trovati"]["diritti"], expectedRights().grants.size());
+  EXPECT_EQ(whole.json()["trovati"]["tabelle"], deployment::expectedSchema().tables.size());
+  EXPECT_EQ(whole.json()["trovati"]["diritti"], deployment::expectedRights().grants.size());
   EXPECT_EQ(whole.json()["note"], nlohmann::json::array());
 
   // An older schema: a column less, a shorter text, a function of three columns, a procedure
@@ -71,8 +72,8 @@ TEST_F(DiagnosisOfAServersDatabase, TellsEachThingThatIsMissingAndMendsItWithWha
     }
     run(remedy);
   }
-  const Outcome mended = diagnosed();
-  EXPECT_EQ(mended.code, ExitCode::Ok) << mended.out;
+  const Outcome fixed = diagnosed();
+  EXPECT_EQ(fixed.code, ExitCode::Ok) << fixed.out;
 }
 
 TEST_F(DiagnosisOfAServersDatabase, SendsTheOwnerOfAnEmptyDatabaseToCrea) {
@@ -116,7 +117,7 @@ TEST_F(DiagnosisOfAServersDatabase, TellsAUserWithoutRightsHowToGetThemAndFindsT
   }
   const Outcome member = asUser();
   EXPECT_EQ(member.code, ExitCode::Ok) << member.out << member.err;
-  EXPECT_EQ(member.json()["trovati"]["diritti"], expectedRights().grants.size());
+  EXPECT_EQ(member.json()["trovati"]["diritti"], deployment::expectedRights().grants.size());
 
   run("REVOKE UPDATE ON dbo.CG44_CLIFOR FROM azcoll_servizio");
   const Outcome less = asUser();

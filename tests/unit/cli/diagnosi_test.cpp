@@ -1,15 +1,10 @@
-// `azcoll diagnosi`: what a database lacks, and what mends it.
+// `azcoll diagnosi` on the embedded engine: what a database lacks, and what fixes it.
 
-#include <algorithm>
 #include <functional>
 
-#include "cli/command_diagnosi.h"
-#include "cli/database.h"
-#include "cli/diagnosis.h"
-#include "cli/schema.h"
-#include "cli/scripts.h"
+#include "cli/commands/database_options.h"
 #include "cli_test.h"
-#include "data/error.h"
+#include "deployment/scripts.h"
 #include "tsql/parser.h"
 
 namespace azcoll::cli {
@@ -20,56 +15,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
-using ::testing::ThrowsMessage;
-
-// ---------------------------------------------------------------- the scripts
-
-TEST(ExpectedSchema, HoldsWhatTheScriptsDefine) {
-  const Schema& schema = expectedSchema();
-  const SchemaTable* const links = schema.table("cg86_aziendecoll");
-  ASSERT_NE(links, nullptr);
-  EXPECT_TRUE(links->columns.front().identity);
-  EXPECT_THAT(links->definitions, SizeIs(6));  // with its five indexes
-  EXPECT_THAT(links->definitions.back(),
-              StartsWith("CREATE INDEX IX_CG86_DITTACOLL ON CG86_AZIENDECOLL"));
-  const SchemaRoutine* const procedure = schema.routine("PC_GetDitteCollegate");
-  ASSERT_NE(procedure, nullptr);
-  ASSERT_THAT(procedure->parameters, SizeIs(9));
-  EXPECT_EQ(procedure->parameters.back().type.text(), "VARCHAR(8000)");
-  EXPECT_TRUE(procedure->parameters.back().output);
-  EXPECT_THAT(procedure->definition,
-              AllOf(StartsWith("CREATE PROCEDURE"), ::testing::EndsWith("END")));
-  const SchemaRoutine* const function = schema.routine("FNCG28_TABCODIVA");
-  ASSERT_NE(function, nullptr);
-  EXPECT_THAT(function->columns, SizeIs(4));
-}
-
-TEST(ExpectedSchema, EndsADefinitionBeforeTheCommentsOfTheNextOne) {
-  for (const SchemaTable& table : expectedSchema().tables) {
-    EXPECT_THAT(table.definitions.front(), ::testing::EndsWith(")")) << table.name;
-  }
-}
-
-TEST(ExpectedRights, AreReadFromTheScript) {
-  const RoleRights& rights = expectedRights();
-  EXPECT_EQ(rights.role, "azcoll_servizio");
-  const Grant update{"UPDATE", "dbo", "CG44_CLIFOR"};
-  EXPECT_NE(std::ranges::find(rights.grants, update), rights.grants.end());
-  const Grant call{"EXECUTE", "dbo", "PC_GetDitteCollegate"};
-  EXPECT_NE(std::ranges::find(rights.grants, call), rights.grants.end());
-}
-
-TEST(ExpectedRights, AreNotGuessedFromAnotherForm) {
-  for (const char* script :
-       {"GRANT SELECT TO R", "GRANT SELECT ON T TO R", "GRANT SELECT (A) ON dbo.T TO R",
-        "GRANT SELECT ON dbo.T TO R GRANT SELECT ON dbo.U TO S", "GRANT", "GRANT SELECT,"}) {
-    EXPECT_THAT([&] { static_cast<void>(readGrants(script)); },
-                ThrowsMessage<Error>(HasSubstr("GRANT in una forma non prevista")))
-        << script;
-  }
-}
-
-// ---------------------------------------------------------------- embedded engine
 
 class Diagnosi : public DatabaseTest {
  protected:
@@ -78,7 +23,7 @@ class Diagnosi : public DatabaseTest {
     std::filesystem::remove(db_);
     const std::shared_ptr<Connection> connection =
         openConnection(embeddedConnectionString(db_) + ";Create=True");
-    for (const Script& script : {kTabelle, kProcedure}) {
+    for (const deployment::Script& script : {deployment::kTabelle, deployment::kProcedure}) {
       for (const tsql::ScriptBatch& batch : tsql::splitScript(script.text)) {
         std::string text = batch.text;
         change(text);
@@ -116,7 +61,7 @@ TEST_F(Diagnosi, ChangesNothing) {
   EXPECT_TRUE(contents(db_) == before);
 }
 
-TEST_F(Diagnosi, TellsAMissingTableWithItsDefinitionThatMendsIt) {
+TEST_F(Diagnosi, ReportsAMissingTableWithItsDefinitionThatFixesIt) {
   azcoll("sql", "--db", db_, "DROP TABLE CG38_PARCOGE");
   const Outcome outcome = diagnosi();
   EXPECT_EQ(outcome.code, ExitCode::Failed);
@@ -129,7 +74,7 @@ TEST_F(Diagnosi, TellsAMissingTableWithItsDefinitionThatMendsIt) {
   EXPECT_EQ(diagnosi().code, ExitCode::Ok);
 }
 
-TEST_F(Diagnosi, TellsAMissingColumn) {
+TEST_F(Diagnosi, ReportsAMissingColumn) {
   makeWith("    CG38_GGCALACCIVA SMALLINT NULL,\n", "");
   const Outcome outcome = diagnosi();
   EXPECT_EQ(outcome.code, ExitCode::Failed);
@@ -139,7 +84,7 @@ TEST_F(Diagnosi, TellsAMissingColumn) {
                     HasSubstr("azcoll crea --db NUOVO")));
 }
 
-TEST_F(Diagnosi, TellsATypeThatHoldsLess) {
+TEST_F(Diagnosi, ReportsATypeThatHoldsLess) {
   for (const auto& [changed, told] : std::vector<std::pair<std::string, std::string>>{
            {"NVARCHAR(79)",
             "La colonna CG16_RAGSOANAG di CG16_ANAGGEN è NVARCHAR(79), serve "
@@ -162,7 +107,7 @@ TEST_F(Diagnosi, AcceptsMoreThanTheScriptsAskFor) {
   EXPECT_EQ(diagnosi().code, ExitCode::Ok);
 }
 
-TEST_F(Diagnosi, TellsAColumnThatRefusesWhatTheServiceWrites) {
+TEST_F(Diagnosi, ReportsAColumnThatRefusesWhatTheServiceWrites) {
   makeWith("CG86_CODATTIVITA INT NULL", "CG86_CODATTIVITA INT NOT NULL");
   EXPECT_THAT(diagnosi().out, HasSubstr("CG86_CODATTIVITA di CG86_AZIENDECOLL non ammette NULL"));
   makeWith(" CONSTRAINT DF_CG86_INDCOMLETTINT DEFAULT (0)", "");
@@ -172,7 +117,7 @@ TEST_F(Diagnosi, TellsAColumnThatRefusesWhatTheServiceWrites) {
   EXPECT_THAT(diagnosi().out, HasSubstr("non si numera da sé"));
 }
 
-TEST_F(Diagnosi, TellsAParameterThatTheProcedureLacksWithWhatMendsIt) {
+TEST_F(Diagnosi, ReportsAParameterThatTheProcedureLacksWithWhatFixesIt) {
   makeWith("    @CodSede INT = NULL,\n    @DitteCollegate VARCHAR(8000) = NULL OUTPUT\nAS\nBEGIN\n",
            "    @DitteCollegate VARCHAR(100) = NULL OUTPUT\nAS\nBEGIN\n    DECLARE @CodSede INT\n");
   const nlohmann::ordered_json found = azcoll("diagnosi", "--db", db_, "--json").json();
@@ -187,7 +132,7 @@ TEST_F(Diagnosi, TellsAParameterThatTheProcedureLacksWithWhatMendsIt) {
   EXPECT_EQ(diagnosi().code, ExitCode::Ok);
 }
 
-TEST_F(Diagnosi, TellsAMissingProcedureAndAFunctionWithoutAColumn) {
+TEST_F(Diagnosi, ReportsAMissingProcedureAndAFunctionWithoutAColumn) {
   makeWith("SELECT CG28_DITTA_CG18, CG28_CODICE, CG28_DESCR, CG28_PERCIVA",
            "SELECT CG28_DITTA_CG18, CG28_CODICE, CG28_DESCR");
   azcoll("sql", "--db", db_, "DROP PROCEDURE PC_GetDitteCollegate");
@@ -198,7 +143,7 @@ TEST_F(Diagnosi, TellsAMissingProcedureAndAFunctionWithoutAColumn) {
                               "CG28_PERCIVA.")));
 }
 
-TEST_F(Diagnosi, TellsADatabaseThatCannotBeWritten) {
+TEST_F(Diagnosi, ReportsADatabaseThatCannotBeWritten) {
   const Outcome outcome =
       azcoll("diagnosi", "--connessione", "Provider=embedded;Read Only=True;Data Source=" + db_);
   EXPECT_EQ(outcome.code, ExitCode::Failed);

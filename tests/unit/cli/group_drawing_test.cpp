@@ -1,10 +1,10 @@
-#include "cli/group_drawing.h"
+#include "cli/reports/group_drawing.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
-#include "cli/drawing_file.h"
+#include "cli/reports/drawing_file.h"
 #include "group_fixture.h"
 
 namespace azcoll::cli {
@@ -50,27 +50,31 @@ class Disegno : public GroupTest {
     EXPECT_EQ(outcome.code, ExitCode::Ok) << outcome.err;
     EXPECT_THAT(outcome.err, IsEmpty());
     EXPECT_THAT(outcome.out, AllOf(StartsWith("digraph gruppo {\n"), EndsWith("}\n")));
-    EXPECT_EQ(count(outcome.out, "<TABLE"), count(outcome.out, "</TABLE>"));
-    EXPECT_EQ(count(outcome.out, "<TR>"), count(outcome.out, "</TR>"));
-    EXPECT_EQ(count(outcome.out, "<TD"), count(outcome.out, "</TD>"));
+    EXPECT_EQ(count(outcome.out, "<B>"), count(outcome.out, "</B>"));
+    EXPECT_EQ(count(outcome.out, "<FONT"), count(outcome.out, "</FONT>"));
+    EXPECT_EQ(count(outcome.out, "{"), count(outcome.out, "}"));
     return outcome.out;
   }
 };
 
-TEST_F(Disegno, HasTheMainCompanyAndABoxForEachAccountingType) {
+TEST_F(Disegno, HasTheMainCompanyAndAFrameForEachAccountingType) {
   const std::string text = dot(10, "--anno", "2025");
-  EXPECT_THAT(text, AllOf(HasSubstr("<B>10</B>&#160;Alfa Società per Azioni"),
-                          HasSubstr("azienda principale, tipo contabile 0"),
-                          HasSubstr("<B>Tipo contabile 0: 2 aziende</B>"),
-                          HasSubstr("<B>Tipo contabile 2: 1 azienda</B>"),
-                          HasSubstr("p2025_10 -> c2025_10:b0:n [style=solid"),
-                          HasSubstr("p2025_10 -> c2025_10:b1:n [style=solid"), Not(HasSubstr("b2")),
-                          Not(HasSubstr("cluster"))));
+  EXPECT_THAT(
+      text, AllOf(HasSubstr("<B>10</B>&#160;Alfa Società per Azioni"),
+                  HasSubstr("azienda principale, tipo contabile 0"),
+                  HasSubstr("<B>Tipo contabile 0: 2 aziende</B>"),
+                  HasSubstr("<B>Tipo contabile 2: 1 azienda</B>"),
+                  HasSubstr("p2025_10 -> c2025_10_0_5 [lhead=cluster_2025_10_0, "
+                            "style=solid"),
+                  HasSubstr("p2025_10 -> c2025_10_1_12 [lhead=cluster_2025_10_1, "
+                            "style=solid"),
+                  Not(HasSubstr("cluster_2025_10_2")), Not(HasSubstr("subgraph cluster_2025 {"))));
 }
 
 TEST_F(Disegno, DashesWhatIsNotCopied) {
   EXPECT_THAT(dot(31, "--anno", "2024"), AllOf(HasSubstr("clienti e fornitori non copiati"),
-                                               HasSubstr(":b0:n [style=dashed")));
+                                               HasSubstr("lhead=cluster_2024_30_0, style=dashed"),
+                                               HasSubstr("style=\"filled,dashed\"")));
 }
 
 TEST_F(Disegno, NamesEveryCompanyOnce) {
@@ -90,9 +94,11 @@ TEST_F(Disegno, NamesEveryCompanyOnce) {
 TEST_F(Disegno, ALargeGroupStandsInSeveralColumns) {
   makeGroup(300);
   const std::string text = dot(1000, "--anno", "2024");
-  const std::size_t rows = count(text, "<TR>");
-  EXPECT_GT(rows, 15U);
-  EXPECT_LT(rows, 60U);
+  const std::size_t columns = count(text, "p2024_1000 -> ");
+  EXPECT_GT(columns, 6U);
+  EXPECT_LT(columns, 20U);
+  EXPECT_EQ(count(text, " -> c2024_1000_"), 300U);  // below the main company or another one
+  EXPECT_EQ(count(text, "lhead="), 2U);
 }
 
 TEST_F(Disegno, FramesTheYearsAndMarksTheChanges) {
@@ -100,11 +106,13 @@ TEST_F(Disegno, FramesTheYearsAndMarksTheChanges) {
       " AND CG86_DITTACOLL_CG18 = 15\n" +
       insertLink(2025, "0", 10, 20));
   const std::string text = dot(10, "--anni", "2023-2026");
-  EXPECT_EQ(count(text, "subgraph cluster_"), 4U);
+  for (const char* year : {"2023", "2024", "2025", "2026"}) {
+    EXPECT_EQ(count(text, std::string{"subgraph cluster_"} + year + " {"), 1U);
+  }
   EXPECT_THAT(text, AllOf(HasSubstr("nessuna azienda collegata"), HasSubstr("+ gruppo nuovo"),
                           HasSubstr("~ era di tipo 0"), HasSubstr("+ entra"),
                           HasSubstr("<B>Uscite dal gruppo: 1 azienda</B>"), HasSubstr("- esce"),
-                          HasSubstr("<B>non c'è più</B>")));
+                          HasSubstr("- il gruppo non c'è più")));
   EXPECT_EQ(count(text, "+ entra"), 1U);
   EXPECT_EQ(count(text, "- esce"), 1U);
 }

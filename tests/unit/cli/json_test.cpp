@@ -1,4 +1,4 @@
-#include "cli/json.h"
+#include "cli/print/json.h"
 
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -7,6 +7,8 @@
 
 namespace azcoll::cli {
 namespace {
+
+using views::Rows;
 
 std::string text(const Variant& value) { return dump(toJson(value)); }
 

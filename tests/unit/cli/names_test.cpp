@@ -1,4 +1,4 @@
-#include "cli/names.h"
+#include "cli/print/names.h"
 
 #include <array>
 

@@ -1,9 +1,9 @@
-#include "cli/trace.h"
+#include "cli/commands/trace.h"
 
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/json.h"
+#include "cli/print/json.h"
 #include "cli_test.h"
 
 namespace azcoll::cli {
