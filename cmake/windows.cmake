@@ -61,7 +61,7 @@ if(BUILD_TESTING AND AZCOLL_SQLITE_SOURCE)
   add_library(SQLite::SQLite3 ALIAS sqlite3)
   azcoll_room(tsql)
   azcoll_room(cursor DEPENDS data)
-  azcoll_room(embedded DEPENDS data cursor tsql LIBRARIES SQLite::SQLite3)
+  azcoll_room(embedded SUBROOMS DEPENDS data cursor tsql LIBRARIES SQLite::SQLite3)
   # What only the tests use is compiled for their sake.
   foreach(room IN ITEMS tsql cursor embedded)
     target_compile_options(azcoll_${room} PRIVATE -O1)

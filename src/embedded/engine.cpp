@@ -4,10 +4,14 @@
 #include <utility>
 
 #include "data/text.h"
-#include "embedded/batch_runner.h"
-#include "embedded/catalogue_store.h"
-#include "embedded/collation.h"
-#include "embedded/sql_error.h"
+#include "embedded/catalogue/store.h"
+#include "embedded/plan/guards.h"
+#include "embedded/plan/slots.h"
+#include "embedded/run/batch_runner.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/value.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {

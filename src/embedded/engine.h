@@ -11,13 +11,15 @@
 #include <vector>
 
 #include "cursor/result_set.h"
-#include "embedded/catalogue.h"
-#include "embedded/compiler.h"
+#include "embedded/catalogue/catalogue.h"
+#include "embedded/compile/compiler.h"
 #include "embedded/connection_string.h"
-#include "embedded/functions.h"
-#include "embedded/plan.h"
-#include "embedded/plan_cache.h"
-#include "embedded/sqlite_handle.h"
+#include "embedded/functions/functions.h"
+#include "embedded/plan/plan.h"
+#include "embedded/plan/plan_cache.h"
+#include "embedded/sqlite/handle.h"
+#include "embedded/values/sql_error.h"
+#include "tsql/parser.h"
 
 namespace azcoll::embedded {
 

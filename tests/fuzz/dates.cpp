@@ -10,7 +10,7 @@
 #include "data/date.h"
 #include "data/error.h"
 #include "data/text.h"
-#include "embedded/date_values.h"
+#include "embedded/values/date_values.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
 

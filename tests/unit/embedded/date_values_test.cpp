@@ -1,4 +1,4 @@
-#include "embedded/date_values.h"
+#include "embedded/values/date_values.h"
 
 #include <cstdint>
 #include <limits>

@@ -1,0 +1,125 @@
+#include <algorithm>
+
+#include "embedded/bind/ast_walk.h"
+#include "embedded/bind/binder.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+std::string inType(const std::string& sql, const Type& type) {
+  return "ts_integer(" + sql + "," + std::to_string(encodeType(type)) + ")";
+}
+
+/// While it lives, columns are arguments of an aggregate: they need not be keys of the groups.
+class InsideAggregate {
+ public:
+  explicit InsideAggregate(const Scope& scope)
+      : scope_(scope), active_(scope.grouping.active), allowed_(scope.aggregatesAllowed) {
+    scope.grouping.active = false;
+    scope.aggregatesAllowed = false;
+  }
+  InsideAggregate(const InsideAggregate&) = delete;
+  InsideAggregate(InsideAggregate&&) = delete;
+  InsideAggregate& operator=(const InsideAggregate&) = delete;
+  InsideAggregate& operator=(InsideAggregate&&) = delete;
+  ~InsideAggregate() {
+    scope_.grouping.active = active_;
+    scope_.aggregatesAllowed = allowed_;
+  }
+
+ private:
+  const Scope& scope_;
+  bool active_;
+  bool allowed_;
+};
+
+}  // namespace
+
+/// The argument. Over columns of an outer query alone, the aggregate would be one of that query.
+BoundExpression Binder::bindAggregated(const tsql::Expression& argument,
+                                       const tsql::Position& position, const Scope& scope) {
+  const std::uint64_t before = emission_.touchedLevels;
+  emission_.touchedLevels = 0;
+  BoundExpression operand = bind(argument, scope);
+  const std::uint64_t own = levelBit(scope.level);
+  const bool outer = (emission_.touchedLevels & ~own) != 0;
+  if (outer && (emission_.touchedLevels & own) != 0) {
+    throw SqlError(8124,
+                   "Multiple columns are specified in an aggregated expression containing an outer "
+                   "reference. If an expression being aggregated contains an outer reference, then "
+                   "that outer reference must be the only column referenced in the expression.");
+  }
+  if (outer) {
+    refuse(context_.text, position, "an aggregate of an outer query inside a subquery");
+  }
+  emission_.touchedLevels |= before;
+  return operand;
+}
+
+BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
+                                      const tsql::Position& position, const Scope& scope) {
+  requireArguments(call, 1, 1);
+  const tsql::Expression& argument = *call.arguments.front();
+  if (containsAggregate(argument)) {
+    throw SqlError(130,
+                   "Cannot perform an aggregate function on an expression containing an "
+                   "aggregate or a subquery.");
+  }
+  if (!scope.aggregatesAllowed) {
+    throw SqlError(147,
+                   "An aggregate may not appear in the WHERE clause unless it is in a "
+                   "subquery contained in a HAVING clause or a select list, and the column "
+                   "being aggregated is an outer reference.");
+  }
+  const std::string name = upperText(call.name.parts.front());
+  const bool counts = name == "COUNT" || name == "COUNT_BIG";
+  const Type countType = name == "COUNT" ? kInt : kBigInt;
+  const InsideAggregate inside(scope);
+  const auto* const literal = std::get_if<tsql::Literal>(&argument.node);
+  const bool constant = literal != nullptr && literal->kind != tsql::LiteralKind::Null;
+  if (counts && !call.distinct && (constant || std::holds_alternative<tsql::Star>(argument.node))) {
+    return computed("count(*)", countType);
+  }
+  BoundExpression operand = bindAggregated(argument, position, scope);
+  std::string sql = natural(operand);
+  if (operand.type.isText() && !operand.isColumn) {
+    sql += std::string(kCollateClause);
+  }
+  const std::string list = (call.distinct ? "(DISTINCT " : "(") + sql + ")";
+  const Type& type = operand.type;
+  if (counts) {
+    return computed("count" + list, countType);
+  }
+  if (name == "MIN" || name == "MAX") {
+    if (type.kind == TypeKind::Bit) {
+      throw SqlError(8117, "Operand data type bit is invalid for " + foldText(name) + " operator.");
+    }
+    return computed((name == "MIN" ? "min" : "max") + list, type);
+  }
+  if (!type.isNumber() || type.kind == TypeKind::Bit) {
+    throw SqlError(8117, "Operand data type " + std::string(typeName(type)) + " is invalid for " +
+                             (name == "SUM" ? "sum" : "avg") + " operator.");
+  }
+  // Small integers are summed as INT.
+  const Type sumType = type.kind == TypeKind::BigInt ? kBigInt : kInt;
+  if (name == "SUM") {
+    if (type.isDecimal()) {
+      return computed("ts_sum_decimal" + list, decimalType(38, type.scale));
+    }
+    return type.isFloat() ? computed("ts_float(sum" + list + ")", kFloat)
+                          : computed(inType("ts_sum" + list, sumType), sumType);
+  }
+  if (type.isDecimal()) {
+    refuse(context_.text, position, "AVG of decimals");
+  }
+  if (type.isFloat()) {
+    return computed("ts_float(avg" + list + ")", kFloat);
+  }
+  return computed(inType("ts_average" + list, sumType), sumType);
+}
+
+}  // namespace azcoll::embedded

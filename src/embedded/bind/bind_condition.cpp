@@ -1,0 +1,244 @@
+#include <compare>
+
+#include "embedded/bind/binder.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+std::string_view comparisonSymbol(tsql::BinaryOperator op) {
+  switch (op) {
+    case tsql::BinaryOperator::Equal:
+      return " = ";
+    case tsql::BinaryOperator::NotEqual:
+      return " <> ";
+    case tsql::BinaryOperator::Less:
+      return " < ";
+    case tsql::BinaryOperator::Greater:
+      return " > ";
+    case tsql::BinaryOperator::LessEqual:
+      return " <= ";
+    default:
+      return " >= ";
+  }
+}
+
+bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
+  switch (op) {
+    case tsql::BinaryOperator::Equal:
+      return std::is_eq(order);
+    case tsql::BinaryOperator::NotEqual:
+      return std::is_neq(order);
+    case tsql::BinaryOperator::Less:
+      return std::is_lt(order);
+    case tsql::BinaryOperator::Greater:
+      return std::is_gt(order);
+    case tsql::BinaryOperator::LessEqual:
+      return std::is_lteq(order);
+    default:
+      return std::is_gteq(order);
+  }
+}
+
+}  // namespace
+
+std::string Binder::bindCondition(const tsql::Expression& expression, const Scope& scope,
+                                  bool nullIsFalse) {
+  const tsql::Position& position = expression.position;
+  if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
+    if (unary->op == tsql::UnaryOperator::Not) {
+      return "NOT (" + bindCondition(*unary->operand, scope, false) + ")";
+    }
+  }
+  if (const auto* const binary = std::get_if<tsql::Binary>(&expression.node)) {
+    if (binary->op == tsql::BinaryOperator::And || binary->op == tsql::BinaryOperator::Or) {
+      const std::string left = bindCondition(*binary->left, scope, nullIsFalse);
+      const std::string right = bindCondition(*binary->right, scope, nullIsFalse);
+      return binary->op == tsql::BinaryOperator::And ? left + " AND " + right
+                                                     : "(" + left + " OR " + right + ")";
+    }
+    return bindComparison(*binary, position, scope);
+  }
+  if (const auto* const between = std::get_if<tsql::Between>(&expression.node)) {
+    return bindBetween(*between, position, scope);
+  }
+  if (const auto* const like = std::get_if<tsql::Like>(&expression.node)) {
+    return bindLike(*like, position, scope);
+  }
+  if (const auto* const list = std::get_if<tsql::InList>(&expression.node)) {
+    return bindInList(*list, position, scope);
+  }
+  if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
+    return bindInQuery(*query, position, scope, nullIsFalse);
+  }
+  if (const auto* const isNull = std::get_if<tsql::IsNull>(&expression.node)) {
+    BoundExpression operand = bind(*isNull->operand, scope);
+    const std::string sql = natural(operand);
+    return "(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)");
+  }
+  if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
+    return bindExists(*exists, scope);
+  }
+  refuse(context_.text, position, "this expression as a condition");
+}
+
+std::string Binder::bindComparison(const tsql::Binary& node, const tsql::Position& position,
+                                   const Scope& scope) {
+  if (const auto folded = foldConstants(node)) {
+    return *folded;
+  }
+  BoundExpression left = bind(*node.left, scope);
+  BoundExpression right = bind(*node.right, scope);
+  return compare(comparisonSymbol(node.op), left, right, position);
+}
+
+/// `0 = 1` and the like, of whole numbers: decided here, so that SQLite sees a condition that never
+/// (or always) holds and does not read the table.
+std::optional<std::string> Binder::foldConstants(const tsql::Binary& node) {
+  const auto* const left = std::get_if<tsql::Literal>(&node.left->node);
+  const auto* const right = std::get_if<tsql::Literal>(&node.right->node);
+  if (left == nullptr || right == nullptr || left->kind != tsql::LiteralKind::Integer ||
+      right->kind != tsql::LiteralKind::Integer) {
+    return std::nullopt;
+  }
+  const auto a = Decimal::parse(left->text);
+  const auto b = Decimal::parse(right->text);
+  if (!a || !b) {
+    return std::nullopt;
+  }
+  guardText(*left);
+  guardText(*right);
+  return holds(node.op, *a <=> *b) ? "1" : "0";
+}
+
+std::string Binder::compare(std::string_view op, BoundExpression& left, BoundExpression& right,
+                            const tsql::Position& position) {
+  const Type common = unify({&left, &right}, position);
+  const bool plain = left.isColumn || right.isColumn;
+  const std::string a = coerceToCompare(left, common);
+  const std::string b = coerceToCompare(right, common);
+  std::string sql = "(" + a;
+  if (common.isText() && !plain) {
+    sql += kCollateClause;
+  }
+  return sql + std::string(op) + b + ")";
+}
+
+std::string Binder::bindBetween(const tsql::Between& node, const tsql::Position& position,
+                                const Scope& scope) {
+  BoundExpression operand = bind(*node.operand, scope);
+  BoundExpression low = bind(*node.low, scope);
+  BoundExpression high = bind(*node.high, scope);
+  if (operand.type.isText() && low.type.isText() != high.type.isText()) {
+    refuse(context_.text, position, "BETWEEN a text and a number");
+  }
+  const Type common = unify({&operand, &low, &high}, position);
+  std::string sql = "(" + coerceToCompare(operand, common);
+  if (common.isText() && !operand.isColumn) {
+    sql += kCollateClause;
+  }
+  const std::string from = coerceToCompare(low, common);
+  const std::string to = coerceToCompare(high, common);
+  return sql + (node.negated ? " NOT BETWEEN " : " BETWEEN ") + from + " AND " + to + ")";
+}
+
+std::string Binder::bindLike(const tsql::Like& node, const tsql::Position& position,
+                             const Scope& scope) {
+  Type type;
+  Type patternType;
+  const std::string operand = bindText(*node.operand, scope, &type);
+  const std::string pattern = bindText(*node.pattern, scope, &patternType);
+  if (type.isFloat()) {
+    refuse(context_.text, position, "LIKE on a floating-point number");
+  }
+  std::string sql = node.negated ? "(NOT ts_like(" : "(ts_like(";
+  sql += operand + "," + pattern + ",";
+  sql += node.escape ? bindText(*node.escape, scope) : "NULL";
+  return sql + (type.isUnicode() || patternType.isUnicode() ? ",1))" : ",0))");
+}
+
+std::string Binder::bindInList(const tsql::InList& node, const tsql::Position& position,
+                               const Scope& scope) {
+  BoundExpression operand = bind(*node.operand, scope);
+  std::vector<BoundExpression> items;
+  items.reserve(node.items.size());
+  std::vector<BoundExpression*> all{&operand};
+  for (const tsql::ExpressionPtr& item : node.items) {
+    items.push_back(bind(*item, scope));
+    all.push_back(&items.back());
+  }
+  const Type common = unify(all, position);
+  std::string sql = "(" + coerceToCompare(operand, common);
+  if (common.isText() && !operand.isColumn) {
+    sql += kCollateClause;
+  }
+  sql += node.negated ? " NOT IN (" : " IN (";
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    sql += (i == 0 ? "" : ",") + coerceToCompare(items[i], common);
+  }
+  return sql + "))";
+}
+
+std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
+                                const Scope& scope, bool nullIsFalse) {
+  BoundExpression operand = bind(*node.operand, scope);
+  QueryUse use;
+  // A row value that is NULL somewhere makes IN unknown where the plain form would be false: only
+  // where both come to the same may the correlation become part of the row value.
+  if (nullIsFalse && !node.negated && context_.rewriteIn) {
+    use.in = &node;
+  }
+  BoundQuery query = bindQuery(*node.query, &scope, use);
+  if (query.columns().size() != 1) {
+    throw SqlError(116,
+                   "Only one expression can be specified in the select list when the subquery "
+                   "is not introduced with EXISTS.");
+  }
+  settle(query);
+  OutputColumn& column = query.columns().front();
+  // The query's column is settled already: only its type matters here.
+  BoundExpression inner;
+  inner.type = column.type;
+  inner.sql = column.sql;
+  const Type common = unify({&operand, &inner}, position);
+  const bool plain = operand.isColumn;
+  std::string left = coerceToCompare(operand, common);
+  if (common.isText() && !plain) {
+    left += kCollateClause;
+  }
+  const bool same = sameForm(column.type, common);
+  std::string negation = node.negated ? " NOT IN (" : " IN (";
+  if (query.select && !query.select->correlations.empty()) {
+    BoundSelect& select = *query.select;
+    column.sql = coerce(inner, common, Conversion::Compare);
+    std::string outer = "(" + left;
+    for (const Correlation& correlation : select.correlations) {
+      outer += "," + correlation.outer;
+      OutputColumn extra;
+      extra.sql = correlation.inner;
+      select.columns.push_back(std::move(extra));
+    }
+    return "(" + outer + ")" + negation + render(query) + "))";
+  }
+  if (same) {
+    return "(" + left + negation + render(query) + "))";
+  }
+  inner.sql = "c1";
+  return "(" + left + negation + "SELECT " + coerce(inner, common, Conversion::Compare) +
+         " FROM (" + render(query) + ")))";
+}
+
+std::string Binder::bindExists(const tsql::Exists& node, const Scope& scope) {
+  BoundQuery query = bindQuery(*node.query, &scope, {});
+  if (query.select && !query.select->grouped && query.select->limit.empty()) {
+    return "EXISTS (SELECT 1" + renderTail(*query.select) + ")";
+  }
+  settle(query);
+  return "EXISTS (" + render(query) + ")";
+}
+
+}  // namespace azcoll::embedded

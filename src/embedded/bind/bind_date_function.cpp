@@ -1,0 +1,97 @@
+#include <array>
+
+#include "embedded/bind/binder.h"
+#include "embedded/plan/slots.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+/// The one-letter code by which the functions know a part of a date; 0 for a word that is none.
+char partCode(const tsql::Expression& expression) {
+  const auto* const word = std::get_if<tsql::ColumnReference>(&expression.node);
+  if (word == nullptr || word->name.parts.size() != 1) {
+    return 0;
+  }
+  const std::string name = upperText(word->name.parts.front());
+  constexpr std::array<std::pair<std::string_view, char>, 24> kParts{{
+      {"YEAR", 'y'},        {"YYYY", 'y'},   {"YY", 'y'},        {"MONTH", 'm'}, {"MM", 'm'},
+      {"M", 'm'},           {"DAY", 'd'},    {"DD", 'd'},        {"D", 'd'},     {"HOUR", 'h'},
+      {"HH", 'h'},          {"MINUTE", 'i'}, {"MI", 'i'},        {"N", 'i'},     {"SECOND", 's'},
+      {"SS", 's'},          {"S", 's'},      {"QUARTER", 'q'},   {"QQ", 'q'},    {"Q", 'q'},
+      {"MILLISECOND", 'l'}, {"MS", 'l'},     {"DAYOFYEAR", 'j'}, {"DY", 'j'},
+  }};
+  for (const auto& [known, code] : kParts) {
+    if (name == known) {
+      return code;
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::optional<BoundExpression> Binder::bindDateCall(std::string_view name,
+                                                    const tsql::FunctionCall& call,
+                                                    const tsql::Position& position,
+                                                    const Scope& scope) {
+  // A text given for a date is read as a DATETIME.
+  const auto bindDate = [&](const tsql::Expression& expression, Type& type) {
+    BoundExpression date = bind(expression, scope);
+    type = date.type.isDate() ? date.type : kDateTime;
+    requireConvertible(date.type, type, position);
+    return coerce(date, type, Conversion::Compare);
+  };
+  const auto part = [&] {
+    const char code = partCode(*call.arguments.front());
+    if (code == 0) {
+      refuse(context_.text, call.arguments.front()->position, "this part of a date");
+    }
+    return "'" + std::string(1, code) + "'";
+  };
+  Type type;
+  if (name == "GETDATE" || name == "CURRENT_TIMESTAMP") {
+    requireArguments(call, 0, 0);
+    BoundExpression now;
+    now.type = kDateTime;
+    now.pending.emplace();
+    now.pending->source = SlotSource::Now;
+    return now;
+  }
+  if (name == "YEAR" || name == "MONTH" || name == "DAY") {
+    requireArguments(call, 1, 1);
+    const std::string code = name == "YEAR" ? "'y'" : name == "MONTH" ? "'m'" : "'d'";
+    const std::string date = bindDate(*call.arguments[0], type);
+    return computed("ts_date_part(" + code + "," + date + ")", kInt);
+  }
+  if (name == "DATEPART") {
+    requireArguments(call, 2, 2);
+    const std::string code = part();
+    const std::string date = bindDate(*call.arguments[1], type);
+    return computed("ts_date_part(" + code + "," + date + ")", kInt);
+  }
+  if (name == "DATEADD") {
+    requireArguments(call, 3, 3);
+    const std::string code = part();
+    BoundExpression count = bind(*call.arguments[1], scope);
+    const std::string number = coerce(count, kInt, Conversion::Cut);
+    const std::string date = bindDate(*call.arguments[2], type);
+    return computed("ts_date_add(" + code + "," + number + "," + date + "," +
+                        std::to_string(encodeType(type)) + ")",
+                    type);
+  }
+  if (name == "DATEDIFF") {
+    requireArguments(call, 3, 3);
+    const std::string code = part();
+    const std::string from = bindDate(*call.arguments[1], type);
+    const std::string to = bindDate(*call.arguments[2], type);
+    return computed("ts_date_difference(" + code + "," + from + "," + to + ")", kInt);
+  }
+  return std::nullopt;
+}
+
+}  // namespace azcoll::embedded

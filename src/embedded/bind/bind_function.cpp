@@ -1,0 +1,239 @@
+#include <algorithm>
+#include <array>
+
+#include "embedded/bind/ast_walk.h"
+#include "embedded/bind/binder.h"
+#include "embedded/bind/builtin_names.h"
+#include "embedded/plan/slots.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+Type textResult(const Type& type, std::int32_t length) {
+  return {type.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar, length, 0, 0};
+}
+
+}  // namespace
+
+void Binder::requireArguments(const tsql::FunctionCall& call, std::size_t least,
+                              std::size_t most) const {
+  const std::size_t count = call.arguments.size();
+  if (count >= least && count <= most) {
+    return;
+  }
+  const std::string name = foldText(call.name.parts.back());
+  throw SqlError(174, "The " + name + " function requires " +
+                          (least == most ? std::to_string(least)
+                                         : std::to_string(least) + " to " + std::to_string(most)) +
+                          " argument(s).");
+}
+
+BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Position& position,
+                                 const Scope& scope) {
+  if (call.name.parts.size() > 1) {
+    refuse(context_.text, position, "scalar functions of the database");
+  }
+  if (isAggregate(call)) {
+    return bindAggregate(call, position, scope);
+  }
+  const std::string name = upperText(call.name.parts.front());
+  if (call.distinct) {
+    refuse(context_.text, position, "DISTINCT in the function " + name);
+  }
+  if (name == "ISNULL") {
+    requireArguments(call, 2, 2);
+    BoundExpression checked = bind(*call.arguments[0], scope);
+    BoundExpression replacement = bind(*call.arguments[1], scope);
+    if (checked.type.kind == TypeKind::Null) {
+      return replacement;
+    }
+    const Type type = checked.type;
+    const std::string first = natural(checked);
+    return computed("ifnull(" + first + "," + coerce(replacement, type, Conversion::Cut) + ")",
+                    type);
+  }
+  if (name == "COALESCE") {
+    return bindCoalesce(call, position, scope);
+  }
+  if (name == "NULLIF") {
+    requireArguments(call, 2, 2);
+    BoundExpression value = bind(*call.arguments[0], scope);
+    BoundExpression other = bind(*call.arguments[1], scope);
+    const Type type = value.type;
+    const Type common = unify({&value, &other}, position);
+    if (!sameForm(type, common)) {
+      refuse(context_.text, position, "NULLIF of different types");
+    }
+    const bool collate = common.isText() && !value.isColumn;
+    const std::string first = value.pending ? natural(value) : value.sql;
+    return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
+                        coerceToCompare(other, common) + ")",
+                    type);
+  }
+  if (name == "ABS") {
+    requireArguments(call, 1, 1);
+    BoundExpression value = bind(*call.arguments[0], scope);
+    if (!value.type.isNumber()) {
+      refuse(context_.text, position, "ABS of what is no number");
+    }
+    const std::string sql = natural(value);
+    if (value.type.isWide()) {
+      return computed("ts_wide_abs(" + sql + ")", value.type);
+    }
+    const std::string absolute = "abs(" + sql + ")";
+    return value.type.isInteger() ? computed("ts_integer(" + absolute + "," +
+                                                 std::to_string(encodeType(value.type)) + ")",
+                                             value.type)
+                                  : computed(absolute, value.type);
+  }
+  if (name == "SCOPE_IDENTITY") {
+    requireArguments(call, 0, 0);
+    BoundExpression bound;
+    bound.pending.emplace();
+    bound.pending->source = SlotSource::Identity;
+    bound.type = decimalType(38, 0);
+    return bound;
+  }
+  if (auto date = bindDateCall(name, call, position, scope)) {
+    return *date;
+  }
+  return bindTextCall(name, call, position, scope);
+}
+
+BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql::Position& position,
+                                     const Scope& scope) {
+  std::vector<BoundExpression> values;
+  Type type;
+  for (const tsql::ExpressionPtr& argument : call.arguments) {
+    values.push_back(bind(*argument, scope));
+    if (values.back().pending && values.back().type.isNumber()) {
+      guard(values.back(), Guard::Kind::SameType, values.back().type);
+    }
+    type = common(type, values.back().type, position);
+  }
+  if (values.size() < 2 || type.kind == TypeKind::Null) {
+    throw SqlError(4127,
+                   "At least one of the arguments to COALESCE must be an expression that is "
+                   "not the NULL constant.");
+  }
+  std::string sql = "coalesce(";
+  for (BoundExpression& value : values) {
+    sql += (sql.back() == '(' ? "" : ",") + coerce(value, type, Conversion::Compare);
+  }
+  return computed(sql + ")", type);
+}
+
+BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& position,
+                                 const Scope& scope) {
+  const Type type = castType(node.type, context_.text);
+  BoundExpression operand = bind(*node.operand, scope);
+  if (operand.type.isDate() && type.isNumber()) {
+    refuse(context_.text, position, "a date as a number");
+  }
+  requireConvertible(operand.type, type, position);
+  if (node.style) {
+    const auto* const style = std::get_if<tsql::Literal>(&node.style->node);
+    if (style == nullptr || style->kind != tsql::LiteralKind::Integer) {
+      refuse(context_.text, position, "CONVERT with a style that is no constant");
+    }
+    if (operand.type.isDate() && type.isText()) {
+      guardText(*style);
+      const std::string date = natural(operand);
+      const std::string styled = "ts_date_text(" + date + "," +
+                                 std::to_string(encodeType(operand.type)) + "," + style->text + ")";
+      BoundExpression text = computed(styled, kVarChar);
+      return computed(coerce(text, type, Conversion::Cut), type);
+    }
+    guardText(*style);
+    if (style->text != "0" && !(operand.type.isText() && type.isDate() &&
+                                (style->text == "112" || style->text == "120" ||
+                                 style->text == "121" || style->text == "126"))) {
+      refuse(context_.text, position, "CONVERT with this style");
+    }
+  }
+  if (operand.type.kind == TypeKind::Null && !operand.pending) {
+    return computed("NULL", type);
+  }
+  return computed(coerce(operand, type, Conversion::Cut), type);
+}
+
+std::string Binder::bindText(const tsql::Expression& expression, const Scope& scope, Type* type) {
+  BoundExpression bound = bind(expression, scope);
+  if (type != nullptr) {
+    *type = bound.type;
+  }
+  if (bound.type.isText()) {
+    return natural(bound);
+  }
+  requireConvertible(bound.type, kVarChar, expression.position);
+  return coerce(bound, kVarChar, Conversion::Compare);
+}
+
+BoundExpression Binder::bindTextCall(std::string_view name, const tsql::FunctionCall& call,
+                                     const tsql::Position& position, const Scope& scope) {
+  struct TextFunction {
+    std::string_view name;
+    std::string_view sqlName;
+    std::size_t least;
+    std::size_t most;
+    std::size_t texts;  ///< leading arguments that are texts; the others are whole numbers
+    bool isNumber;      ///< gives a whole number
+  };
+  constexpr std::size_t kMany = 254;
+  constexpr std::array<TextFunction, 17> kFunctions{{
+      {"LEN", "ts_len", 1, 1, 1, true},
+      {"LEFT", "ts_left", 2, 2, 1, false},
+      {"RIGHT", "ts_right", 2, 2, 1, false},
+      {"SUBSTRING", "ts_substring", 3, 3, 1, false},
+      {"UPPER", "ts_upper", 1, 1, 1, false},
+      {"LOWER", "ts_lower", 1, 1, 1, false},
+      {"LTRIM", "ts_ltrim", 1, 1, 1, false},
+      {"RTRIM", "ts_rtrim", 1, 1, 1, false},
+      {"TRIM", "ts_trim", 1, 1, 1, false},
+      {"REPLACE", "ts_replace", 3, 3, 3, false},
+      {"CHARINDEX", "ts_charindex", 2, 3, 2, true},
+      {"REPLICATE", "ts_replicate", 2, 2, 1, false},
+      {"SPACE", "ts_space", 1, 1, 0, false},
+      {"REVERSE", "ts_reverse", 1, 1, 1, false},
+      {"CONCAT", "ts_concat", 2, kMany, kMany, false},
+      {"CHAR", "ts_char", 1, 1, 0, false},
+      {"ASCII", "ts_ascii", 1, 1, 1, true},
+  }};
+  const auto* const found = std::find_if(kFunctions.begin(), kFunctions.end(),
+                                         [name](const auto& each) { return each.name == name; });
+  if (found == kFunctions.end() && !isBuiltinFunction(name)) {
+    throw SqlError(195,
+                   "'" + call.name.parts.front() + "' is not a recognized built-in function name.");
+  }
+  if (found == kFunctions.end()) {
+    refuse(context_.text, position, "the function " + std::string(name));
+  }
+  requireArguments(call, found->least, found->most);
+  std::string sql = std::string(found->sqlName) + "(";
+  bool unicode = false;
+  std::int32_t length = kUnlimited;
+  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+    sql += i == 0 ? "" : ",";
+    if (i < found->texts) {
+      Type type;
+      sql += bindText(*call.arguments[i], scope, &type);
+      unicode = unicode || type.isUnicode();
+      length = i == 0 && type.isText() ? type.length : length;
+    } else {
+      BoundExpression number = bind(*call.arguments[i], scope);
+      requireConvertible(number.type, kBigInt, position);
+      sql += coerce(number, kBigInt, Conversion::Compare);
+    }
+  }
+  const Type kind = unicode ? kNVarChar : kVarChar;
+  const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
+  return computed(sql + ")",
+                  found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length));
+}
+
+}  // namespace azcoll::embedded

@@ -1,0 +1,172 @@
+#include "embedded/bind/binder.h"
+#include "embedded/plan/slots.h"
+#include "embedded/sqlite/sql_text.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/sql_error.h"
+#include "tsql/characters.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+std::string dotted(const tsql::ObjectName& name) {
+  std::string text;
+  for (const std::string& part : name.parts) {
+    text += (text.empty() ? "" : ".") + part;
+  }
+  return text;
+}
+
+/// Whether `qualifier` (the parts in front of the column) names the source.
+bool isNamedBy(const Source& source, const std::vector<std::string>& qualifier) {
+  if (qualifier.size() == 2 &&
+      (source.hasAlias || !tsql::equalsIgnoringCase(qualifier.front(), "DBO"))) {
+    return false;
+  }
+  return qualifier.size() <= 2 && source.folded == foldText(qualifier.back());
+}
+
+}  // namespace
+
+std::optional<std::size_t> Source::find(const std::string& foldedName) const {
+  const auto& names = table ? table->byName : byName;
+  const auto found = names.find(foldedName);
+  return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+BoundExpression Source::column(std::size_t index) const {
+  BoundExpression bound;
+  bound.isColumn = true;
+  if (table) {
+    bound.type = table->columns[index].type;
+    bound.sql = sqlName + (sqlName.empty() ? "" : ".") + quoteName(table->columns[index].name);
+    bound.origin = Origin{table, index};
+  } else {
+    bound.type = columns[index].type;
+    bound.sql = columns[index].sql;
+    bound.origin = columns[index].origin;
+  }
+  return bound;
+}
+
+BoundExpression Binder::take(const Source& source, std::size_t column, const Scope& scope) {
+  emission_.touchedLevels |= levelBit(scope.level);
+  BoundExpression bound = source.column(column);
+  const Grouping& grouping = scope.grouping;
+  if (grouping.active && !grouping.columns.contains(bound.sql)) {
+    const std::string name = source.name + "." + source.columnName(column);
+    // The message of ORDER BY quotes the name otherwise than the others.
+    const std::string quoted = grouping.number == 8127 ? '"' + name + '"' : "'" + name + "'";
+    throw SqlError(grouping.number,
+                   "Column " + quoted + " is invalid in the " + std::string(grouping.clause) +
+                       " because it is not contained in either an aggregate function or the GROUP "
+                       "BY clause.");
+  }
+  return bound;
+}
+
+BoundExpression Binder::resolve(const tsql::ColumnReference& reference, const Scope& scope) {
+  return reference.name.parts.size() == 1 ? resolveBare(reference.name.parts.front(), scope)
+                                          : resolveQualified(reference.name, scope);
+}
+
+BoundExpression Binder::resolveBare(const std::string& name, const Scope& scope) {
+  const std::string folded = foldText(name);
+  for (const Scope* at = &scope; at != nullptr; at = at->parent) {
+    const Source* found = nullptr;
+    std::size_t column = 0;
+    for (std::size_t i = at->visibleFrom; i < at->sources.size(); ++i) {
+      if (const auto match = at->sources[i].find(folded)) {
+        if (found != nullptr) {
+          throw SqlError(209, "Ambiguous column name '" + name + "'.");
+        }
+        found = &at->sources[i];
+        column = *match;
+      }
+    }
+    if (found != nullptr) {
+      return take(*found, column, *at);
+    }
+  }
+  throw SqlError(207, "Invalid column name '" + name + "'.");
+}
+
+BoundExpression Binder::resolveQualified(const tsql::ObjectName& name, const Scope& scope) {
+  const std::vector<std::string> qualifier(name.parts.begin(), name.parts.end() - 1);
+  const std::string& column = name.parts.back();
+  for (const Scope* at = &scope; at != nullptr; at = at->parent) {
+    for (std::size_t i = at->visibleFrom; i < at->sources.size(); ++i) {
+      if (!isNamedBy(at->sources[i], qualifier)) {
+        continue;
+      }
+      const auto match = at->sources[i].find(foldText(column));
+      if (!match) {
+        throw SqlError(207, "Invalid column name '" + column + "'.");
+      }
+      return take(at->sources[i], *match, *at);
+    }
+  }
+  throw SqlError(4104, "The multi-part identifier \"" + dotted(name) + "\" could not be bound.");
+}
+
+std::size_t Binder::variableIndex(const std::string& name) const {
+  if (context_.variables != nullptr && !hasArguments_) {
+    const auto found = context_.variables->scalarByName.find(foldText(name));
+    if (found != context_.variables->scalarByName.end()) {
+      return found->second;
+    }
+  }
+  throw SqlError(137, "Must declare the scalar variable \"" + name + "\".");
+}
+
+BoundExpression Binder::bindVariable(const tsql::Variable& variable) {
+  if (hasArguments_) {
+    const auto found = arguments_.find(foldText(variable.name));
+    if (found != arguments_.end()) {
+      emission_.touchedArgument = emission_.touchedArgument || found->second.isOfRow;
+      return found->second.value;
+    }
+  }
+  BoundExpression bound;
+  bound.pending.emplace();
+  if (tsql::equalsIgnoringCase(variable.name, "@@ROWCOUNT")) {
+    bound.pending->source = SlotSource::RowCount;
+    bound.type = kInt;
+  } else if (tsql::equalsIgnoringCase(variable.name, "@@TRANCOUNT")) {
+    bound.pending->source = SlotSource::TransactionCount;
+    bound.type = kInt;
+  } else if (tsql::equalsIgnoringCase(variable.name, "@@IDENTITY")) {
+    bound.pending->source = SlotSource::Identity;
+    bound.type = decimalType(38, 0);
+  } else {
+    const std::size_t index = variableIndex(variable.name);
+    bound.pending->source = SlotSource::Variable;
+    bound.pending->index = static_cast<std::uint32_t>(index);
+    bound.type = context_.variables->scalars[index].type;
+    if (liveVariables_.contains(index)) {
+      bound.pending.reset();
+      bound.sql = "ts_var(" + std::to_string(index) + ")";
+    }
+  }
+  return bound;
+}
+
+std::shared_ptr<const Table> Binder::findTable(const tsql::ObjectName& name) const {
+  if (name.parts.back().starts_with('@')) {
+    if (context_.variables != nullptr) {
+      const auto found = context_.variables->tables.find(foldText(name.parts.back()));
+      if (found != context_.variables->tables.end()) {
+        return found->second;
+      }
+    }
+    throw SqlError(1087, "Must declare the table variable \"" + name.parts.back() + "\".");
+  }
+  if (auto table = context_.catalogue->findTable(objectName(name, context_.text))) {
+    return table;
+  }
+  throw SqlError(208, "Invalid object name '" + dotted(name) + "'.");
+}
+
+std::string Binder::newAlias() { return "t" + std::to_string(emission_.nextAlias++); }
+
+}  // namespace azcoll::embedded

@@ -1,0 +1,457 @@
+#include <algorithm>
+#include <utility>
+
+#include "embedded/bind/ast_walk.h"
+#include "embedded/bind/binder.h"
+#include "embedded/sqlite/sql_text.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/literals.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+#include "embedded/values/value.h"
+#include "tsql/printer.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+/// The parts of a condition that are joined by AND.
+void splitConjuncts(const tsql::Expression& condition,
+                    std::vector<const tsql::Expression*>& conjuncts) {
+  const auto* const binary = std::get_if<tsql::Binary>(&condition.node);
+  if (binary != nullptr && binary->op == tsql::BinaryOperator::And) {
+    splitConjuncts(*binary->left, conjuncts);
+    splitConjuncts(*binary->right, conjuncts);
+  } else {
+    conjuncts.push_back(&condition);
+  }
+}
+
+bool isConstant(const tsql::Expression& expression) {
+  return std::holds_alternative<tsql::Literal>(expression.node) ||
+         std::holds_alternative<tsql::Variable>(expression.node);
+}
+
+/// `column = constant`.
+bool namesOneValue(const tsql::Expression& condition) {
+  const auto* const binary = std::get_if<tsql::Binary>(&condition.node);
+  return binary != nullptr && binary->op == tsql::BinaryOperator::Equal &&
+         std::holds_alternative<tsql::ColumnReference>(binary->left->node) &&
+         isConstant(*binary->right);
+}
+
+bool selectsAggregate(const tsql::QuerySpecification& specification) {
+  return std::any_of(
+      specification.items.begin(), specification.items.end(),
+      [](const tsql::SelectItem& item) { return containsAggregate(*item.expression); });
+}
+
+bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query& query) {
+  return selectsAggregate(specification) || specification.having != nullptr ||
+         std::any_of(query.orderBy.begin(), query.orderBy.end(), [](const tsql::OrderItem& item) {
+           return containsAggregate(*item.expression);
+         });
+}
+
+}  // namespace
+
+BoundQuery Binder::bindQuery(const tsql::Query& query, const Scope* outer, const QueryUse& use) {
+  ++emission_.queries;
+  const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
+  if (!query.orderBy.empty() && use.orderNeedsTop &&
+      (specification == nullptr || !specification->top)) {
+    throw SqlError(1033,
+                   "The ORDER BY clause is invalid in views, inline functions, derived "
+                   "tables, subqueries, and common table expressions, unless TOP, OFFSET or "
+                   "FOR XML is also specified.");
+  }
+  if (specification == nullptr) {
+    return bindSetOperation(std::get<tsql::SetOperation>(query.body), query, outer);
+  }
+  BoundQuery bound;
+  bound.select = std::make_unique<BoundSelect>();
+  bindSpecification(*specification, query, outer, use, *bound.select);
+  return bound;
+}
+
+BoundQuery Binder::bindSetOperation(const tsql::SetOperation& operation, const tsql::Query& query,
+                                    const Scope* outer) {
+  BoundQuery bound;
+  bound.op = operation.op;
+  bound.left = std::make_unique<BoundQuery>(bindQuery(*operation.left, outer, {}));
+  bound.right = std::make_unique<BoundQuery>(bindQuery(*operation.right, outer, {}));
+  if (bound.left->columns().size() != bound.right->columns().size()) {
+    throw SqlError(205,
+                   "All queries combined using a UNION, INTERSECT or EXCEPT operator must have "
+                   "an equal number of expressions in their target lists.");
+  }
+  orderSetOperation(query, bound);
+  return bound;
+}
+
+void Binder::bindSpecification(const tsql::QuerySpecification& specification,
+                               const tsql::Query& query, const Scope* outer, const QueryUse& use,
+                               BoundSelect& select) {
+  const std::uint64_t touchedBefore = emission_.touchedLevels;
+  emission_.touchedLevels = 0;
+  Scope scope(outer);
+  select.distinct = specification.distinct;
+  select.from = bindSources(specification.from, scope);
+  const bool grouped = !specification.groupBy.empty() || aggregates(specification, query);
+  const bool plain = !grouped && !specification.top && !specification.distinct;
+  if (specification.where) {
+    bindWhere(*specification.where, scope, plain ? use : QueryUse{}, select);
+  }
+  bindGroupBy(specification, scope, select);
+  select.grouped = grouped;
+  select.oneGroup = grouped && specification.groupBy.empty() && !selectsAggregate(specification);
+  if (grouped) {
+    scope.grouping.active = true;
+    scope.aggregatesAllowed = true;
+  }
+  bindItems(specification, scope, use, select);
+  if (specification.having) {
+    scope.grouping.number = 8121;
+    scope.grouping.clause = "HAVING clause";
+    select.having = bindCondition(*specification.having, scope, true);
+  }
+  if (specification.top) {
+    bindTop(*specification.top, select);
+  }
+  bindOrderBy(query, scope, select);
+  const bool oneRow = specification.from.empty() || (grouped && specification.groupBy.empty());
+  select.atMostOneRow = select.atMostOneRow || oneRow;
+  const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
+  select.correlated = outside != 0;
+  if (select.correlated) {
+    // The correlation cannot be taken out as a whole: back into the condition with its parts.
+    for (const Correlation& correlation : select.correlations) {
+      select.where += (select.where.empty() ? "" : " AND ");
+      select.where += "(" + correlation.inner + " = " + correlation.outer + ")";
+    }
+    select.correlations.clear();
+  }
+  if (select.correlations.empty() && !select.alternatives.empty()) {
+    // Asked anew for every row, the query is better off in one piece.
+    select.where += (select.where.empty() ? "(" : " AND (") + select.alternatives.front() + " OR " +
+                    select.alternatives.back() + ")";
+    select.alternatives.clear();
+  }
+  addConstantFilters(outer, select);
+  emission_.touchedLevels = touchedBefore | outside | select.correlationLevels;
+}
+
+// ---------------------------------------------------------------- the select list
+
+void Binder::bindItems(const tsql::QuerySpecification& specification, const Scope& scope,
+                       const QueryUse& use, BoundSelect& select) {
+  for (const tsql::SelectItem& item : specification.items) {
+    if (item.assignTo.empty() == use.assigns) {
+      throw SqlError(141,
+                     "A SELECT statement that assigns a value to a variable must not be "
+                     "combined with data-retrieval operations.");
+    }
+    if (const auto* const star = std::get_if<tsql::Star>(&item.expression->node)) {
+      expandStar(*star, scope, select);
+      continue;
+    }
+    OutputColumn column;
+    column.expression = bind(*item.expression, scope);
+    column.position = item.position;
+    const auto* const reference = std::get_if<tsql::ColumnReference>(&item.expression->node);
+    column.named = item.hasAlias || reference != nullptr;
+    if (item.hasAlias) {
+      column.name = item.alias;
+    } else if (reference != nullptr) {
+      column.name = reference->name.parts.back();
+    }
+    column.printed = foldText(tsql::print(*item.expression));
+    if (use.assigns) {
+      select.assigned.push_back(variableIndex(item.assignTo));
+    }
+    select.columns.push_back(std::move(column));
+  }
+}
+
+void Binder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select) {
+  const std::string wanted =
+      star.qualifier.parts.empty() ? "" : foldText(star.qualifier.parts.back());
+  bool found = false;
+  for (const Source& source : scope.sources) {
+    if (!wanted.empty() && source.folded != wanted) {
+      continue;
+    }
+    found = true;
+    for (std::size_t i = 0; i < source.columnCount(); ++i) {
+      OutputColumn column;
+      column.expression = take(source, i, scope);
+      column.name = source.columnName(i);
+      column.named = true;
+      column.printed = source.folded + "." + foldText(column.name);
+      select.columns.push_back(std::move(column));
+    }
+  }
+  if (!found && wanted.empty()) {
+    throw SqlError(263, "Must specify table to select from.");
+  }
+  if (!found) {
+    throw SqlError(107, "The column prefix '" + star.qualifier.parts.back() +
+                            "' does not match with a table name or alias name used in the query.");
+  }
+}
+
+// ---------------------------------------------------------------- conditions and groups
+
+void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
+                       BoundSelect& select) {
+  std::vector<const tsql::Expression*> conjuncts;
+  splitConjuncts(condition, conjuncts);
+  for (const tsql::Expression* const conjunct : conjuncts) {
+    if (use.in == nullptr || !(bindCorrelation(*conjunct, scope, select) ||
+                               bindAlternatives(*conjunct, scope, select))) {
+      const std::string sql = bindCondition(*conjunct, scope, true);
+      noteConstantFilter(*conjunct, sql, scope);
+      select.where += (select.where.empty() ? "" : " AND ") + sql;
+    }
+  }
+}
+
+/// Keeps in mind what the condition demands of a column of the query by constants alone.
+void Binder::noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
+                                const Scope& scope) {
+  const tsql::Expression* operand = nullptr;
+  if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
+    if (binary->op == tsql::BinaryOperator::Equal && isConstant(*binary->right)) {
+      operand = binary->left.get();
+    }
+  } else if (const auto* const list = std::get_if<tsql::InList>(&conjunct.node)) {
+    bool constant = !list->negated;
+    for (const tsql::ExpressionPtr& item : list->items) {
+      constant = constant && isConstant(*item);
+    }
+    operand = constant ? list->operand.get() : nullptr;
+  }
+  const auto* const reference =
+      operand == nullptr ? nullptr : std::get_if<tsql::ColumnReference>(&operand->node);
+  if (reference == nullptr) {
+    return;
+  }
+  const std::string column = resolve(*reference, scope).sql;
+  if (sql.starts_with("(" + column + " ")) {
+    scope.constantFilters.emplace(column,
+                                  sql.substr(1 + column.size(), sql.size() - column.size() - 2));
+  }
+}
+
+/// What the surroundings demand of a column holds for the column that must equal it as well: told
+/// to the subquery, it need not gather rows that nobody asks for.
+void Binder::addConstantFilters(const Scope* outer, BoundSelect& select) {
+  for (const Scope* scope = outer; scope != nullptr; scope = scope->parent) {
+    for (const Correlation& correlation : select.correlations) {
+      const auto [from, to] = scope->constantFilters.equal_range(correlation.outer);
+      for (auto filter = from; filter != to; ++filter) {
+        select.where +=
+            (select.where.empty() ? "(" : " AND (") + correlation.inner + filter->second + ")";
+      }
+    }
+  }
+}
+
+/// Takes `inner = outer` out of a condition. False when the part is no such equality of two columns
+/// that compare as they are; nothing is bound then.
+bool Binder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scope,
+                             BoundSelect& select) {
+  const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node);
+  if (binary == nullptr || binary->op != tsql::BinaryOperator::Equal) {
+    return false;
+  }
+  const auto* const left = std::get_if<tsql::ColumnReference>(&binary->left->node);
+  const auto* const right = std::get_if<tsql::ColumnReference>(&binary->right->node);
+  if (left == nullptr || right == nullptr) {
+    return false;
+  }
+  const std::uint64_t before = emission_.touchedLevels;
+  const auto levelsOf = [&](const tsql::ColumnReference& reference, BoundExpression& bound) {
+    emission_.touchedLevels = 0;
+    bound = resolve(reference, scope);
+    return emission_.touchedLevels;
+  };
+  BoundExpression a;
+  BoundExpression b;
+  const std::uint64_t levelsA = levelsOf(*left, a);
+  const std::uint64_t levelsB = levelsOf(*right, b);
+  emission_.touchedLevels = before;
+  const std::uint64_t outside = outerLevels(scope.level);
+  const bool innerLeft = (levelsA & outside) == 0;
+  const bool innerRight = (levelsB & outside) == 0;
+  if (innerLeft == innerRight || !sameForm(a.type, b.type) || !a.isColumn || !b.isColumn) {
+    return false;
+  }
+  select.correlationLevels |= (levelsA | levelsB) & outside;
+  select.correlations.push_back(innerLeft ? Correlation{a.sql, b.sql} : Correlation{b.sql, a.sql});
+  return true;
+}
+
+/// Takes `column = constant OR column = constant` out of a condition. False when the part is none;
+/// nothing is bound then. SQLite would rather read all rows of the conditions around it.
+bool Binder::bindAlternatives(const tsql::Expression& conjunct, const Scope& scope,
+                              BoundSelect& select) {
+  const auto* const either = std::get_if<tsql::Binary>(&conjunct.node);
+  if (either == nullptr || either->op != tsql::BinaryOperator::Or || !select.alternatives.empty() ||
+      !namesOneValue(*either->left) || !namesOneValue(*either->right)) {
+    return false;
+  }
+  for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
+    select.alternatives.push_back(bindCondition(**part, scope, true));
+  }
+  return true;
+}
+
+/// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
+/// in those around it.
+BoundExpression Binder::bindKey(const tsql::Expression& key, const Scope& scope, bool groups) {
+  const std::uint64_t levels = std::exchange(emission_.touchedLevels, 0);
+  const bool argument = std::exchange(emission_.touchedArgument, false);
+  BoundExpression bound = bind(key, scope);
+  const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
+  if (groups && (emission_.touchedLevels & levelBit(scope.level)) == 0) {
+    throw SqlError(164,
+                   "Each GROUP BY expression must contain at least one column that is not an "
+                   "outer reference.");
+  }
+  if (outside != 0 || emission_.touchedArgument) {
+    refuse(context_.text, key.position,
+           std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
+  }
+  emission_.touchedLevels |= levels;
+  emission_.touchedArgument = argument;
+  return bound;
+}
+
+void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
+                         BoundSelect& select) {
+  for (const tsql::ExpressionPtr& key : specification.groupBy) {
+    BoundExpression bound = bindKey(*key, scope, true);
+    std::string sql = natural(bound);
+    if (bound.isColumn) {
+      scope.grouping.columns.insert(sql);
+    } else {
+      scope.grouping.printed.insert(foldText(tsql::print(*key)));
+      if (bound.type.isText()) {
+        sql += std::string(kCollateClause);
+      }
+    }
+    select.groupBy += (select.groupBy.empty() ? "" : ",") + sql;
+  }
+}
+
+void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
+  const auto* const literal = std::get_if<tsql::Literal>(&top.count->node);
+  if (literal != nullptr && literal->kind == tsql::LiteralKind::Integer) {
+    // One row at most is a property of the plan, so the number is part of it.
+    guardText(*literal);
+    const Type type = literalType(literal->kind, literal->text);
+    const Value count = literalValue(literal->kind, literal->text, type);
+    select.limit = sqliteConstant(convert(count, type, kBigInt, Conversion::Cut));
+    select.atMostOneRow = select.limit == "1" || select.limit == "0";
+    return;
+  }
+  const Scope nothing(nullptr);
+  BoundExpression count = bind(*top.count, nothing);
+  requireConvertible(count.type, kBigInt, top.count->position);
+  select.limit = "ts_top(" + coerce(count, kBigInt, Conversion::Cut) + ")";
+}
+
+// ---------------------------------------------------------------- order
+
+/// The output column that an item of ORDER BY names by its position or by its name.
+std::optional<std::size_t> Binder::outputPosition(const tsql::Expression& expression,
+                                                  const std::vector<OutputColumn>& columns) {
+  if (const auto* const literal = std::get_if<tsql::Literal>(&expression.node)) {
+    if (literal->kind != tsql::LiteralKind::Integer) {
+      throw SqlError(408,
+                     "A constant expression was encountered in the ORDER BY list, position 1.");
+    }
+    guardText(*literal);
+    const auto number = Decimal::parse(literal->text);
+    const auto position = number ? number->toInteger() : std::nullopt;
+    if (!position || *position < 1 || *position > static_cast<std::int64_t>(columns.size())) {
+      throw SqlError(108, "The ORDER BY position number " + literal->text +
+                              " is out of range of the number of items in the select list.");
+    }
+    return static_cast<std::size_t>(*position - 1);
+  }
+  const auto* const reference = std::get_if<tsql::ColumnReference>(&expression.node);
+  if (reference == nullptr || reference->name.parts.size() != 1) {
+    return std::nullopt;
+  }
+  const std::string wanted = foldText(reference->name.parts.front());
+  std::optional<std::size_t> found;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].named && foldText(columns[i].name) == wanted) {
+      const bool same = found && columns[i].expression.isColumn &&
+                        columns[*found].expression.sql == columns[i].expression.sql;
+      if (found && !same) {
+        throw SqlError(209, "Ambiguous column name '" + reference->name.parts.front() + "'.");
+      }
+      found = found ? found : i;
+    }
+  }
+  return found;
+}
+
+std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
+                                  BoundSelect& select) {
+  if (const auto position = outputPosition(*item.expression, select.columns)) {
+    return std::to_string(*position + 1);
+  }
+  const bool checks = select.distinct;
+  const std::string printed = checks ? foldText(tsql::print(*item.expression)) : "";
+  BoundExpression bound = bindKey(*item.expression, scope, false);
+  if (bound.pending) {
+    throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
+  }
+  if (checks) {
+    for (std::size_t i = 0; i < select.columns.size(); ++i) {
+      const OutputColumn& column = select.columns[i];
+      if (column.printed == printed ||
+          (bound.isColumn && column.expression.isColumn && column.expression.sql == bound.sql)) {
+        return std::to_string(i + 1);
+      }
+    }
+    throw SqlError(145,
+                   "ORDER BY items must appear in the select list if SELECT DISTINCT is "
+                   "specified.");
+  }
+  std::string sql = natural(bound);
+  if (bound.type.isText() && !bound.isColumn) {
+    sql += std::string(kCollateClause);
+  }
+  // A bare number would be taken for a position.
+  return bound.isColumn ? sql : "(" + sql + ")";
+}
+
+void Binder::bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select) {
+  scope.grouping.number = 8127;
+  scope.grouping.clause = "ORDER BY clause";
+  for (const tsql::OrderItem& item : query.orderBy) {
+    select.orderBy += (select.orderBy.empty() ? "" : ",") + bindOrderItem(item, scope, select) +
+                      (item.descending ? " DESC" : "");
+  }
+}
+
+void Binder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
+  for (const tsql::OrderItem& item : query.orderBy) {
+    const auto position = outputPosition(*item.expression, bound.columns());
+    if (!position) {
+      throw SqlError(104,
+                     "ORDER BY items must appear in the select list if the statement contains a "
+                     "UNION, INTERSECT or EXCEPT operator.");
+    }
+    bound.orderBy += (bound.orderBy.empty() ? "" : ",") + std::to_string(*position + 1) +
+                     (item.descending ? " DESC" : "");
+  }
+}
+
+}  // namespace azcoll::embedded

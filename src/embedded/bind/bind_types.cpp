@@ -1,0 +1,241 @@
+#include "embedded/bind/binder.h"
+#include "embedded/plan/slots.h"
+#include "embedded/sqlite/sql_text.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/literals.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
+#include "embedded/values/value.h"
+
+namespace azcoll::embedded {
+
+namespace {
+
+bool isLiteral(const BoundExpression& expression) {
+  return expression.pending && expression.pending->source == SlotSource::Literal;
+}
+
+bool isMarker(const BoundExpression& expression) {
+  return expression.pending && expression.pending->source == SlotSource::Marker;
+}
+
+/// Whether a value of `from` in SQLite is not yet one of `to`.
+bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
+  if (from.kind == TypeKind::Null || to.kind == TypeKind::Null || from == to) {
+    return false;
+  }
+  if (conversion == Conversion::Compare) {
+    return !sameForm(from, to);
+  }
+  if (from.isText() && to.isText()) {
+    const bool fits =
+        to.length == kUnlimited || (from.length != kUnlimited && from.length <= to.length);
+    return !fits || (to.isPadded() && !(from.isPadded() && from.length == to.length));
+  }
+  if (from.isInteger() && to.isInteger()) {
+    return to.kind < from.kind;
+  }
+  if (from.isDecimal() && to.isDecimal()) {
+    return !sameForm(from, to) || to.precision < from.precision;
+  }
+  if (from.isInteger() && to.isDecimal()) {
+    return !sameForm(from, to) || to.precision < integerDigits(from);
+  }
+  return !(from.kind == TypeKind::Real && to.kind == TypeKind::Float);
+}
+
+}  // namespace
+
+BoundExpression Binder::bindLiteral(const tsql::Literal& literal) const {
+  BoundExpression bound;
+  bound.type = literalType(literal.kind, literal.text);
+  if (literal.kind == tsql::LiteralKind::Null &&
+      (literal.ordinal == tsql::kNotLifted || context_.constantsInside)) {
+    bound.sql = "NULL";
+    return bound;
+  }
+  bound.literal = &literal;
+  bound.pending.emplace();
+  bound.pending->source = SlotSource::Literal;
+  bound.pending->index = static_cast<std::uint32_t>(literal.ordinal);
+  return bound;
+}
+
+void Binder::guard(const BoundExpression& expression, Guard::Kind kind, const Type& type) {
+  if (isLiteral(expression) && !context_.constantsInside) {
+    emission_.guards->push_back({kind, expression.literal->ordinal, type, {}});
+  }
+}
+
+void Binder::guardText(const tsql::Literal& literal) {
+  if (!context_.constantsInside && literal.ordinal != tsql::kNotLifted) {
+    emission_.guards->push_back({Guard::Kind::SameText, literal.ordinal, {}, literal.text});
+  }
+}
+
+std::string Binder::emitConstant(const BoundExpression& expression, const Type& target,
+                                 Conversion conversion) const {
+  const tsql::Literal& literal = *expression.literal;
+  const Type type = literalType(literal.kind, literal.text);
+  Value value = literalValue(literal.kind, literal.text, type);
+  if (expression.pending->negate) {
+    value = negated(std::move(value));
+  }
+  try {
+    return sqliteConstant(convert(std::move(value), type, target, conversion));
+  } catch (const SqlError& error) {
+    // The statement fails when it is reached, after the statements in front of it have run.
+    if (!emission_.failure) {
+      emission_.failure = error;
+    }
+    return "NULL";
+  }
+}
+
+std::string Binder::emitSlot(const BoundExpression& expression, const Type& target,
+                             Conversion conversion) {
+  if (isLiteral(expression) && context_.constantsInside) {
+    return emitConstant(expression, target, conversion);
+  }
+  Slot slot = *expression.pending;
+  slot.target = target;
+  slot.conversion = conversion;
+  emission_.slots.push_back(slot);
+  return "?" + std::to_string(emission_.slots.size());
+}
+
+std::string Binder::natural(BoundExpression& expression) {
+  if (!expression.pending) {
+    return expression.sql;
+  }
+  if (isMarker(expression)) {
+    throw SqlError(0, "Outside the supported T-SQL: a ? marker whose type nothing tells.");
+  }
+  if (expression.type.kind == TypeKind::Null) {
+    return "NULL";
+  }
+  if (!expression.type.isText() && !expression.type.isFloat()) {
+    guard(expression, Guard::Kind::SameType, expression.type);
+  }
+  return emitSlot(expression, expression.type, Conversion::Compare);
+}
+
+void Binder::requireConvertible(const Type& from, const Type& to,
+                                const tsql::Position& position) const {
+  if (isConvertible(from, to)) {
+    return;
+  }
+  if (from.isFloat() && to.isText()) {
+    refuse(context_.text, position, "a floating-point number as a text");
+  }
+  if (from.isDate() && (to.isInteger() || to.isDecimal())) {
+    throw SqlError(257, "Implicit conversion from data type " + std::string(typeName(from)) +
+                            " to " + std::string(typeName(to)) +
+                            " is not allowed. Use the CONVERT function to run this query.");
+  }
+  throw SqlError(206, "Operand type clash: " + std::string(typeName(from)) +
+                          " is incompatible with " + std::string(typeName(to)));
+}
+
+std::string Binder::coerce(BoundExpression& expression, const Type& type, Conversion conversion) {
+  if (expression.pending) {
+    return emitSlot(expression, type, conversion);
+  }
+  requireConvertible(expression.type, type, {});
+  if (!needsConversion(expression.type, type, conversion)) {
+    return expression.sql;
+  }
+  return "ts_cast(" + expression.sql + "," + std::to_string(encodeType(expression.type)) + "," +
+         std::to_string(encodeType(type)) + "," + std::to_string(static_cast<int>(conversion)) +
+         ")";
+}
+
+Type Binder::common(const Type& left, const Type& right, const tsql::Position& position) {
+  const std::optional<Type> type = commonType(left, right);
+  if (!type) {
+    refuse(context_.text, position, "decimals that have no common type of at most 38 digits");
+  }
+  requireConvertible(left, *type, position);
+  requireConvertible(right, *type, position);
+  return *type;
+}
+
+/// The common type of a constant or variable and of what it meets. As far as possible it is the
+/// type of the other side, so that a column stays a bare column and its index serves.
+Type Binder::unifyPending(const BoundExpression& pending, const Type& known,
+                          const tsql::Position& position) {
+  const Type& own = pending.type;
+  if (isMarker(pending) || own.kind == TypeKind::Null || (known.isText() && own.isText())) {
+    return known;
+  }
+  if (own.isText()) {
+    return known;  // a text takes the type of the number or date that it meets
+  }
+  const bool whole = own.isInteger() || (own.isDecimal() && own.scale == 0 && !own.isWide());
+  if (known.isInteger() && whole) {
+    guard(pending, Guard::Kind::SmallInteger, {});
+    return known;
+  }
+  if (known.isDecimal() && own.isInteger()) {
+    return known;
+  }
+  if (known.isDecimal() && own.isDecimal() && own.scale <= known.scale) {
+    guard(pending, Guard::Kind::Scale, known);
+    return known;
+  }
+  if (known.isFloat() && own.isNumber()) {
+    return kFloat;
+  }
+  if (!own.isDate()) {
+    guard(pending, Guard::Kind::SameType, own);
+  }
+  return common(known, own, position);
+}
+
+Type Binder::unify(const std::vector<BoundExpression*>& operands, const tsql::Position& position) {
+  Type known;
+  for (const BoundExpression* const operand : operands) {
+    if (!operand->pending) {
+      known = common(known, operand->type, position);
+    }
+  }
+  for (const BoundExpression* const operand : operands) {
+    if (!operand->pending) {
+      continue;
+    }
+    if (known.kind == TypeKind::Null) {
+      if (!operand->type.isText() && operand->type.kind != TypeKind::Null) {
+        guard(*operand, Guard::Kind::SameType, operand->type);
+      }
+      known = operand->type;
+    } else {
+      known = unifyPending(*operand, known, position);
+    }
+  }
+  return known.kind == TypeKind::Null ? kInt : known;
+}
+
+std::string Binder::coerceToCompare(BoundExpression& expression, const Type& common) {
+  if (!expression.pending) {
+    return coerce(expression, common, Conversion::Compare);
+  }
+  const Type& own = expression.type;
+  const bool number = own.isNumber() || isMarker(expression);
+  if (common.isText()) {
+    return emitSlot(expression, common.isUnicode() ? kNVarChar : kVarChar, Conversion::Compare);
+  }
+  if (common.kind == TypeKind::Bit && isMarker(expression)) {
+    return emitSlot(expression, common, Conversion::Compare);  // True is 1 here, not -1
+  }
+  if (common.isInteger() && number) {
+    return emitSlot(expression, kBigInt, Conversion::Compare);
+  }
+  if (common.isDecimal()) {
+    const Type widest = decimalType(common.isWide() ? 38 : 18, common.scale);
+    return emitSlot(expression, number ? widest : common,
+                    number ? Conversion::Compare : Conversion::Cut);
+  }
+  return emitSlot(expression, common, Conversion::Compare);
+}
+
+}  // namespace azcoll::embedded

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "embedded/catalogue/catalogue.h"
+#include "embedded/plan/slots.h"
+#include "embedded/values/types.h"
+
+namespace azcoll::embedded {
+
+/// The column of a table that a value comes from unchanged.
+struct Origin {
+  std::shared_ptr<const Table> table;
+  std::size_t column = 0;
+};
+
+/// A bound expression. As long as `pending` is set it is a constant, variable or marker that has no
+/// text yet: what it meets decides the type to which it is converted when it is bound.
+struct BoundExpression {
+  std::string sql;
+  Type type;
+  std::optional<Slot> pending;
+  const tsql::Literal* literal = nullptr;  ///< of a pending constant
+  bool isColumn = false;                   ///< a plain column: it brings its collation along
+  std::optional<Origin> origin;
+};
+
+/// An expression that SQLite reckons.
+[[nodiscard]] inline BoundExpression computed(std::string sql, const Type& type) {
+  BoundExpression bound;
+  bound.sql = std::move(sql);
+  bound.type = type;
+  return bound;
+}
+
+/// A column of a derived table, of an inlined function or of another source that is no table.
+struct SourceColumn {
+  std::string name;
+  std::string sql;
+  Type type;
+  std::optional<Origin> origin;
+};
+
+/// One source of a FROM clause.
+struct Source {
+  std::string name;                    ///< exposed name, as written
+  std::string folded;                  ///< the same, folded
+  bool hasAlias = false;               ///< whether the exposed name is an alias
+  std::string sqlName;                 ///< its name in the SQLite text
+  std::shared_ptr<const Table> table;  ///< of a table; null for everything else
+  std::vector<SourceColumn> columns;   ///< of everything else
+  std::unordered_map<std::string, std::size_t> byName;
+
+  [[nodiscard]] std::size_t columnCount() const {
+    return table ? table->columns.size() : columns.size();
+  }
+  [[nodiscard]] const std::string& columnName(std::size_t index) const {
+    return table ? table->columns[index].name : columns[index].name;
+  }
+  [[nodiscard]] std::optional<std::size_t> find(const std::string& foldedName) const;
+  /// The column as an expression.
+  [[nodiscard]] BoundExpression column(std::size_t index) const;
+};
+
+/// The part of a grouped query that is being bound: what is not in its keys must be aggregated.
+struct Grouping {
+  bool active = false;
+  std::set<std::string> columns;  ///< SQLite texts of the columns that are keys
+  std::set<std::string> printed;  ///< T-SQL texts of all keys
+  int number = 8120;              ///< message of the clause
+  std::string_view clause = "select list";
+};
+
+/// Scopes beyond the last bit of a set of scopes share that bit.
+inline constexpr std::size_t kLastLevelBit = 63;
+
+/// The bit of a scope in a set of scopes.
+[[nodiscard]] constexpr std::uint64_t levelBit(std::size_t level) {
+  return std::uint64_t{1} << (level < kLastLevelBit ? level : kLastLevelBit);
+}
+
+/// The bits of all scopes outside of `level`; all bits where that cannot be told apart.
+[[nodiscard]] constexpr std::uint64_t outerLevels(std::size_t level) {
+  return level >= kLastLevelBit ? ~std::uint64_t{0} : levelBit(level) - 1;
+}
+
+/// The sources that names are looked up in, from a query outward.
+struct Scope {
+  const Scope* parent = nullptr;
+  std::size_t level = 0;
+  std::vector<Source> sources;
+  std::size_t visibleFrom = 0;  ///< an ON clause sees the sources of its own join only
+  /// Changes while one and the same query is bound, clause by clause.
+  mutable Grouping grouping;
+  mutable bool aggregatesAllowed = false;
+  /// What WHERE demands of a column by constants alone: text of the column → rest of the condition.
+  mutable std::unordered_multimap<std::string, std::string> constantFilters;
+
+  explicit Scope(const Scope* outer)
+      : parent(outer), level(outer == nullptr ? 0 : outer->level + 1) {}
+};
+
+}  // namespace azcoll::embedded
