@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "embedded/engine.h"
 #include "embedded/plan/result_column.h"
 #include "embedded/run/constraint_errors.h"
 #include "embedded/run/definer.h"
@@ -89,7 +88,7 @@ void BatchRunner::run() {
   if (variables_.size() < plan_.variables.scalars.size()) {
     variables_.resize(plan_.variables.scalars.size());
   }
-  const VisibleVariables visible(*engine_.runtime_, variables_);
+  const VisibleVariables visible(session_.runtime, variables_);
   for (const Piece& clearing : plan_.clearings) {
     clearing.statement.run();
   }
@@ -98,7 +97,7 @@ void BatchRunner::run() {
 
 void BatchRunner::runProcedure(const Routine& routine,
                                const std::vector<std::optional<Value>>& arguments) {
-  const ActiveCall active(engine_.depth_, plan_);
+  const ActiveCall active(session_.depth, plan_);
   variables_.resize(plan_.variables.scalars.size());
   for (std::size_t i = 0; i < routine.parameters.size(); ++i) {
     const RoutineParameter& parameter = routine.parameters[i];
@@ -164,7 +163,7 @@ BatchRunner::Flow BatchRunner::runNode(Node& node) {
 BatchRunner::Flow BatchRunner::runWhile(WhileNode& loop) {
   while (test(loop.condition)) {
     // A loop of trivial statements never reaches SQLite's own reading of the clock.
-    if (Engine::watchClock(&engine_) != 0) {
+    if (session_.clock.isOver()) {
       throw SqliteFailure{SQLITE_INTERRUPT, ""};
     }
     const Flow flow = runNode(*loop.body);
@@ -179,11 +178,11 @@ BatchRunner::Flow BatchRunner::runWhile(WhileNode& loop) {
 }
 
 BatchRunner::Flow BatchRunner::runDeferred(const DeferredNode& deferred) {
-  Definer definer(engine_);
+  Definer definer(surroundings_);
   if (definer.define(*deferred.statement, plan_.text)) {
     return Flow::Next;
   }
-  Node node = engine_.compiler().compileDeferred(plan_, *deferred.statement);
+  Node node = surroundings_.plans.compileDeferred(plan_, *deferred.statement);
   variables_.resize(plan_.variables.scalars.size());
   return runNode(node);
 }
@@ -211,7 +210,7 @@ void BatchRunner::select(SelectNode& node) {
     }
     ++rows;
   }
-  engine_.rowCount_ = rows;
+  session_.rowCount = rows;
   noticeReprepare(node.piece);
 }
 
@@ -227,7 +226,7 @@ void BatchRunner::assign(AssignNode& node) {
     }
     ++rows;
   }
-  engine_.rowCount_ = rows;
+  session_.rowCount = rows;
 }
 
 void BatchRunner::change(ChangeNode& node) {
@@ -236,18 +235,18 @@ void BatchRunner::change(ChangeNode& node) {
     node.piece.statement.run();
   } catch (const SqliteFailure& failure) {
     constexpr int kPrimaryCode = 0xFF;
-    if (engine_.runtime_->failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
+    if (session_.runtime.failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
       throw;
     }
     const std::optional<std::int64_t> changed = changeWithLateKeys(node, failure);
     if (!changed) {
-      throw ConstraintReporter(engine_, node).explain(failure);
+      throw ConstraintReporter(session_, node).explain(failure);
     }
     countChange(node, *changed);
     return;
   }
   noticeReprepare(node.piece);
-  countChange(node, sqlite3_changes64(engine_.database_.get()));
+  countChange(node, sqlite3_changes64(session_.database.get()));
 }
 
 std::optional<std::int64_t> BatchRunner::changeWithLateKeys(const ChangeNode& node,
@@ -258,17 +257,17 @@ std::optional<std::int64_t> BatchRunner::changeWithLateKeys(const ChangeNode& no
   if (!key || node.kind != ChangeKind::Update) {
     return std::nullopt;
   }
-  return updateWithLateKeys(engine_, node, [this](const Piece& piece) { bind(piece); });
+  return updateWithLateKeys(session_, node, [this](const Piece& piece) { bind(piece); });
 }
 
 void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {
-  engine_.rowCount_ = rows;
-  if (node.kind == ChangeKind::Insert && node.table->identity && engine_.rowCount_ > 0) {
-    engine_.lastIdentity_ = sqlite3_last_insert_rowid(engine_.database_.get());
+  session_.rowCount = rows;
+  if (node.kind == ChangeKind::Insert && node.table->identity && session_.rowCount > 0) {
+    session_.lastIdentity = sqlite3_last_insert_rowid(session_.database.get());
   }
   if (!noCount_) {
     result_.recordsAffected =
-        std::max<std::int64_t>(result_.recordsAffected, 0) + engine_.rowCount_;
+        std::max<std::int64_t>(result_.recordsAffected, 0) + session_.rowCount;
   }
 }
 
@@ -281,13 +280,13 @@ bool BatchRunner::test(Piece& piece) {
 void BatchRunner::transact(tsql::TransactionVerb verb) {
   switch (verb) {
     case tsql::TransactionVerb::Begin:
-      engine_.begin();
+      surroundings_.transactions.begin();
       break;
     case tsql::TransactionVerb::Commit:
-      engine_.commit();
+      surroundings_.transactions.commit();
       break;
     case tsql::TransactionVerb::Rollback:
-      engine_.rollback();
+      surroundings_.transactions.rollback();
       break;
   }
 }
@@ -322,8 +321,8 @@ void BatchRunner::execute(ExecuteNode& node) {
           argumentValue(*argument.value, routine.parameters[argument.parameter].type);
     }
   }
-  const std::shared_ptr<Plan> plan = engine_.planOf(routine);
-  BatchRunner callee(engine_, *plan, result_);
+  const std::shared_ptr<Plan> plan = surroundings_.plans.planOf(routine);
+  BatchRunner callee(surroundings_, *plan, result_);
   callee.noCount_ = noCount_;
   callee.runProcedure(routine, arguments);
   passBack(node, callee);
@@ -345,7 +344,7 @@ void BatchRunner::passBack(const ExecuteNode& node, const BatchRunner& callee) {
 /// SQLite prepared a statement anew by itself: the schema changed under the plan.
 void BatchRunner::noticeReprepare(const Piece& piece) {
   if (sqlite3_stmt_status(piece.statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1) > 0) {
-    engine_.uncertain_ = true;
+    session_.schemaUncertain = true;
   }
 }
 

@@ -8,6 +8,7 @@
 #include "cursor/result_set.h"
 #include "embedded/plan/plan.h"
 #include "embedded/plan/slots.h"
+#include "embedded/run/session.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
@@ -15,13 +16,11 @@
 
 namespace azcoll::embedded {
 
-class Engine;
-
 /// Runs one plan once.
 class BatchRunner {
  public:
-  BatchRunner(Engine& engine, Plan& plan, ExecutionResult& result)
-      : engine_(engine), plan_(plan), result_(result) {}
+  BatchRunner(const Surroundings& surroundings, Plan& plan, ExecutionResult& result)
+      : surroundings_(surroundings), session_(surroundings.session), plan_(plan), result_(result) {}
 
   /// The constants of the text being run; the shape must stay as it is.
   void setConstants(const tsql::Shape* shape) { shape_ = shape; }
@@ -58,7 +57,8 @@ class BatchRunner {
   [[nodiscard]] Value slotValue(const Slot& slot) const;
   void noticeReprepare(const Piece& piece);
 
-  Engine& engine_;
+  Surroundings surroundings_;
+  Session& session_;
   Plan& plan_;
   ExecutionResult& result_;
   const tsql::Shape* shape_ = nullptr;

@@ -7,7 +7,6 @@
 
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/compile/table_definition.h"
-#include "embedded/engine.h"
 #include "embedded/functions/functions.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/sql_text.h"
@@ -133,7 +132,7 @@ SqlError ConstraintReporter::explainNull(std::string_view detail) const {
   const std::string column(detail.substr(std::min(prefix, detail.size())));
   const std::string table = node_.table->isVariable
                                 ? node_.table->name
-                                : engine_.databaseName_ + ".dbo." + node_.table->name;
+                                : session_.databaseName + ".dbo." + node_.table->name;
   return {515, "Cannot insert the value NULL into column '" + column + "', table '" + table +
                    "'; column does not allow nulls. " + std::string(verb()) + " fails."};
 }
@@ -153,7 +152,7 @@ std::optional<SqliteFailure> ConstraintReporter::rerun() const {
 /// SQLite looks at the indexes first, SQL Server at the primary key: when a row breaks several, the
 /// key is told. Without the table's indexes the run shows whether it is broken too.
 std::string ConstraintReporter::firstBrokenKey(std::string_view detail) const {
-  const SqliteDatabase& database = engine_.database_;
+  const SqliteDatabase& database = session_.database;
   const TrialRun trial(database);
   std::vector<std::string> indexes;
   {
@@ -179,7 +178,7 @@ std::string ConstraintReporter::firstBrokenKey(std::string_view detail) const {
 std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& columns) const {
   const Table& table = *node_.table;
   Trace trace;
-  const SqliteDatabase& database = engine_.database_;
+  const SqliteDatabase& database = session_.database;
   sqlite3_create_function_v2(database.get(), "ts_trace", -1, SQLITE_UTF8 | SQLITE_INNOCUOUS, &trace,
                              traceKey, nullptr, nullptr, nullptr);
   std::string arguments;
@@ -226,7 +225,7 @@ std::string ConstraintReporter::conflict(std::string_view kind, const Constraint
                                          const std::vector<std::size_t>& columns) const {
   std::string text = "The " + std::string(verb()) + " statement conflicted with the " +
                      std::string(kind) + " constraint \"" + constraint.name +
-                     "\". The conflict occurred in database \"" + engine_.databaseName_ +
+                     "\". The conflict occurred in database \"" + session_.databaseName +
                      "\", table \"" + ownName(table) + "\"";
   // A key of several columns is told without them.
   if (columns.size() == 1) {
@@ -246,7 +245,7 @@ SqlError ConstraintReporter::explainCheck(std::string_view detail) const {
 
 /// The foreign key of `child` that has rows without a partner right now, or null.
 const Constraint* ConstraintReporter::findViolated(const Table& child) const {
-  const SqliteDatabase& database = engine_.database_;
+  const SqliteDatabase& database = session_.database;
   const SqliteStatement rows = database.prepare("SELECT fkid FROM pragma_foreign_key_check(" +
                                                 quoteText(child.storeName) + ")");
   if (!rows.step()) {
@@ -269,7 +268,7 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
     if (constraint.kind != tsql::ConstraintKind::ForeignKey) {
       continue;
     }
-    const Catalogue::TablePtr table = engine_.catalogue_.findTable(constraint.referencedTable);
+    const Catalogue::TablePtr table = session_.catalogue.findTable(constraint.referencedTable);
     const std::string parentName = table ? foldText(table->storeName) : "";
     if (constraint.columns == columns && parentName == parent) {
       return &constraint;
@@ -282,7 +281,7 @@ SqlError ConstraintReporter::violated(const Table& child, const Constraint& cons
   const bool self = foldText(constraint.referencedTable) == foldText(child.name);
   const bool changedIsChild = &child == node_.table.get();
   if (changedIsChild && node_.kind != ChangeKind::Delete) {
-    const Catalogue::TablePtr parent = engine_.catalogue_.findTable(constraint.referencedTable);
+    const Catalogue::TablePtr parent = session_.catalogue.findTable(constraint.referencedTable);
     return {547, conflict(self ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY", constraint, *parent,
                           referencedColumns(constraint, *parent))};
   }
@@ -297,7 +296,7 @@ std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
   if (const Constraint* const constraint = findViolated(*node_.table)) {
     return violated(*node_.table, *constraint);
   }
-  for (const auto& [key, child] : engine_.catalogue_.tables()) {
+  for (const auto& [key, child] : session_.catalogue.tables()) {
     const bool refers = std::any_of(
         child->constraints.begin(), child->constraints.end(), [this](const Constraint& each) {
           return each.kind == tsql::ConstraintKind::ForeignKey &&
@@ -313,8 +312,8 @@ std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
 }
 
 SqlError ConstraintReporter::explainForeignKey() const {
-  const TrialRun trial(engine_.database_);
-  engine_.database_.execute("PRAGMA defer_foreign_keys = ON");
+  const TrialRun trial(session_.database);
+  session_.database.execute("PRAGMA defer_foreign_keys = ON");
   static_cast<void>(rerun());
   return brokenForeignKey().value_or(
       SqlError{547, "The " + std::string(verb()) +

@@ -6,19 +6,18 @@
 #include <vector>
 
 #include "embedded/plan/plan.h"
+#include "embedded/run/session.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/sql_error.h"
 
 namespace azcoll::embedded {
-
-class Engine;
 
 /// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite tells
 /// little about it; what is missing is found by running the change once more inside a savepoint
 /// that is taken back, which costs something on failures only.
 class ConstraintReporter {
  public:
-  ConstraintReporter(Engine& engine, const ChangeNode& node) : engine_(engine), node_(node) {}
+  ConstraintReporter(Session& session, const ChangeNode& node) : session_(session), node_(node) {}
 
   [[nodiscard]] SqlError explain(const SqliteFailure& failure) const;
   /// The foreign key of the changed table, or to it, that has rows without a partner right now.
@@ -40,7 +39,7 @@ class ConstraintReporter {
   [[nodiscard]] std::optional<SqliteFailure> rerun() const;
   [[nodiscard]] std::string firstBrokenKey(std::string_view detail) const;
 
-  Engine& engine_;
+  Session& session_;
   const ChangeNode& node_;
 };
 

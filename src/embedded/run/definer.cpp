@@ -7,7 +7,6 @@
 #include "embedded/catalogue/store.h"
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/compile/table_definition.h"
-#include "embedded/engine.h"
 #include "embedded/run/batch_runner.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/handle.h"
@@ -33,7 +32,7 @@ namespace {
 
 template <typename Action>
 void Definer::atomically(Action action) {
-  const SqliteDatabase& database = engine_.database_;
+  const SqliteDatabase& database = session_.database;
   database.execute("SAVEPOINT definition");
   try {
     action();
@@ -43,7 +42,7 @@ void Definer::atomically(Action action) {
     database.execute("ROLLBACK TO definition; RELEASE definition");
     throw;
   }
-  engine_.definitionsChanged();
+  surroundings_.plans.definitionsChanged();
 }
 
 bool Definer::define(const tsql::Statement& statement, std::string_view text) {
@@ -67,8 +66,8 @@ bool Definer::define(const tsql::Statement& statement, std::string_view text) {
 
 void Definer::requireFreeName(const std::string& name) const {
   const std::string folded = foldText(name);
-  bool taken = engine_.catalogue_.findTable(name) || engine_.catalogue_.findRoutine(name);
-  for (const auto& [key, table] : engine_.catalogue_.tables()) {
+  bool taken = session_.catalogue.findTable(name) || session_.catalogue.findRoutine(name);
+  for (const auto& [key, table] : session_.catalogue.tables()) {
     for (const Constraint& constraint : table->constraints) {
       taken = taken || foldText(constraint.name) == folded;
     }
@@ -95,17 +94,17 @@ void Definer::createTable(const tsql::ObjectName& name, const std::string& defin
     requireFreeName(constraint.name);
   }
   atomically([&] {
-    for (const std::string& sql : tableDefinition(*table, engine_.catalogue_, definition)) {
-      engine_.database_.execute(sql);
+    for (const std::string& sql : tableDefinition(*table, session_.catalogue, definition)) {
+      session_.database.execute(sql);
     }
-    CatalogueStore(engine_.database_).add("TABLE", table->name, "", definition);
+    CatalogueStore(session_.database).add("TABLE", table->name, "", definition);
   });
-  engine_.catalogue_.add(table);
+  session_.catalogue.add(table);
 }
 
 void Definer::createIndex(const tsql::CreateIndexStatement& statement,
                           const std::string& definition, std::string_view text) {
-  const Catalogue::TablePtr table = engine_.catalogue_.findTable(objectName(statement.table, text));
+  const Catalogue::TablePtr table = session_.catalogue.findTable(objectName(statement.table, text));
   if (!table) {
     throw SqlError(1088, "Cannot find the object \"" + statement.table.parts.back() +
                              "\" because it does not exist or you do not have permissions.");
@@ -120,9 +119,9 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
   try {
     atomically([&] {
       for (const std::string& sql : indexDefinition(*table, index)) {
-        engine_.database_.execute(sql);
+        session_.database.execute(sql);
       }
-      CatalogueStore(engine_.database_).add("INDEX", index.name, table->name, definition);
+      CatalogueStore(session_.database).add("INDEX", index.name, table->name, definition);
     });
   } catch (const SqliteFailure& failure) {
     constexpr int kPrimaryCode = 0xFF;
@@ -135,7 +134,7 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
                        table->name + "' and the index name '" + index.name +
                        "'. The duplicate key value is (" + repeatedKey(*table, index) + ").");
   }
-  engine_.catalogue_.addIndex(table->name, index);
+  session_.catalogue.addIndex(table->name, index);
 }
 
 /// The values of the first key that occurs twice, as messages show them.
@@ -145,7 +144,7 @@ std::string Definer::repeatedKey(const Table& table, const Index& index) const {
     list += (list.empty() ? "" : ",") + quoteName(table.columns[column].name);
   }
   const SqliteStatement rows =
-      engine_.database_.prepare("SELECT " + list + " FROM " + table.sqlName + " GROUP BY " + list +
+      session_.database.prepare("SELECT " + list + " FROM " + table.sqlName + " GROUP BY " + list +
                                 " HAVING count(*) > 1 ORDER BY " + list + " LIMIT 1");
   std::string values;
   if (rows.step()) {
@@ -170,11 +169,11 @@ void Definer::createRoutine(const std::string& source) {
   }
   atomically([&] {
     // What is wrong inside is told now, except for objects that may be made until the first call.
-    engine_.compiler().checkRoutine(*routine);
-    CatalogueStore(engine_.database_)
+    surroundings_.plans.checkRoutine(*routine);
+    CatalogueStore(session_.database)
         .add(routine->isFunction ? "FUNCTION" : "PROCEDURE", routine->name, "", source);
   });
-  engine_.catalogue_.add(routine);
+  session_.catalogue.add(routine);
 }
 
 void Definer::drop(const tsql::DropStatement& statement, std::string_view text) {
@@ -191,14 +190,14 @@ void Definer::drop(const tsql::DropStatement& statement, std::string_view text) 
 }
 
 void Definer::dropTable(const std::string& name, bool ifExists) {
-  const Catalogue::TablePtr table = engine_.catalogue_.findTable(name);
+  const Catalogue::TablePtr table = session_.catalogue.findTable(name);
   if (!table) {
     if (!ifExists) {
       failDrop("table", name);
     }
     return;
   }
-  for (const auto& [key, other] : engine_.catalogue_.tables()) {
+  for (const auto& [key, other] : session_.catalogue.tables()) {
     for (const Constraint& constraint : other->constraints) {
       if (other != table && constraint.kind == tsql::ConstraintKind::ForeignKey &&
           foldText(constraint.referencedTable) == foldText(table->name)) {
@@ -208,19 +207,20 @@ void Definer::dropTable(const std::string& name, bool ifExists) {
     }
   }
   atomically([&] {
-    const CatalogueStore store(engine_.database_);
-    engine_.forgetPlans();  // a statement that is still prepared would keep the table in use
-    engine_.database_.execute("DROP TABLE " + table->sqlName);
+    const CatalogueStore store(session_.database);
+    surroundings_.plans
+        .forgetPlans();  // a statement that is still prepared would keep the table in use
+    session_.database.execute("DROP TABLE " + table->sqlName);
     store.remove("TABLE", table->name, "");
     store.removeIndexesOf(table->name);
   });
-  engine_.catalogue_.removeTable(name);
+  session_.catalogue.removeTable(name);
 }
 
 void Definer::dropIndex(const tsql::DropStatement& statement) {
   const std::string& index = statement.name.parts.back();
   const std::string& tableName = statement.name.parts[statement.name.parts.size() - 2];
-  const Catalogue::TablePtr table = engine_.catalogue_.findTable(tableName);
+  const Catalogue::TablePtr table = session_.catalogue.findTable(tableName);
   const Index* found = nullptr;
   if (table) {
     for (const Index& each : table->indexes) {
@@ -237,16 +237,16 @@ void Definer::dropIndex(const tsql::DropStatement& statement) {
   }
   const std::string storeName = indexStoreName(*table, found->name);
   atomically([&] {
-    engine_.database_.execute("DROP INDEX " + quoteName(storeName));
-    engine_.database_.execute("DROP INDEX IF EXISTS " +
+    session_.database.execute("DROP INDEX " + quoteName(storeName));
+    session_.database.execute("DROP INDEX IF EXISTS " +
                               quoteName(storeName + std::string(kNullIndexSuffix)));
-    CatalogueStore(engine_.database_).remove("INDEX", index, table->name);
+    CatalogueStore(session_.database).remove("INDEX", index, table->name);
   });
-  engine_.catalogue_.removeIndex(tableName, index);
+  session_.catalogue.removeIndex(tableName, index);
 }
 
 void Definer::dropRoutine(const tsql::DropStatement& statement, const std::string& name) {
-  const auto routine = engine_.catalogue_.findRoutine(name);
+  const auto routine = session_.catalogue.findRoutine(name);
   const bool function = statement.kind == "FUNCTION";
   if (!routine || routine->isFunction != function) {
     if (!statement.ifExists) {
@@ -254,8 +254,8 @@ void Definer::dropRoutine(const tsql::DropStatement& statement, const std::strin
     }
     return;
   }
-  atomically([&] { CatalogueStore(engine_.database_).remove(statement.kind, name, ""); });
-  engine_.catalogue_.removeRoutine(name);
+  atomically([&] { CatalogueStore(session_.database).remove(statement.kind, name, ""); });
+  session_.catalogue.removeRoutine(name);
 }
 
 }  // namespace azcoll::embedded

@@ -4,16 +4,16 @@
 #include <string_view>
 
 #include "embedded/catalogue/catalogue.h"
+#include "embedded/run/session.h"
 #include "tsql/ast.h"
 
 namespace azcoll::embedded {
 
-class Engine;
-
 /// Makes and drops the objects of the database.
 class Definer {
  public:
-  explicit Definer(Engine& engine) : engine_(engine) {}
+  explicit Definer(const Surroundings& surroundings)
+      : surroundings_(surroundings), session_(surroundings.session) {}
 
   /// Runs a definition; false when the statement is none. All or nothing. Throws `SqlError`,
   /// `tsql::SyntaxError`.
@@ -34,7 +34,8 @@ class Definer {
   [[nodiscard]] std::string repeatedKey(const Table& table, const Index& index) const;
   void requireFreeName(const std::string& name) const;
 
-  Engine& engine_;
+  Surroundings surroundings_;
+  Session& session_;
 };
 
 }  // namespace azcoll::embedded

@@ -5,7 +5,6 @@
 
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/compile/table_definition.h"
-#include "embedded/engine.h"
 #include "embedded/run/constraint_errors.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/sqlite/sql_text.h"
@@ -42,9 +41,9 @@ std::string copyDefinition(const Table& table) {
 
 }  // namespace
 
-std::optional<std::int64_t> updateWithLateKeys(Engine& engine, const ChangeNode& update,
+std::optional<std::int64_t> updateWithLateKeys(Session& session, const ChangeNode& update,
                                                const std::function<void(const Piece&)>& bind) {
-  const SqliteDatabase& database = engine.database_;
+  const SqliteDatabase& database = session.database;
   const Table& table = *update.table;
   const std::string columns = allColumns(table);
   const std::string start = "UPDATE " + table.sqlName;
@@ -69,7 +68,7 @@ std::optional<std::int64_t> updateWithLateKeys(Engine& engine, const ChangeNode&
     database.execute("DELETE FROM " + table.sqlName);
     database.execute("INSERT INTO " + table.sqlName + " (" + columns + ") SELECT " + columns +
                      " FROM " + std::string(kCopy));
-    broken = ConstraintReporter(engine, update).brokenForeignKey();
+    broken = ConstraintReporter(session, update).brokenForeignKey();
     if (!broken) {
       changed = rows;
     }

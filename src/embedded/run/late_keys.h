@@ -5,10 +5,9 @@
 #include <optional>
 
 #include "embedded/plan/plan.h"
+#include "embedded/run/session.h"
 
 namespace azcoll::embedded {
-
-class Engine;
 
 /// Runs an UPDATE that SQLite refused for a duplicate key as SQL Server does: keys are compared
 /// when all rows are written (`SET K = K + 1`), while SQLite compares row by row. The change is
@@ -17,6 +16,6 @@ class Engine;
 /// duplicates in the end too, or another constraint is broken; nothing is changed then. Costs as
 /// much as the table is large.
 [[nodiscard]] std::optional<std::int64_t> updateWithLateKeys(
-    Engine& engine, const ChangeNode& update, const std::function<void(const Piece&)>& bind);
+    Session& session, const ChangeNode& update, const std::function<void(const Piece&)>& bind);
 
 }  // namespace azcoll::embedded

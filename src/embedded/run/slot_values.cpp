@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "embedded/engine.h"
 #include "embedded/plan/guards.h"
 #include "embedded/plan/slots.h"
 #include "embedded/run/batch_runner.h"
@@ -114,15 +113,15 @@ Value BatchRunner::slotValue(const Slot& slot) const {
       value = Value::ofText(storedDate(*fitDate(currentDate(), kDateTime), kDateTime));
       break;
     case SlotSource::RowCount:
-      value = Value::ofInteger(engine_.rowCount_);
+      value = Value::ofInteger(session_.rowCount);
       break;
     case SlotSource::TransactionCount:
-      value = Value::ofInteger(engine_.inTransaction() ? 1 : 0);
+      value = Value::ofInteger(session_.database.inTransaction() ? 1 : 0);
       break;
     default:
       type = decimalType(38, 0);
-      if (engine_.lastIdentity_) {
-        value = Value::ofDigits(*engine_.lastIdentity_, type.precision);
+      if (session_.lastIdentity) {
+        value = Value::ofDigits(*session_.lastIdentity, type.precision);
       }
       break;
   }
