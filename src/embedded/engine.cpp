@@ -102,7 +102,8 @@ void Engine::configure(const ConnectionSettings& settings) {
   }
   sqlite3_progress_handler(
       handle, kStepsBetweenClockReadings,
-      [](void* clock) { return static_cast<Clock*>(clock)->isOver() ? 1 : 0; }, &session_.clock);
+      [](void* limit) { return static_cast<TimeLimit*>(limit)->isOver() ? 1 : 0; },
+      &session_.timeLimit);
   catalogueVersion_ = session_.database.prepare("PRAGMA user_version");
 }
 
@@ -139,7 +140,7 @@ void Engine::forgetPlans() {
 
 template <typename Action>
 auto Engine::translated(Action action) {
-  session_.clock.restart();
+  session_.timeLimit.restart();
   session_.runtime.failure.reset();
   try {
     if (session_.schemaUncertain) {

@@ -57,7 +57,7 @@ class Engine final : private Plans, private Transactions {
   [[nodiscard]] bool isTransactionLost() const { return begun_ && !inTransaction(); }
 
   /// Seconds after which a text is broken off; 0 for never.
-  void setTimeout(int seconds) { session_.clock.setTimeout(seconds); }
+  void setTimeout(int seconds) { session_.timeLimit.setTimeout(seconds); }
 
   [[nodiscard]] const PlanCache& cache() const { return cache_; }
 

@@ -87,6 +87,18 @@ bool containsAggregate(const tsql::Expression& expression) {
   return found;
 }
 
+bool dependsOnRow(const tsql::Expression& expression) {
+  const auto& node = expression.node;
+  bool found = std::holds_alternative<tsql::ColumnReference>(node) ||
+               std::holds_alternative<tsql::ScalarQuery>(node) ||
+               std::holds_alternative<tsql::InQuery>(node) ||
+               std::holds_alternative<tsql::Exists>(node);
+  forEachOperand(expression, [&found](const tsql::Expression& operand) {
+    found = found || dependsOnRow(operand);
+  });
+  return found;
+}
+
 bool mentionsVariable(const tsql::Expression& expression, std::string_view name) {
   const std::string text = foldText(tsql::print(expression));
   for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) {

@@ -18,6 +18,9 @@ void forEachOperand(const tsql::Expression& expression,
 /// Whether an aggregate stands in the expression, outside of queries inside it.
 [[nodiscard]] bool containsAggregate(const tsql::Expression& expression);
 
+/// Whether the value may differ from row to row: a column or a query stands in the expression.
+[[nodiscard]] bool dependsOnRow(const tsql::Expression& expression);
+
 /// Whether the variable `name` (folded) stands anywhere in the expression, queries included.
 [[nodiscard]] bool mentionsVariable(const tsql::Expression& expression, std::string_view name);
 

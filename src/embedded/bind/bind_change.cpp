@@ -114,13 +114,19 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
   return assigned;
 }
 
-std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
-                               Catalogue::TablePtr& target) {
+BoundChange Binder::bindUpdate(const tsql::UpdateStatement& statement) {
   refuseReadingHints(statement.target);
   Scope scope(nullptr);
   const Change change = bindTarget(statement.target, statement.from, scope);
-  target = change.table;
-  const Table& table = *target;
+  BoundChange bound;
+  bound.table = change.table;
+  const Table& table = *bound.table;
+  for (const tsql::Assignment& assignment : statement.assignments) {
+    const auto column = table.find(assignment.column.parts.back());
+    if (column && assignment.value && dependsOnRow(*assignment.value)) {
+      bound.computed.push_back(*column);
+    }
+  }
   const auto assigned = bindAssigned(statement, table, scope);
   const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
@@ -129,9 +135,11 @@ std::string Binder::bindUpdate(const tsql::UpdateStatement& statement,
     for (const auto& [column, value] : assigned) {
       set += (set.empty() ? "" : ",") + quoteName(table.columns[column].name) + "=" + value;
     }
-    return "UPDATE " + table.sqlName + " AS " + change.targetSource + " SET " + set + filter;
+    bound.sql = "UPDATE " + table.sqlName + " AS " + change.targetSource + " SET " + set + filter;
+  } else {
+    bound.sql = updateByKey(change, assigned, filter);
   }
-  return updateByKey(change, assigned, filter);
+  return bound;
 }
 
 /// Keys and new values are gathered first, then written. A subquery would otherwise see rows that
@@ -165,26 +173,28 @@ std::string Binder::updateByKey(const Change& change,
          filter + (joins ? " GROUP BY " + groups : "") + ") AS s WHERE " + match;
 }
 
-std::string Binder::bindDelete(const tsql::DeleteStatement& statement,
-                               Catalogue::TablePtr& target) {
+BoundChange Binder::bindDelete(const tsql::DeleteStatement& statement) {
   refuseReadingHints(statement.target);
   Scope scope(nullptr);
   const Change change = bindTarget(statement.target, statement.from, scope);
-  target = change.table;
+  BoundChange bound;
+  bound.table = change.table;
   const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
-  const std::string sql = "DELETE FROM " + target->sqlName + " AS ";
+  bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {
-    return sql + change.targetSource + condition;
+    bound.sql += change.targetSource + condition;
+    return bound;
   }
   std::string outer;
   std::string inner;
-  for (const std::string& key : keyColumns(*target)) {
+  for (const std::string& key : keyColumns(*bound.table)) {
     outer += (outer.empty() ? "u." : ",u.") + key;
     inner += (inner.empty() ? "" : ",") + change.targetSource + "." + key;
   }
-  return sql + "u WHERE (" + outer + ") IN (SELECT " + inner + " FROM " + change.from + condition +
-         ")";
+  bound.sql +=
+      "u WHERE (" + outer + ") IN (SELECT " + inner + " FROM " + change.from + condition + ")";
+  return bound;
 }
 
 }  // namespace azcoll::embedded

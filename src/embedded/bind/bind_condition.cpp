@@ -1,5 +1,6 @@
 #include <compare>
 
+#include "data/decimal.h"
 #include "embedded/bind/binder.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"

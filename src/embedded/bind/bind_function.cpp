@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <array>
 
+#include "data/decimal.h"
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/binder.h"
-#include "embedded/bind/builtin_names.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
+#include "embedded/values/date_values.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 
@@ -128,6 +129,25 @@ BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql:
   return computed(sql + ")", type);
 }
 
+/// The style of a CONVERT: dates are written in those that `isDateStyle` has and read in the ISO
+/// ones; where no date meets a text there is only the style 0.
+int Binder::bindStyle(const tsql::Expression& expression, const Type& from, const Type& to) {
+  const auto* const literal = std::get_if<tsql::Literal>(&expression.node);
+  if (literal == nullptr || literal->kind != tsql::LiteralKind::Integer) {
+    refuse(context_.text, expression.position, "CONVERT with a style that is no constant");
+  }
+  guardText(*literal);
+  const auto number = Decimal::parse(literal->text);
+  const std::int64_t style = number ? number->toInteger().value_or(-1) : -1;
+  const bool writes = from.isDate() && to.isText() && isDateStyle(style);
+  const bool reads = from.isText() && to.isDate() &&
+                     (style == 112 || style == 120 || style == 121 || style == 126);
+  if (style != 0 && !writes && !reads) {
+    refuse(context_.text, expression.position, "CONVERT with the style " + literal->text);
+  }
+  return static_cast<int>(style);
+}
+
 BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& position,
                                  const Scope& scope) {
   const Type type = castType(node.type, context_.text);
@@ -137,23 +157,14 @@ BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& p
   }
   requireConvertible(operand.type, type, position);
   if (node.style) {
-    const auto* const style = std::get_if<tsql::Literal>(&node.style->node);
-    if (style == nullptr || style->kind != tsql::LiteralKind::Integer) {
-      refuse(context_.text, position, "CONVERT with a style that is no constant");
-    }
+    const int style = bindStyle(*node.style, operand.type, type);
     if (operand.type.isDate() && type.isText()) {
-      guardText(*style);
       const std::string date = natural(operand);
-      const std::string styled = "ts_date_text(" + date + "," +
-                                 std::to_string(encodeType(operand.type)) + "," + style->text + ")";
-      BoundExpression text = computed(styled, kVarChar);
+      BoundExpression text =
+          computed("ts_date_text(" + date + "," + std::to_string(encodeType(operand.type)) + "," +
+                       std::to_string(style) + ")",
+                   kVarChar);
       return computed(coerce(text, type, Conversion::Cut), type);
-    }
-    guardText(*style);
-    if (style->text != "0" && !(operand.type.isText() && type.isDate() &&
-                                (style->text == "112" || style->text == "120" ||
-                                 style->text == "121" || style->text == "126"))) {
-      refuse(context_.text, position, "CONVERT with this style");
     }
   }
   if (operand.type.kind == TypeKind::Null && !operand.pending) {
@@ -206,10 +217,6 @@ BoundExpression Binder::bindTextCall(std::string_view name, const tsql::Function
   }};
   const auto* const found = std::find_if(kFunctions.begin(), kFunctions.end(),
                                          [name](const auto& each) { return each.name == name; });
-  if (found == kFunctions.end() && !isBuiltinFunction(name)) {
-    throw SqlError(195,
-                   "'" + call.name.parts.front() + "' is not a recognized built-in function name.");
-  }
   if (found == kFunctions.end()) {
     refuse(context_.text, position, "the function " + std::string(name));
   }

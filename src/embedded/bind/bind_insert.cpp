@@ -162,11 +162,11 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
   return " " + render(query);
 }
 
-std::string Binder::bindInsert(const tsql::InsertStatement& statement,
-                               Catalogue::TablePtr& target) {
+BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
   refuseReadingHints(statement.target);
-  target = findTable(statement.target.name);
-  const Table& table = *target;
+  BoundChange bound;
+  bound.table = findTable(statement.target.name);
+  const Table& table = *bound.table;
   std::vector<std::size_t> columns = insertColumns(statement, table);
   std::vector<std::size_t> defaults;
   if (statement.defaultValues) {
@@ -179,20 +179,23 @@ std::string Binder::bindInsert(const tsql::InsertStatement& statement,
     }
   }
   if (statement.defaultValues) {
-    std::string sql = "INSERT INTO " + table.sqlName;
+    bound.sql = "INSERT INTO " + table.sqlName;
     if (defaults.empty()) {
-      return sql + " DEFAULT VALUES";
+      bound.sql += " DEFAULT VALUES";
+      return bound;
     }
     std::string values;
     for (const std::size_t column : defaults) {
       values += (values.empty() ? "" : ",") + defaultOf(table, column);
     }
-    return sql + " (" + columnList(table, defaults) + ") VALUES (" + values + ")";
+    bound.sql += " (" + columnList(table, defaults) + ") VALUES (" + values + ")";
+    return bound;
   }
   const std::string source = statement.query ? insertQuery(statement, table, columns, defaults)
                                              : insertRows(statement, table, columns, defaults);
   columns.insert(columns.end(), defaults.begin(), defaults.end());
-  return "INSERT INTO " + table.sqlName + " (" + columnList(table, columns) + ")" + source;
+  bound.sql = "INSERT INTO " + table.sqlName + " (" + columnList(table, columns) + ")" + source;
+  return bound;
 }
 
 }  // namespace azcoll::embedded

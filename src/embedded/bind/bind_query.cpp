@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "data/decimal.h"
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/binder.h"
 #include "embedded/sqlite/sql_text.h"

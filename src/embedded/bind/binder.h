@@ -44,6 +44,13 @@ struct BindContext {
   bool rewriteIn = true;         ///< turn correlated IN into uncorrelated row values where allowed
 };
 
+/// A change: its text, and what reporting its failure needs to know of it.
+struct BoundChange {
+  std::string sql;
+  Catalogue::TablePtr table;
+  std::vector<std::size_t> computed;  ///< columns that an UPDATE computes from the row
+};
+
 /// Refuses the hints that a table which is to be changed cannot have (1065).
 void refuseReadingHints(const tsql::NamedTable& target);
 
@@ -61,12 +68,9 @@ class Binder {
                                             std::vector<AssignTarget>& targets);
   [[nodiscard]] std::string bindValue(const tsql::Expression& expression, const Type& type);
   [[nodiscard]] std::string bindTest(const tsql::Expression& condition);
-  [[nodiscard]] std::string bindInsert(const tsql::InsertStatement& statement,
-                                       Catalogue::TablePtr& table);
-  [[nodiscard]] std::string bindUpdate(const tsql::UpdateStatement& statement,
-                                       Catalogue::TablePtr& table);
-  [[nodiscard]] std::string bindDelete(const tsql::DeleteStatement& statement,
-                                       Catalogue::TablePtr& table);
+  [[nodiscard]] BoundChange bindInsert(const tsql::InsertStatement& statement);
+  [[nodiscard]] BoundChange bindUpdate(const tsql::UpdateStatement& statement);
+  [[nodiscard]] BoundChange bindDelete(const tsql::DeleteStatement& statement);
   /// Binds the body of a function for its errors alone (208, 207, 4514, 4506 …).
   void checkFunction(const Routine& routine);
   /// The condition of a CHECK over the columns of `table`, for its definition.
@@ -139,6 +143,7 @@ class Binder {
                                              const tsql::Position& position, const Scope& scope);
   [[nodiscard]] BoundExpression bindCast(const tsql::Cast& node, const tsql::Position& position,
                                          const Scope& scope);
+  [[nodiscard]] int bindStyle(const tsql::Expression& expression, const Type& from, const Type& to);
   [[nodiscard]] std::string bindText(const tsql::Expression& expression, const Scope& scope,
                                      Type* type = nullptr);
   void requireArguments(const tsql::FunctionCall& call, std::size_t least, std::size_t most) const;

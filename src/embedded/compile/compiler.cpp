@@ -189,30 +189,39 @@ Node Compiler::compile(Work& work, const tsql::Statement& statement) const {
   }
 }
 
+template <typename Bind>
+Node Compiler::compileChange(Work& work, ChangeKind kind, Bind bind) const {
+  ChangeNode change;
+  change.kind = kind;
+  change.piece = piece(work, [&](Binder& binder) {
+    BoundChange bound = bind(binder);
+    change.table = std::move(bound.table);
+    change.computed = std::move(bound.computed);
+    return std::move(bound.sql);
+  });
+  Node node;
+  node.node = std::move(change);
+  return node;
+}
+
 Node Compiler::compileNode(Work& work, const tsql::Statement& statement) const {
   Node node;
   if (const auto* const select = std::get_if<tsql::SelectStatement>(&statement.node)) {
     return compileSelect(work, *select);
   }
   if (const auto* const insert = std::get_if<tsql::InsertStatement>(&statement.node)) {
-    ChangeNode change;
-    change.kind = ChangeKind::Insert;
-    change.piece =
-        piece(work, [&](Binder& binder) { return binder.bindInsert(*insert, change.table); });
-    node.node = std::move(change);
-  } else if (const auto* const update = std::get_if<tsql::UpdateStatement>(&statement.node)) {
-    ChangeNode change;
-    change.kind = ChangeKind::Update;
-    change.piece =
-        piece(work, [&](Binder& binder) { return binder.bindUpdate(*update, change.table); });
-    node.node = std::move(change);
-  } else if (const auto* const removal = std::get_if<tsql::DeleteStatement>(&statement.node)) {
-    ChangeNode change;
-    change.kind = ChangeKind::Delete;
-    change.piece =
-        piece(work, [&](Binder& binder) { return binder.bindDelete(*removal, change.table); });
-    node.node = std::move(change);
-  } else if (const auto* const set = std::get_if<tsql::SetVariableStatement>(&statement.node)) {
+    return compileChange(work, ChangeKind::Insert,
+                         [&](Binder& binder) { return binder.bindInsert(*insert); });
+  }
+  if (const auto* const update = std::get_if<tsql::UpdateStatement>(&statement.node)) {
+    return compileChange(work, ChangeKind::Update,
+                         [&](Binder& binder) { return binder.bindUpdate(*update); });
+  }
+  if (const auto* const removal = std::get_if<tsql::DeleteStatement>(&statement.node)) {
+    return compileChange(work, ChangeKind::Delete,
+                         [&](Binder& binder) { return binder.bindDelete(*removal); });
+  }
+  if (const auto* const set = std::get_if<tsql::SetVariableStatement>(&statement.node)) {
     return assign(work, set->name, *set->value);
   } else if (const auto* const branch = std::get_if<tsql::IfStatement>(&statement.node)) {
     IfNode result;

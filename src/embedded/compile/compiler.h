@@ -49,6 +49,8 @@ class Compiler {
   [[nodiscard]] Node compileExecute(Work& work, const tsql::ExecuteStatement& statement) const;
   [[nodiscard]] Node compileOption(Work& work, const tsql::Statement& statement) const;
   template <typename Bind>
+  [[nodiscard]] Node compileChange(Work& work, ChangeKind kind, Bind bind) const;
+  template <typename Bind>
   [[nodiscard]] Piece piece(Work& work, Bind bind) const;
 
   const SqliteDatabase& database_;

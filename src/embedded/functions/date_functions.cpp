@@ -142,18 +142,9 @@ void text(const FunctionCallFrame& frame) {
     frame.giveNull();
     return;
   }
-  const auto styled =
+  const std::string styled =
       styledDate(dateFromStored(frame.text(0)), frame.type(1), static_cast<int>(frame.integer(2)));
-  if (!styled && isDateStyle(static_cast<int>(frame.integer(2)))) {
-    throw SqlError(0, "Outside the supported T-SQL: CONVERT with the style " +
-                          std::to_string(frame.integer(2)) + ".");
-  }
-  if (!styled) {
-    throw SqlError(281, std::to_string(frame.integer(2)) +
-                            " is not a valid style number when converting from " +
-                            std::string(typeName(frame.type(1))) + " to a character string.");
-  }
-  frame.give(std::string_view(*styled));
+  frame.give(std::string_view(styled));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "data/decimal.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"

@@ -5,6 +5,7 @@
 #include <new>
 #include <optional>
 
+#include "data/decimal.h"
 #include "embedded/functions/functions.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/number_values.h"

@@ -46,6 +46,7 @@ struct ChangeNode {
   Piece piece;
   ChangeKind kind = ChangeKind::Insert;
   Catalogue::TablePtr table;
+  std::vector<std::size_t> computed;  ///< columns that an UPDATE computes from the row
 };
 /// Compiled when it is reached: a definition, or a statement over what does not exist yet.
 struct DeferredNode {

@@ -5,7 +5,6 @@
 #include "embedded/plan/result_column.h"
 #include "embedded/run/constraint_errors.h"
 #include "embedded/run/definer.h"
-#include "embedded/run/late_keys.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/collation.h"
@@ -163,7 +162,7 @@ BatchRunner::Flow BatchRunner::runNode(Node& node) {
 BatchRunner::Flow BatchRunner::runWhile(WhileNode& loop) {
   while (test(loop.condition)) {
     // A loop of trivial statements never reaches SQLite's own reading of the clock.
-    if (session_.clock.isOver()) {
+    if (session_.timeLimit.isOver()) {
       throw SqliteFailure{SQLITE_INTERRUPT, ""};
     }
     const Flow flow = runNode(*loop.body);
@@ -238,26 +237,10 @@ void BatchRunner::change(ChangeNode& node) {
     if (session_.runtime.failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
       throw;
     }
-    const std::optional<std::int64_t> changed = changeWithLateKeys(node, failure);
-    if (!changed) {
-      throw ConstraintReporter(session_, node).explain(failure);
-    }
-    countChange(node, *changed);
-    return;
+    throw ConstraintReporter(session_, node).explain(failure);
   }
   noticeReprepare(node.piece);
   countChange(node, sqlite3_changes64(session_.database.get()));
-}
-
-std::optional<std::int64_t> BatchRunner::changeWithLateKeys(const ChangeNode& node,
-                                                            const SqliteFailure& failure) {
-  const bool key = failure.code == SQLITE_CONSTRAINT_PRIMARYKEY ||
-                   failure.code == SQLITE_CONSTRAINT_UNIQUE ||
-                   failure.code == SQLITE_CONSTRAINT_ROWID;
-  if (!key || node.kind != ChangeKind::Update) {
-    return std::nullopt;
-  }
-  return updateWithLateKeys(session_, node, [this](const Piece& piece) { bind(piece); });
 }
 
 void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {

@@ -9,7 +9,6 @@
 #include "embedded/plan/plan.h"
 #include "embedded/plan/slots.h"
 #include "embedded/run/session.h"
-#include "embedded/sqlite/handle.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
 #include "tsql/parser.h"
@@ -42,8 +41,6 @@ class BatchRunner {
   void select(SelectNode& node);
   void assign(AssignNode& node);
   void change(ChangeNode& node);
-  [[nodiscard]] std::optional<std::int64_t> changeWithLateKeys(const ChangeNode& node,
-                                                               const SqliteFailure& failure);
   void countChange(const ChangeNode& node, std::int64_t rows);
   void execute(ExecuteNode& node);
   void passBack(const ExecuteNode& node, const BatchRunner& callee);

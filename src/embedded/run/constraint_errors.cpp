@@ -74,28 +74,9 @@ bool isIndexMessage(std::string_view detail, const Table& table, std::string_vie
   return detail == "index '" + indexStoreName(table, name) + std::string(kNullIndexSuffix) + "'";
 }
 
-struct BrokenKey {
-  std::string name;
-  std::string_view kind;  ///< "PRIMARY KEY", "UNIQUE KEY", or empty for an index
-  std::vector<std::size_t> columns;
-};
-
-std::optional<BrokenKey> findKey(const Table& table, std::string_view detail) {
-  for (const Constraint& constraint : table.constraints) {
-    const bool primary = constraint.kind == tsql::ConstraintKind::PrimaryKey;
-    const bool key = primary || constraint.kind == tsql::ConstraintKind::Unique;
-    if (key && (detail == listed(table, constraint.columns) ||
-                isIndexMessage(detail, table, constraint.name))) {
-      return BrokenKey{constraint.name, primary ? "PRIMARY KEY" : "UNIQUE KEY", constraint.columns};
-    }
-  }
-  for (const Index& index : table.indexes) {
-    if (index.unique &&
-        (detail == listed(table, index.columns) || isIndexMessage(detail, table, index.name))) {
-      return BrokenKey{index.name, "", index.columns};
-    }
-  }
-  return std::nullopt;
+bool isKey(const Constraint& constraint) {
+  return constraint.kind == tsql::ConstraintKind::PrimaryKey ||
+         constraint.kind == tsql::ConstraintKind::Unique;
 }
 
 std::string ownName(const Table& table) {
@@ -139,43 +120,19 @@ SqlError ConstraintReporter::explainNull(std::string_view detail) const {
 
 // ---------------------------------------------------------------- keys
 
-std::optional<SqliteFailure> ConstraintReporter::rerun() const {
+/// Runs the change again, inside a trial: to fail as before, or to see what it leaves.
+void ConstraintReporter::rerun() const {
   node_.piece.statement.reset();
   try {
     node_.piece.statement.run();
-  } catch (const SqliteFailure& failure) {
-    return failure;
+  } catch (const SqliteFailure&) {
+    // As it did before.
   }
-  return std::nullopt;
 }
 
-/// SQLite looks at the indexes first, SQL Server at the primary key: when a row breaks several, the
-/// key is told. Without the table's indexes the run shows whether it is broken too.
-std::string ConstraintReporter::firstBrokenKey(std::string_view detail) const {
-  const SqliteDatabase& database = session_.database;
-  const TrialRun trial(database);
-  std::vector<std::string> indexes;
-  {
-    const SqliteStatement names = database.prepare(
-        std::string("SELECT name FROM ") + (node_.table->isVariable ? "temp." : "main.") +
-        "sqlite_schema WHERE type = 'index' AND sql IS NOT NULL AND tbl_name = ?1");
-    names.bind(1, node_.table->storeName);
-    while (names.step()) {
-      indexes.emplace_back(names.text(0));
-    }
-  }
-  for (const std::string& index : indexes) {
-    database.execute("DROP INDEX " + quoteName(index));
-  }
-  const auto failure = indexes.empty() ? std::nullopt : rerun();
-  return std::string(failure && findKey(*node_.table, detailOf(failure->message))
-                         ? detailOf(failure->message)
-                         : detail);
-}
-
-/// The key of the row that failed: a trigger watches the rows as they are written, and the last one
-/// seen is it.
-std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& columns) const {
+/// The values of the row that failed: a trigger watches the rows as they are written, and the last
+/// one seen is it.
+std::vector<Value> ConstraintReporter::failedRow(const std::vector<std::size_t>& columns) const {
   const Table& table = *node_.table;
   Trace trace;
   const SqliteDatabase& database = session_.database;
@@ -189,26 +146,96 @@ std::string ConstraintReporter::duplicateValues(const std::vector<std::size_t>& 
     const TrialRun trial(database);
     database.execute("CREATE TEMP TRIGGER ts_watch BEFORE " + std::string(verb()) + " ON " +
                      table.sqlName + " BEGIN SELECT ts_trace(" + arguments + "); END");
-    static_cast<void>(rerun());
+    rerun();
   }
   sqlite3_create_function_v2(database.get(), "ts_trace", -1, SQLITE_UTF8, nullptr, nullptr, nullptr,
                              nullptr, nullptr);
-  std::string values;
-  for (std::size_t i = 0; i < trace.size(); ++i) {
-    const Type& type = table.columns[columns[i]].type;
-    values += (i == 0 ? "" : ", ") +
-              (trace[i].isNull() ? std::string("<NULL>") : valueText(trace[i], type));
+  return trace;
+}
+
+/// Whether a row of the table has the values of the row that failed in `columns` already.
+bool ConstraintReporter::isTaken(const std::vector<std::size_t>& columns) const {
+  const std::vector<Value> values = failedRow(columns);
+  if (values.size() != columns.size()) {
+    return false;
   }
-  return values;
+  std::string match;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    match += (i == 0 ? "" : " AND ") + quoteName(node_.table->columns[columns[i]].name) + " IS ?" +
+             std::to_string(i + 1);
+  }
+  const SqliteStatement rows =
+      session_.database.prepare("SELECT 1 FROM " + node_.table->sqlName + " WHERE " + match);
+  int position = 0;
+  for (const Value& value : values) {
+    bindValue(rows.get(), ++position, value);
+  }
+  return rows.step();
+}
+
+/// The key to report. SQLite looks at the indexes first, SQL Server at the constraints: a new row
+/// that breaks both is refused for the constraint.
+std::optional<ConstraintReporter::BrokenKey> ConstraintReporter::brokenKey(
+    std::string_view detail) const {
+  const Table& table = *node_.table;
+  const auto isMeant = [&](const std::vector<std::size_t>& columns, const std::string& name) {
+    return detail == listed(table, columns) || isIndexMessage(detail, table, name);
+  };
+  const auto index = std::find_if(
+      table.indexes.begin(), table.indexes.end(),
+      [&](const Index& each) { return each.unique && isMeant(each.columns, each.name); });
+  const bool isIndex = index != table.indexes.end() || detail.starts_with("index '");
+  const Constraint* broken = nullptr;
+  for (const Constraint& constraint : table.constraints) {
+    if (!isKey(constraint)) {
+      continue;
+    }
+    if (isMeant(constraint.columns, constraint.name)) {
+      broken = broken == nullptr ? &constraint : broken;
+    } else if (isIndex && node_.kind == ChangeKind::Insert && isTaken(constraint.columns)) {
+      broken = &constraint;
+      break;
+    }
+  }
+  if (broken != nullptr) {
+    const bool primary = broken->kind == tsql::ConstraintKind::PrimaryKey;
+    return BrokenKey{broken->name, primary ? "PRIMARY KEY" : "UNIQUE KEY", broken->columns};
+  }
+  if (index != table.indexes.end()) {
+    return BrokenKey{index->name, "", index->columns};
+  }
+  return std::nullopt;
+}
+
+/// Whether an UPDATE computes the key from the rows that it changes. SQLite compares keys row by
+/// row, SQL Server when all rows are written (`SET K = K + 1`): what SQLite refuses need not be a
+/// duplicate then. A key that is given constants alone has met a duplicate that stays one.
+bool ConstraintReporter::computesKey(const BrokenKey& key) const {
+  return std::any_of(node_.computed.begin(), node_.computed.end(), [&key](std::size_t column) {
+    return std::find(key.columns.begin(), key.columns.end(), column) != key.columns.end();
+  });
 }
 
 SqlError ConstraintReporter::explainDuplicate(std::string_view detail) const {
-  const std::optional<BrokenKey> key = findKey(*node_.table, firstBrokenKey(detail));
+  const std::optional<BrokenKey> key = brokenKey(detail);
   if (!key) {
     return {2627, "Violation of a key constraint. Cannot insert duplicate key in object '" +
                       ownName(*node_.table) + "'."};
   }
-  const std::string values = "The duplicate key value is (" + duplicateValues(key->columns) + ").";
+  if (computesKey(*key)) {
+    return {0,
+            "Outside the supported T-SQL: several keys changed at once; a value that the UPDATE "
+            "computes for '" +
+                key->name + "' is in use while its rows are written."};
+  }
+  std::string list;
+  std::size_t position = 0;
+  for (const Value& value : failedRow(key->columns)) {
+    const Type& type = node_.table->columns[key->columns[position++]].type;
+    list += list.empty() ? "" : ", ";
+    list += value.isNull() ? "<NULL>" : valueText(value, type);
+  }
+  const std::string values = "The duplicate key value is (" + list + ").";
   if (key->kind.empty()) {
     return {2601, "Cannot insert duplicate key row in object '" + ownName(*node_.table) +
                       "' with unique index '" + key->name + "'. " + values};
@@ -289,6 +316,7 @@ SqlError ConstraintReporter::violated(const Table& child, const Constraint& cons
                         constraint.columns)};
 }
 
+/// The foreign key of the changed table, or to it, that has rows without a partner right now.
 std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
   if (node_.table->isVariable) {
     return std::nullopt;
@@ -314,7 +342,7 @@ std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
 SqlError ConstraintReporter::explainForeignKey() const {
   const TrialRun trial(session_.database);
   session_.database.execute("PRAGMA defer_foreign_keys = ON");
-  static_cast<void>(rerun());
+  rerun();
   return brokenForeignKey().value_or(
       SqlError{547, "The " + std::string(verb()) +
                         " statement conflicted with a FOREIGN KEY or REFERENCE constraint."});

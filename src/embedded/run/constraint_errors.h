@@ -9,6 +9,7 @@
 #include "embedded/run/session.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/sql_error.h"
+#include "embedded/values/value.h"
 
 namespace azcoll::embedded {
 
@@ -20,24 +21,30 @@ class ConstraintReporter {
   ConstraintReporter(Session& session, const ChangeNode& node) : session_(session), node_(node) {}
 
   [[nodiscard]] SqlError explain(const SqliteFailure& failure) const;
-  /// The foreign key of the changed table, or to it, that has rows without a partner right now.
-  [[nodiscard]] std::optional<SqlError> brokenForeignKey() const;
 
  private:
+  struct BrokenKey {
+    std::string name;
+    std::string_view kind;  ///< "PRIMARY KEY", "UNIQUE KEY", or empty for an index
+    std::vector<std::size_t> columns;
+  };
+
   [[nodiscard]] SqlError explainNull(std::string_view detail) const;
   [[nodiscard]] SqlError explainDuplicate(std::string_view detail) const;
   [[nodiscard]] SqlError explainCheck(std::string_view detail) const;
   [[nodiscard]] SqlError explainForeignKey() const;
-  [[nodiscard]] std::string duplicateValues(const std::vector<std::size_t>& columns) const;
+  [[nodiscard]] std::optional<SqlError> brokenForeignKey() const;
+  [[nodiscard]] std::optional<BrokenKey> brokenKey(std::string_view detail) const;
+  [[nodiscard]] bool computesKey(const BrokenKey& key) const;
+  [[nodiscard]] std::vector<Value> failedRow(const std::vector<std::size_t>& columns) const;
+  [[nodiscard]] bool isTaken(const std::vector<std::size_t>& columns) const;
   [[nodiscard]] SqlError violated(const Table& child, const Constraint& constraint) const;
   [[nodiscard]] const Constraint* findViolated(const Table& child) const;
   [[nodiscard]] std::string conflict(std::string_view kind, const Constraint& constraint,
                                      const Table& table,
                                      const std::vector<std::size_t>& columns) const;
   [[nodiscard]] std::string_view verb() const;
-  /// Runs the change again; its failure, or nothing.
-  [[nodiscard]] std::optional<SqliteFailure> rerun() const;
-  [[nodiscard]] std::string firstBrokenKey(std::string_view detail) const;
+  void rerun() const;
 
   Session& session_;
   const ChangeNode& node_;

@@ -2,7 +2,7 @@
 
 namespace azcoll::embedded {
 
-bool Clock::isOver() {
+bool TimeLimit::isOver() {
   if (timeout_.count() == 0) {
     return false;
   }

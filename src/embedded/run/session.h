@@ -16,7 +16,7 @@
 namespace azcoll::embedded {
 
 /// Breaks off a text that runs too long.
-class Clock {
+class TimeLimit {
  public:
   /// 0 seconds: never.
   void setTimeout(int seconds) { timeout_ = std::chrono::seconds(seconds); }
@@ -30,7 +30,7 @@ class Clock {
 };
 
 /// The open database and what the statements that run on it share. SQLite keeps the addresses of
-/// `runtime` and `clock`, so a session stays where it is.
+/// `runtime` and `timeLimit`, so a session stays where it is.
 struct Session {
   Session() = default;
   Session(const Session&) = delete;
@@ -40,7 +40,7 @@ struct Session {
   ~Session() = default;
 
   RuntimeState runtime;
-  Clock clock;
+  TimeLimit timeLimit;
   SqliteDatabase database;
   std::string databaseName;
   Catalogue catalogue;

@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "data/decimal.h"
 #include "embedded/values/date_values.h"
 #include "embedded/values/number_values.h"
 #include "embedded/values/sql_error.h"

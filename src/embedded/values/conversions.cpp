@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "data/decimal.h"
 #include "data/text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/date_values.h"
@@ -437,8 +438,7 @@ std::string valueText(const Value& value, const Type& type) {
   }
   if (type.isDate()) {
     return styledDate(dateFromStored(value.text), type,
-                      type.kind == TypeKind::Date || type.kind == TypeKind::DateTime2 ? 121 : 0)
-        .value_or("");
+                      type.kind == TypeKind::Date || type.kind == TypeKind::DateTime2 ? 121 : 0);
   }
   return value.text;
 }

@@ -1,5 +1,6 @@
 #include "embedded/values/date_values.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -279,82 +280,29 @@ Date dateFromStored(std::string_view text) {
       .value_or(Date{});
 }
 
-bool isDateStyle(int style) {
-  return (style >= 0 && style <= 14) || (style >= 20 && style <= 25) ||
-         (style >= 100 && style <= 114) || style == 120 || style == 121 || style == 126 ||
-         style == 127 || style == 130 || style == 131;
+bool isDateStyle(std::int64_t style) {
+  constexpr std::array<std::int64_t, 6> kStyles{0, 103, 112, 120, 121, 126};
+  return std::find(kStyles.begin(), kStyles.end(), style) != kStyles.end();
 }
 
-namespace {
-
-/// The styles that show the day alone, by number; with `century`, the year has four digits.
-std::optional<std::string> dayStyle(const Date& date, int style, bool century) {
-  const int m = date.month;
-  const int d = date.day;
-  const std::string year =
-      century ? format("%04d", date.year, 0, 0) : format("%02d", date.year % 100, 0, 0);
-  switch (style) {
-    case 1:
-      return format("%02d/%02d/", m, d, 0) + year;
-    case 2:
-      return year + format(".%02d.%02d", m, d, 0);
-    case 3:
-      return format("%02d/%02d/", d, m, 0) + year;
-    case 4:
-      return format("%02d.%02d.", d, m, 0) + year;
-    case 5:
-      return format("%02d-%02d-", d, m, 0) + year;
-    case 6:
-      return format("%02d ", d, 0, 0) + longStyle(date, false).substr(0, 3) + " " + year;
-    case 7:
-      return longStyle(date, false).substr(0, 3) + format(" %02d, ", d, 0, 0) + year;
-    case 10:
-      return format("%02d-%02d-", m, d, 0) + year;
-    case 11:
-      return year + format("/%02d/%02d", m, d, 0);
-    case 12:
-      return year + format("%02d%02d", m, d, 0);
-    default:
-      return std::nullopt;
-  }
-}
-
-}  // namespace
-
-std::optional<std::string> styledDate(const Date& date, const Type& type, int style) {
+std::string styledDate(const Date& date, const Type& type, int style) {
   const bool clock = type.kind != TypeKind::Date;
   const std::string day = format("%04d-%02d-%02d", date.year, date.month, date.day);
-  const std::string fine = clockText(date) + ":" + milliseconds(date);
   switch (style) {
     case 0:
-    case 100:
       return longStyle(date, clock);
-    case 8:
-    case 24:
-    case 108:
-      return clockText(date);
-    case 13:
-    case 113:
-      return dayStyle(date, 6, true).value_or("") + (clock ? " " + fine : "");
-    case 14:
-    case 114:
-      return fine;
-    case 23:
-      return day;
-    case 20:
+    case 103:
+      return format("%02d/%02d/%04d", date.day, date.month, date.year);
+    case 112:
+      return format("%04d%02d%02d", date.year, date.month, date.day);
     case 120:
       return day + (clock ? " " + clockText(date) : "");
-    case 21:
-    case 25:
     case 121:
       return day + (clock ? " " + clockText(date) + "." + milliseconds(date) : "");
-    case 126:
+    default:
       return day + (!clock ? ""
                            : "T" + clockText(date) +
                                  (date.millisecond == 0 ? "" : "." + milliseconds(date)));
-    default:
-      constexpr int kWithCentury = 100;
-      return dayStyle(date, style % kWithCentury, style > kWithCentury);
   }
 }
 

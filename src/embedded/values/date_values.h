@@ -49,11 +49,13 @@ struct ParsedDate {
 /// `date` with another time of day, below 24 hours.
 [[nodiscard]] Date withTime(Date date, std::int64_t milliseconds);
 
-/// Whether SQL Server has this style of a date, inside the engine or not.
-[[nodiscard]] bool isDateStyle(int style);
+/// Whether CONVERT writes dates in this style: 0 (`Mar  5 2024  1:07PM`), 103 (`05/03/2024`),
+/// 112 (`20240305`), 120, 121 (ISO 8601 with a blank, to seconds or milliseconds), 126 (with a
+/// `T`).
+[[nodiscard]] bool isDateStyle(std::int64_t style);
 
-/// The text of CONVERT with a style; nothing for a style that is not known here.
-[[nodiscard]] std::optional<std::string> styledDate(const Date& date, const Type& type, int style);
+/// A date of `type` as CONVERT writes it in a style that `isDateStyle` has; a DATE without a time.
+[[nodiscard]] std::string styledDate(const Date& date, const Type& type, int style);
 
 /// The clock's present moment.
 [[nodiscard]] Date currentDate();
