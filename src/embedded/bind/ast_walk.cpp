@@ -1,10 +1,10 @@
 #include "embedded/bind/ast_walk.h"
 
+#include <algorithm>
 #include <array>
 
 #include "embedded/values/collation.h"
 #include "tsql/characters.h"
-#include "tsql/printer.h"
 
 namespace azcoll::embedded {
 
@@ -16,6 +16,60 @@ struct Overloaded : Visitors... {
 };
 template <typename... Visitors>
 Overloaded(Visitors...) -> Overloaded<Visitors...>;
+
+bool mentions(const tsql::ExpressionPtr& expression, std::string_view name) {
+  return expression != nullptr && mentionsVariable(*expression, name);
+}
+
+bool queryMentions(const tsql::Query& query, std::string_view name);
+
+bool sourceMentions(const tsql::TableSource& source, std::string_view name) {
+  return std::visit(
+      Overloaded{
+          [](const tsql::NamedTable&) { return false; },
+          [&](const tsql::DerivedTable& derived) { return queryMentions(*derived.query, name); },
+          [&](const tsql::FunctionTable& function) {
+            return std::any_of(
+                function.arguments.begin(), function.arguments.end(),
+                [&](const tsql::ExpressionPtr& argument) { return mentions(argument, name); });
+          },
+          [&](const tsql::Join& join) {
+            return sourceMentions(*join.left, name) || sourceMentions(*join.right, name) ||
+                   mentions(join.on, name);
+          },
+      },
+      source.node);
+}
+
+bool specificationMentions(const tsql::QuerySpecification& specification, std::string_view name) {
+  const auto inItem = [&](const tsql::SelectItem& item) { return mentions(item.expression, name); };
+  const auto inSource = [&](const tsql::TableSourcePtr& source) {
+    return sourceMentions(*source, name);
+  };
+  const auto inKey = [&](const tsql::ExpressionPtr& key) { return mentions(key, name); };
+  return (specification.top && mentions(specification.top->count, name)) ||
+         std::any_of(specification.items.begin(), specification.items.end(), inItem) ||
+         std::any_of(specification.from.begin(), specification.from.end(), inSource) ||
+         mentions(specification.where, name) ||
+         std::any_of(specification.groupBy.begin(), specification.groupBy.end(), inKey) ||
+         mentions(specification.having, name);
+}
+
+bool queryMentions(const tsql::Query& query, std::string_view name) {
+  const bool inBody = std::visit(Overloaded{
+                                     [&](const tsql::QuerySpecification& specification) {
+                                       return specificationMentions(specification, name);
+                                     },
+                                     [&](const tsql::SetOperation& operation) {
+                                       return queryMentions(*operation.left, name) ||
+                                              queryMentions(*operation.right, name);
+                                     },
+                                 },
+                                 query.body);
+  return inBody ||
+         std::any_of(query.orderBy.begin(), query.orderBy.end(),
+                     [&](const tsql::OrderItem& item) { return mentions(item.expression, name); });
+}
 
 }  // namespace
 
@@ -100,14 +154,23 @@ bool dependsOnRow(const tsql::Expression& expression) {
 }
 
 bool mentionsVariable(const tsql::Expression& expression, std::string_view name) {
-  const std::string text = foldText(tsql::print(expression));
-  for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) {
-    const std::size_t end = at + name.size();
-    if (end == text.size() || !tsql::hasClass(text[end], tsql::kWordPart)) {
+  if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
+    return foldText(variable->name) == name;
+  }
+  if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
+    if (queryMentions(*query->query, name)) {
       return true;
     }
+  } else if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
+    return queryMentions(*exists->query, name);
+  } else if (const auto* const scalar = std::get_if<tsql::ScalarQuery>(&expression.node)) {
+    return queryMentions(*scalar->query, name);
   }
-  return false;
+  bool found = false;
+  forEachOperand(expression, [&](const tsql::Expression& operand) {
+    found = found || mentionsVariable(operand, name);
+  });
+  return found;
 }
 
 }  // namespace azcoll::embedded

@@ -138,7 +138,7 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
   body.bindItems(*select, inner, {}, *query.select);
   body.settle(query);
   const std::string condition =
-      select->where ? body.bindCondition(*select->where, inner, true) : "1";
+      select->where ? body.bindCondition(*select->where, inner, true).sql : "1";
   Source source;
   source.hasAlias = !alias.empty();
   source.name = source.hasAlias ? alias : routine->name;

@@ -128,7 +128,7 @@ BoundChange Binder::bindUpdate(const tsql::UpdateStatement& statement) {
     }
   }
   const auto assigned = bindAssigned(statement, table, scope);
-  const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
+  const std::string where = statement.where ? bindCondition(*statement.where, scope, true).sql : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
   if (change.from.empty() && emission_.queries == 0) {
     std::string set;
@@ -179,7 +179,7 @@ BoundChange Binder::bindDelete(const tsql::DeleteStatement& statement) {
   const Change change = bindTarget(statement.target, statement.from, scope);
   BoundChange bound;
   bound.table = change.table;
-  const std::string where = statement.where ? bindCondition(*statement.where, scope, true) : "";
+  const std::string where = statement.where ? bindCondition(*statement.where, scope, true).sql : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
   bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {

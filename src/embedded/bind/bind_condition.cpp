@@ -47,50 +47,50 @@ bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
 
 }  // namespace
 
-std::string Binder::bindCondition(const tsql::Expression& expression, const Scope& scope,
-                                  bool nullIsFalse) {
+BoundCondition Binder::bindCondition(const tsql::Expression& expression, const Scope& scope,
+                                     bool nullIsFalse) {
   const tsql::Position& position = expression.position;
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
     if (unary->op == tsql::UnaryOperator::Not) {
-      return "NOT (" + bindCondition(*unary->operand, scope, false) + ")";
+      return {"NOT (" + bindCondition(*unary->operand, scope, false).sql + ")"};
     }
   }
   if (const auto* const binary = std::get_if<tsql::Binary>(&expression.node)) {
     if (binary->op == tsql::BinaryOperator::And || binary->op == tsql::BinaryOperator::Or) {
-      const std::string left = bindCondition(*binary->left, scope, nullIsFalse);
-      const std::string right = bindCondition(*binary->right, scope, nullIsFalse);
-      return binary->op == tsql::BinaryOperator::And ? left + " AND " + right
-                                                     : "(" + left + " OR " + right + ")";
+      const std::string left = bindCondition(*binary->left, scope, nullIsFalse).sql;
+      const std::string right = bindCondition(*binary->right, scope, nullIsFalse).sql;
+      return {binary->op == tsql::BinaryOperator::And ? left + " AND " + right
+                                                      : "(" + left + " OR " + right + ")"};
     }
     return bindComparison(*binary, position, scope);
   }
   if (const auto* const between = std::get_if<tsql::Between>(&expression.node)) {
-    return bindBetween(*between, position, scope);
+    return {bindBetween(*between, position, scope)};
   }
   if (const auto* const like = std::get_if<tsql::Like>(&expression.node)) {
-    return bindLike(*like, position, scope);
+    return {bindLike(*like, position, scope)};
   }
   if (const auto* const list = std::get_if<tsql::InList>(&expression.node)) {
     return bindInList(*list, position, scope);
   }
   if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
-    return bindInQuery(*query, position, scope, nullIsFalse);
+    return {bindInQuery(*query, position, scope, nullIsFalse)};
   }
   if (const auto* const isNull = std::get_if<tsql::IsNull>(&expression.node)) {
     BoundExpression operand = bind(*isNull->operand, scope);
     const std::string sql = natural(operand);
-    return "(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)");
+    return {"(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)")};
   }
   if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
-    return bindExists(*exists, scope);
+    return {bindExists(*exists, scope)};
   }
   refuse(context_.text, position, "this expression as a condition");
 }
 
-std::string Binder::bindComparison(const tsql::Binary& node, const tsql::Position& position,
-                                   const Scope& scope) {
+BoundCondition Binder::bindComparison(const tsql::Binary& node, const tsql::Position& position,
+                                      const Scope& scope) {
   if (const auto folded = foldConstants(node)) {
-    return *folded;
+    return {*folded ? "1" : "0", folded};
   }
   BoundExpression left = bind(*node.left, scope);
   BoundExpression right = bind(*node.right, scope);
@@ -99,7 +99,7 @@ std::string Binder::bindComparison(const tsql::Binary& node, const tsql::Positio
 
 /// `0 = 1` and the like, of whole numbers: decided here, so that SQLite sees a condition that never
 /// (or always) holds and does not read the table.
-std::optional<std::string> Binder::foldConstants(const tsql::Binary& node) {
+std::optional<bool> Binder::foldConstants(const tsql::Binary& node) {
   const auto* const left = std::get_if<tsql::Literal>(&node.left->node);
   const auto* const right = std::get_if<tsql::Literal>(&node.right->node);
   if (left == nullptr || right == nullptr || left->kind != tsql::LiteralKind::Integer ||
@@ -113,20 +113,26 @@ std::optional<std::string> Binder::foldConstants(const tsql::Binary& node) {
   }
   guardText(*left);
   guardText(*right);
-  return holds(node.op, *a <=> *b) ? "1" : "0";
+  return holds(node.op, *a <=> *b);
 }
 
-std::string Binder::compare(std::string_view op, BoundExpression& left, BoundExpression& right,
-                            const tsql::Position& position) {
+BoundCondition Binder::compare(std::string_view op, BoundExpression& left, BoundExpression& right,
+                               const tsql::Position& position) {
   const Type common = unify({&left, &right}, position);
   const bool plain = left.isColumn || right.isColumn;
   const std::string a = coerceToCompare(left, common);
   const std::string b = coerceToCompare(right, common);
-  std::string sql = "(" + a;
+  std::string test;
   if (common.isText() && !plain) {
-    sql += kCollateClause;
+    test += kCollateClause;
   }
-  return sql + std::string(op) + b + ")";
+  test += std::string(op) + b;
+  BoundCondition bound{"(" + a + test + ")"};
+  if (left.isColumn && a == left.sql) {
+    bound.column = a;
+    bound.test = test;
+  }
+  return bound;
 }
 
 std::string Binder::bindBetween(const tsql::Between& node, const tsql::Position& position,
@@ -162,8 +168,8 @@ std::string Binder::bindLike(const tsql::Like& node, const tsql::Position& posit
   return sql + (type.isUnicode() || patternType.isUnicode() ? ",1))" : ",0))");
 }
 
-std::string Binder::bindInList(const tsql::InList& node, const tsql::Position& position,
-                               const Scope& scope) {
+BoundCondition Binder::bindInList(const tsql::InList& node, const tsql::Position& position,
+                                  const Scope& scope) {
   BoundExpression operand = bind(*node.operand, scope);
   std::vector<BoundExpression> items;
   items.reserve(node.items.size());
@@ -173,15 +179,22 @@ std::string Binder::bindInList(const tsql::InList& node, const tsql::Position& p
     all.push_back(&items.back());
   }
   const Type common = unify(all, position);
-  std::string sql = "(" + coerceToCompare(operand, common);
+  const std::string left = coerceToCompare(operand, common);
+  std::string test;
   if (common.isText() && !operand.isColumn) {
-    sql += kCollateClause;
+    test += kCollateClause;
   }
-  sql += node.negated ? " NOT IN (" : " IN (";
+  test += node.negated ? " NOT IN (" : " IN (";
   for (std::size_t i = 0; i < items.size(); ++i) {
-    sql += (i == 0 ? "" : ",") + coerceToCompare(items[i], common);
+    test += (i == 0 ? "" : ",") + coerceToCompare(items[i], common);
   }
-  return sql + "))";
+  test += ")";
+  BoundCondition bound{"(" + left + test + ")"};
+  if (operand.isColumn && left == operand.sql) {
+    bound.column = left;
+    bound.test = test;
+  }
+  return bound;
 }
 
 std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position& position,

@@ -269,7 +269,7 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
     }
   } else {
     for (const tsql::CaseBranch& branch : node.branches) {
-      tests.push_back(bindCondition(*branch.when, scope, true));
+      tests.push_back(bindCondition(*branch.when, scope, true).sql);
     }
   }
   for (const tsql::CaseBranch& branch : node.branches) {

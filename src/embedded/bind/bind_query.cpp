@@ -115,7 +115,7 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
   if (specification.having) {
     scope.grouping.number = 8121;
     scope.grouping.clause = "HAVING clause";
-    select.having = bindCondition(*specification.having, scope, true);
+    select.having = bindCondition(*specification.having, scope, true).sql;
   }
   if (specification.top) {
     bindTop(*specification.top, select);
@@ -211,15 +211,15 @@ void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, co
   for (const tsql::Expression* const conjunct : conjuncts) {
     if (use.in == nullptr || !(bindCorrelation(*conjunct, scope, select) ||
                                bindAlternatives(*conjunct, scope, select))) {
-      const std::string sql = bindCondition(*conjunct, scope, true);
-      noteConstantFilter(*conjunct, sql, scope);
-      select.where += (select.where.empty() ? "" : " AND ") + sql;
+      const BoundCondition bound = bindCondition(*conjunct, scope, true);
+      noteConstantFilter(*conjunct, bound, scope);
+      select.where += (select.where.empty() ? "" : " AND ") + bound.sql;
     }
   }
 }
 
 /// Keeps in mind what the condition demands of a column of the query by constants alone.
-void Binder::noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
+void Binder::noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
                                 const Scope& scope) {
   const tsql::Expression* operand = nullptr;
   if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
@@ -227,21 +227,15 @@ void Binder::noteConstantFilter(const tsql::Expression& conjunct, const std::str
       operand = binary->left.get();
     }
   } else if (const auto* const list = std::get_if<tsql::InList>(&conjunct.node)) {
-    bool constant = !list->negated;
-    for (const tsql::ExpressionPtr& item : list->items) {
-      constant = constant && isConstant(*item);
+    if (!list->negated &&
+        std::all_of(list->items.begin(), list->items.end(),
+                    [](const tsql::ExpressionPtr& item) { return isConstant(*item); })) {
+      operand = list->operand.get();
     }
-    operand = constant ? list->operand.get() : nullptr;
   }
-  const auto* const reference =
-      operand == nullptr ? nullptr : std::get_if<tsql::ColumnReference>(&operand->node);
-  if (reference == nullptr) {
-    return;
-  }
-  const std::string column = resolve(*reference, scope).sql;
-  if (sql.starts_with("(" + column + " ")) {
-    scope.constantFilters.emplace(column,
-                                  sql.substr(1 + column.size(), sql.size() - column.size() - 2));
+  if (operand != nullptr && std::holds_alternative<tsql::ColumnReference>(operand->node) &&
+      !condition.column.empty()) {
+    scope.constantFilters.emplace(condition.column, condition.test);
   }
 }
 
@@ -304,7 +298,7 @@ bool Binder::bindAlternatives(const tsql::Expression& conjunct, const Scope& sco
     return false;
   }
   for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
-    select.alternatives.push_back(bindCondition(**part, scope, true));
+    select.alternatives.push_back(bindCondition(**part, scope, true).sql);
   }
   return true;
 }
@@ -354,8 +348,9 @@ void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
     guardText(*literal);
     const Type type = literalType(literal->kind, literal->text);
     const Value count = literalValue(literal->kind, literal->text, type);
-    select.limit = sqliteConstant(convert(count, type, kBigInt, Conversion::Cut));
-    select.atMostOneRow = select.limit == "1" || select.limit == "0";
+    const Value rows = convert(count, type, kBigInt, Conversion::Cut);
+    select.limit = sqliteConstant(rows);
+    select.atMostOneRow = rows.integer <= 1;
     return;
   }
   const Scope nothing(nullptr);

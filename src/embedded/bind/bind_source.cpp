@@ -138,12 +138,13 @@ std::string Binder::bindJoin(const tsql::Join& join, Scope& scope) {
     return left + " JOIN " + right;
   }
   const VisibleSources visible(scope, std::max(first, scope.visibleFrom));
-  const std::string condition = bindCondition(*join.on, scope, true);
+  const BoundCondition bound = bindCondition(*join.on, scope, true);
+  const std::string& condition = bound.sql;
   switch (join.kind) {
     case tsql::JoinKind::Inner:
       return left + " JOIN " + right + " ON " + condition;
     case tsql::JoinKind::Left:
-      if (condition == "0" && std::holds_alternative<tsql::NamedTable>(join.right->node)) {
+      if (bound.constant == false && std::holds_alternative<tsql::NamedTable>(join.right->node)) {
         // A join that never matches must not read its table once for every row.
         const Source& source = scope.sources.back();
         right = "(SELECT * FROM " + source.table->sqlName + " LIMIT 0) AS " + source.sqlName;

@@ -153,7 +153,7 @@ std::string Binder::bindValue(const tsql::Expression& expression, const Type& ty
 
 std::string Binder::bindTest(const tsql::Expression& condition) {
   const Scope nothing(nullptr);
-  return "SELECT " + bindCondition(condition, nothing, true);
+  return "SELECT " + bindCondition(condition, nothing, true).sql;
 }
 
 void Binder::checkFunction(const Routine& routine) {
@@ -191,7 +191,7 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   source.name = table.name;
   source.folded = foldText(table.name);
   scope.sources.push_back(std::move(source));
-  std::string sql = bindCondition(condition, scope, false);
+  std::string sql = bindCondition(condition, scope, false).sql;
   if (!emission_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");
   }

@@ -149,19 +149,19 @@ class Binder {
   void requireArguments(const tsql::FunctionCall& call, std::size_t least, std::size_t most) const;
 
   // ---- conditions (bind_condition.cpp)
-  [[nodiscard]] std::string bindCondition(const tsql::Expression& expression, const Scope& scope,
-                                          bool nullIsFalse);
-  [[nodiscard]] std::string bindComparison(const tsql::Binary& node, const tsql::Position& position,
-                                           const Scope& scope);
-  [[nodiscard]] std::string compare(std::string_view op, BoundExpression& left,
-                                    BoundExpression& right, const tsql::Position& position);
-  [[nodiscard]] std::optional<std::string> foldConstants(const tsql::Binary& node);
+  [[nodiscard]] BoundCondition bindCondition(const tsql::Expression& expression, const Scope& scope,
+                                             bool nullIsFalse);
+  [[nodiscard]] BoundCondition bindComparison(const tsql::Binary& node,
+                                              const tsql::Position& position, const Scope& scope);
+  [[nodiscard]] BoundCondition compare(std::string_view op, BoundExpression& left,
+                                       BoundExpression& right, const tsql::Position& position);
+  [[nodiscard]] std::optional<bool> foldConstants(const tsql::Binary& node);
   [[nodiscard]] std::string bindBetween(const tsql::Between& node, const tsql::Position& position,
                                         const Scope& scope);
   [[nodiscard]] std::string bindLike(const tsql::Like& node, const tsql::Position& position,
                                      const Scope& scope);
-  [[nodiscard]] std::string bindInList(const tsql::InList& node, const tsql::Position& position,
-                                       const Scope& scope);
+  [[nodiscard]] BoundCondition bindInList(const tsql::InList& node, const tsql::Position& position,
+                                          const Scope& scope);
   [[nodiscard]] std::string bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
                                         const Scope& scope, bool nullIsFalse);
   [[nodiscard]] std::string bindExists(const tsql::Exists& node, const Scope& scope);
@@ -204,7 +204,7 @@ class Binder {
   void expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select);
   void bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
                  BoundSelect& select);
-  void noteConstantFilter(const tsql::Expression& conjunct, const std::string& sql,
+  void noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
                           const Scope& scope);
   static void addConstantFilters(const Scope* outer, BoundSelect& select);
   bool bindCorrelation(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);

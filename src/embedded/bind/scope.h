@@ -42,6 +42,15 @@ struct BoundExpression {
   return bound;
 }
 
+/// A bound condition.
+struct BoundCondition {
+  std::string sql;
+  std::optional<bool> constant{};  ///< what two constants come to: it never changes
+  /// Of `(column …)` with a bare column: the column's text, and what follows it up to the bracket.
+  std::string column{};
+  std::string test{};
+};
+
 /// A column of a derived table, of an inlined function or of another source that is no table.
 struct SourceColumn {
   std::string name;
