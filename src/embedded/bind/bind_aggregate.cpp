@@ -1,7 +1,8 @@
 #include <algorithm>
 
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
@@ -40,14 +41,15 @@ class InsideAggregate {
 }  // namespace
 
 /// The argument. Over columns of an outer query alone, the aggregate would be one of that query.
-BoundExpression Binder::bindAggregated(const tsql::Expression& argument,
-                                       const tsql::Position& position, const Scope& scope) {
-  const std::uint64_t before = emission_.touchedLevels;
-  emission_.touchedLevels = 0;
+BoundExpression ExpressionBinder::bindAggregated(const tsql::Expression& argument,
+                                                 const tsql::Position& position,
+                                                 const Scope& scope) {
+  const std::uint64_t before = translation_.touchedLevels;
+  translation_.touchedLevels = 0;
   BoundExpression operand = bind(argument, scope);
   const std::uint64_t own = levelBit(scope.level);
-  const bool outer = (emission_.touchedLevels & ~own) != 0;
-  if (outer && (emission_.touchedLevels & own) != 0) {
+  const bool outer = (translation_.touchedLevels & ~own) != 0;
+  if (outer && (translation_.touchedLevels & own) != 0) {
     throw SqlError(8124,
                    "Multiple columns are specified in an aggregated expression containing an outer "
                    "reference. If an expression being aggregated contains an outer reference, then "
@@ -56,12 +58,13 @@ BoundExpression Binder::bindAggregated(const tsql::Expression& argument,
   if (outer) {
     refuse(context_.text, position, "an aggregate of an outer query inside a subquery");
   }
-  emission_.touchedLevels |= before;
+  translation_.touchedLevels |= before;
   return operand;
 }
 
-BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
-                                      const tsql::Position& position, const Scope& scope) {
+BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
+                                                const tsql::Position& position,
+                                                const Scope& scope) {
   requireArguments(call, 1, 1);
   const tsql::Expression& argument = *call.arguments.front();
   if (containsAggregate(argument)) {
@@ -85,7 +88,7 @@ BoundExpression Binder::bindAggregate(const tsql::FunctionCall& call,
     return computed("count(*)", countType);
   }
   BoundExpression operand = bindAggregated(argument, position, scope);
-  std::string sql = natural(operand);
+  std::string sql = constants_.inOwnType(operand);
   if (operand.type.isText() && !operand.isColumn) {
     sql += std::string(kCollateClause);
   }

@@ -3,8 +3,10 @@
 #include <utility>
 
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
-#include "embedded/values/collation.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
+#include "embedded/bind/translation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 
@@ -18,8 +20,8 @@ constexpr std::size_t kMaxFunctionDepth = 8;
 
 class FunctionDepth {
  public:
-  FunctionDepth(Emission& emission, std::string_view text, const tsql::Position& position)
-      : emission_(emission) {
+  FunctionDepth(Translation& emission, std::string_view text, const tsql::Position& position)
+      : translation_(emission) {
     if (emission.functionDepth >= kMaxFunctionDepth) {
       refuse(text, position, "functions nested this deep");
     }
@@ -29,10 +31,10 @@ class FunctionDepth {
   FunctionDepth(FunctionDepth&&) = delete;
   FunctionDepth& operator=(const FunctionDepth&) = delete;
   FunctionDepth& operator=(FunctionDepth&&) = delete;
-  ~FunctionDepth() { --emission_.functionDepth; }
+  ~FunctionDepth() { --translation_.functionDepth; }
 
  private:
-  Emission& emission_;
+  Translation& translation_;
 };
 
 /// The SELECT of a body that can become part of a join: one table, perhaps a condition. Null
@@ -54,7 +56,8 @@ const tsql::QuerySpecification* simpleBody(const tsql::Query& body) {
 
 }  // namespace
 
-std::shared_ptr<const Routine> Binder::findFunction(const tsql::FunctionTable& function) const {
+std::shared_ptr<const Routine> QueryBinder::findFunction(
+    const tsql::FunctionTable& function) const {
   const std::string& name = objectName(function.name, context_.text);
   auto routine = context_.catalogue->findRoutine(name);
   if (!routine || !routine->isFunction) {
@@ -64,8 +67,8 @@ std::shared_ptr<const Routine> Binder::findFunction(const tsql::FunctionTable& f
   return routine;
 }
 
-void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& function,
-                           const Scope& scope, Binder& body) {
+void QueryBinder::bindArguments(const Routine& routine, const tsql::FunctionTable& function,
+                                const Scope& scope, QueryBinder& body) {
   if (function.arguments.size() != routine.parameters.size()) {
     const bool few = function.arguments.size() < routine.parameters.size();
     throw SqlError(
@@ -75,50 +78,50 @@ void Binder::bindArguments(const Routine& routine, const tsql::FunctionTable& fu
                   routine.name + "."
             : "Procedure or function " + routine.name + " has too many arguments specified.");
   }
-  body.hasArguments_ = true;
+  body.names_.enterFunction();
   for (std::size_t i = 0; i < function.arguments.size(); ++i) {
     const RoutineParameter& parameter = routine.parameters[i];
-    const std::uint64_t touched = std::exchange(emission_.touchedLevels, 0);
-    BoundExpression argument = bind(*function.arguments[i], scope);
-    const bool isOfRow = emission_.touchedLevels != 0;
-    emission_.touchedLevels |= touched;
+    const std::uint64_t touched = std::exchange(translation_.touchedLevels, 0);
+    BoundExpression argument = expressions_.bind(*function.arguments[i], scope);
+    const bool isOfRow = translation_.touchedLevels != 0;
+    translation_.touchedLevels |= touched;
     BoundExpression value;
     value.isColumn = argument.isColumn;
     value.type = parameter.type;
-    requireConvertible(argument.type, parameter.type, function.arguments[i]->position);
-    value.sql = coerce(argument, parameter.type, Conversion::Cut);
-    body.arguments_[foldText(parameter.name)] = {std::move(value), isOfRow};
+    constants_.requireConvertible(argument.type, parameter.type, function.arguments[i]->position);
+    value.sql = constants_.coerce(argument, parameter.type, Conversion::Cut);
+    body.names_.addArgument(parameter.name, std::move(value), isOfRow);
   }
 }
 
 /// In a FROM clause: a derived table. Its arguments are constants, or come from an outer query.
-std::string Binder::bindFunctionTable(const tsql::FunctionTable& function, const std::string& alias,
-                                      Scope& scope) {
-  const FunctionDepth depth(emission_, context_.text, function.name.position);
+std::string QueryBinder::bindFunctionTable(const tsql::FunctionTable& function,
+                                           const std::string& alias, Scope& scope) {
+  const FunctionDepth depth(translation_, context_.text, function.name.position);
   const auto routine = findFunction(function);
   BindContext context = context_;
   context.text = routine->source;
   context.constantsInside = true;
-  Binder body(context, emission_);
+  QueryBinder body(context, translation_);
   const Scope nothing(scope.parent);
   bindArguments(*routine, function, nothing, body);
   // Names inside the body are never looked up outside of it.
   BoundQuery query = body.bindQuery(*routine->function().body, nullptr, {});
-  body.settle(query);
+  body.fixTypes(query);
   Source source;
   source.hasAlias = !alias.empty();
   source.name = source.hasAlias ? alias : routine->name;
-  source.sqlName = newAlias();
+  source.sqlName = names_.newAlias();
   describeDerived(query, source);
   std::string sql = "(" + render(query) + ") AS " + source.sqlName;
-  expose(scope, std::move(source));
+  addSource(scope, std::move(source));
   return sql;
 }
 
 /// Behind APPLY: a join with the body's table, the body's condition as its ON.
-std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std::string& alias,
-                                  bool outer, Scope& scope) {
-  const FunctionDepth depth(emission_, context_.text, function.name.position);
+std::string QueryBinder::inlineApplied(const tsql::FunctionTable& function,
+                                       const std::string& alias, bool outer, Scope& scope) {
+  const FunctionDepth depth(translation_, context_.text, function.name.position);
   const auto routine = findFunction(function);
   const tsql::QuerySpecification* const select = simpleBody(*routine->function().body);
   if (select == nullptr) {
@@ -128,7 +131,7 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
   BindContext context = context_;
   context.text = routine->source;
   context.constantsInside = true;
-  Binder body(context, emission_);
+  QueryBinder body(context, translation_);
   bindArguments(*routine, function, scope, body);
   Scope inner(nullptr);
   inner.level = scope.level;
@@ -136,9 +139,9 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
   BoundQuery query;
   query.select = std::make_unique<BoundSelect>();
   body.bindItems(*select, inner, {}, *query.select);
-  body.settle(query);
+  body.fixTypes(query);
   const std::string condition =
-      select->where ? body.bindCondition(*select->where, inner, true).sql : "1";
+      select->where ? body.expressions_.bindCondition(*select->where, inner, true).sql : "1";
   Source source;
   source.hasAlias = !alias.empty();
   source.name = source.hasAlias ? alias : routine->name;
@@ -158,7 +161,7 @@ std::string Binder::inlineApplied(const tsql::FunctionTable& function, const std
                               " IS NOT NULL THEN " + column.sql + " END)";
     }
   }
-  expose(scope, std::move(source));
+  addSource(scope, std::move(source));
   return (outer ? " LEFT JOIN " : " JOIN ") + from + " ON " + condition;
 }
 

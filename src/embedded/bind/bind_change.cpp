@@ -5,7 +5,8 @@
 #include <algorithm>
 
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/change_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -13,17 +14,9 @@
 
 namespace azcoll::embedded {
 
-void refuseReadingHints(const tsql::NamedTable& target) {
-  for (const std::string& hint : target.hints) {
-    if (hint == "NOLOCK" || hint == "READUNCOMMITTED") {
-      throw SqlError(1065,
-                     "The NOLOCK and READUNCOMMITTED lock hints are not allowed for target "
-                     "tables of INSERT, UPDATE, DELETE or MERGE statements.");
-    }
-  }
-}
+namespace {
 
-std::vector<std::string> Binder::keyColumns(const Table& table) {
+std::vector<std::string> keyColumns(const Table& table) {
   if (table.key.empty()) {
     return {quoteName(table.rowColumn)};
   }
@@ -34,8 +27,41 @@ std::vector<std::string> Binder::keyColumns(const Table& table) {
   return names;
 }
 
+/// Keys and new values are gathered first, then written. A subquery would otherwise see rows that
+/// the statement has changed already, and a source with several rows for one of the target would
+/// write it several times: min() over a constant makes the first of them give the values.
+std::string updateByKey(const Table& table, const std::string& source, const std::string& sources,
+                        const std::vector<std::pair<std::size_t, std::string>>& assigned,
+                        const std::string& filter) {
+  const bool joins = !sources.empty();
+  std::string rows = joins ? "SELECT min(0)" : "SELECT 0";
+  std::string groups;
+  std::string match;
+  std::string set;
+  const std::vector<std::string> keys = keyColumns(table);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    std::string key = source;
+    key.append(".").append(keys[i]);
+    const std::string name = "k" + std::to_string(i + 1);
+    rows.append(",").append(key).append(" AS ").append(name);
+    groups += (i == 0 ? "" : ",") + key;
+    match.append(i == 0 ? "u." : " AND u.").append(keys[i]).append("=s.").append(name);
+  }
+  for (std::size_t i = 0; i < assigned.size(); ++i) {
+    const std::string name = "v" + std::to_string(i + 1);
+    rows.append(",").append(assigned[i].second).append(" AS ").append(name);
+    set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
+  }
+  const std::string from = joins ? sources : table.sqlName + " AS " + source;
+  return "UPDATE " + table.sqlName + " AS u SET " + set + " FROM (" + rows + " FROM " + from +
+         filter + (joins ? " GROUP BY " + groups : "") + ") AS s WHERE " + match;
+}
+
+}  // namespace
+
 /// Which source the target's name means; it is added when the clause does not hold it.
-std::size_t Binder::findTarget(const tsql::NamedTable& target, Scope& scope, std::string& from) {
+std::size_t ChangeBinder::findTarget(const tsql::NamedTable& target, Scope& scope,
+                                     std::string& from) {
   const std::string& name = target.name.parts.back();
   const std::string folded = foldText(name);
   if (target.name.parts.size() == 1) {
@@ -45,7 +71,7 @@ std::size_t Binder::findTarget(const tsql::NamedTable& target, Scope& scope, std
       }
     }
   }
-  const auto table = findTable(target.name);
+  const auto table = names_.findTable(target.name);
   std::optional<std::size_t> found;
   for (std::size_t i = 0; i < scope.sources.size(); ++i) {
     if (scope.sources[i].table == table) {
@@ -58,33 +84,34 @@ std::size_t Binder::findTarget(const tsql::NamedTable& target, Scope& scope, std
   if (found) {
     return *found;
   }
-  from += " JOIN " + bindTable(target, "", scope);
+  from += " JOIN " + queries_.bindTable(target, "", scope);
   return scope.sources.size() - 1;
 }
 
-Binder::Change Binder::bindTarget(const tsql::NamedTable& target,
-                                  const std::vector<tsql::TableSourcePtr>& from, Scope& scope) {
-  Change change;
+ChangeBinder::Target ChangeBinder::bindTarget(const tsql::NamedTable& target,
+                                              const std::vector<tsql::TableSourcePtr>& from,
+                                              Scope& scope) {
+  Target change;
   if (from.empty()) {
-    static_cast<void>(bindTable(target, "", scope));
+    static_cast<void>(queries_.bindTable(target, "", scope));
     change.table = scope.sources.front().table;
-    change.targetSource = scope.sources.front().sqlName;
+    change.source = scope.sources.front().sqlName;
     return change;
   }
-  change.from = bindSources(from, scope);
+  change.from = queries_.bindSources(from, scope);
   const std::size_t index = findTarget(target, scope, change.from);
   change.table = scope.sources[index].table;
   if (!change.table) {
     refuse(context_.text, target.name.position, "a change of what is no table");
   }
-  change.targetSource = scope.sources[index].sqlName;
+  change.source = scope.sources[index].sqlName;
   if (scope.sources.size() == 1) {
     change.from.clear();
   }
   return change;
 }
 
-std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
+std::vector<std::pair<std::size_t, std::string>> ChangeBinder::bindAssigned(
     const tsql::UpdateStatement& statement, const Table& table, const Scope& scope) {
   std::vector<std::pair<std::size_t, std::string>> assigned;
   for (const tsql::Assignment& assignment : statement.assignments) {
@@ -107,17 +134,19 @@ std::vector<std::pair<std::size_t, std::string>> Binder::bindAssigned(
     if (containsAggregate(*assignment.value)) {
       throw SqlError(157, "An aggregate may not appear in the set list of an UPDATE statement.");
     }
-    BoundExpression value = bind(*assignment.value, scope);
-    requireConvertible(value.type, table.columns[*column].type, assignment.value->position);
-    assigned.emplace_back(*column, coerce(value, table.columns[*column].type, Conversion::Assign));
+    BoundExpression value = expressions_.bind(*assignment.value, scope);
+    constants_.requireConvertible(value.type, table.columns[*column].type,
+                                  assignment.value->position);
+    assigned.emplace_back(
+        *column, constants_.coerce(value, table.columns[*column].type, Conversion::Assign));
   }
   return assigned;
 }
 
-BoundChange Binder::bindUpdate(const tsql::UpdateStatement& statement) {
+BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
   refuseReadingHints(statement.target);
   Scope scope(nullptr);
-  const Change change = bindTarget(statement.target, statement.from, scope);
+  const Target change = bindTarget(statement.target, statement.from, scope);
   BoundChange bound;
   bound.table = change.table;
   const Table& table = *bound.table;
@@ -128,69 +157,40 @@ BoundChange Binder::bindUpdate(const tsql::UpdateStatement& statement) {
     }
   }
   const auto assigned = bindAssigned(statement, table, scope);
-  const std::string where = statement.where ? bindCondition(*statement.where, scope, true).sql : "";
+  const std::string where =
+      statement.where ? expressions_.bindCondition(*statement.where, scope, true).sql : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
-  if (change.from.empty() && emission_.queries == 0) {
+  if (change.from.empty() && translation_.queries == 0) {
     std::string set;
     for (const auto& [column, value] : assigned) {
       set += (set.empty() ? "" : ",") + quoteName(table.columns[column].name) + "=" + value;
     }
-    bound.sql = "UPDATE " + table.sqlName + " AS " + change.targetSource + " SET " + set + filter;
+    bound.sql = "UPDATE " + table.sqlName + " AS " + change.source + " SET " + set + filter;
   } else {
-    bound.sql = updateByKey(change, assigned, filter);
+    bound.sql = updateByKey(table, change.source, change.from, assigned, filter);
   }
   return bound;
 }
 
-/// Keys and new values are gathered first, then written. A subquery would otherwise see rows that
-/// the statement has changed already, and a source with several rows for one of the target would
-/// write it several times: min() over a constant makes the first of them give the values.
-std::string Binder::updateByKey(const Change& change,
-                                const std::vector<std::pair<std::size_t, std::string>>& assigned,
-                                const std::string& filter) const {
-  const Table& table = *change.table;
-  const bool joins = !change.from.empty();
-  std::string rows = joins ? "SELECT min(0)" : "SELECT 0";
-  std::string groups;
-  std::string match;
-  std::string set;
-  const std::vector<std::string> keys = keyColumns(table);
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    std::string key = change.targetSource;
-    key.append(".").append(keys[i]);
-    const std::string name = "k" + std::to_string(i + 1);
-    rows.append(",").append(key).append(" AS ").append(name);
-    groups += (i == 0 ? "" : ",") + key;
-    match.append(i == 0 ? "u." : " AND u.").append(keys[i]).append("=s.").append(name);
-  }
-  for (std::size_t i = 0; i < assigned.size(); ++i) {
-    const std::string name = "v" + std::to_string(i + 1);
-    rows.append(",").append(assigned[i].second).append(" AS ").append(name);
-    set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
-  }
-  const std::string from = joins ? change.from : table.sqlName + " AS " + change.targetSource;
-  return "UPDATE " + table.sqlName + " AS u SET " + set + " FROM (" + rows + " FROM " + from +
-         filter + (joins ? " GROUP BY " + groups : "") + ") AS s WHERE " + match;
-}
-
-BoundChange Binder::bindDelete(const tsql::DeleteStatement& statement) {
+BoundChange ChangeBinder::bindDelete(const tsql::DeleteStatement& statement) {
   refuseReadingHints(statement.target);
   Scope scope(nullptr);
-  const Change change = bindTarget(statement.target, statement.from, scope);
+  const Target change = bindTarget(statement.target, statement.from, scope);
   BoundChange bound;
   bound.table = change.table;
-  const std::string where = statement.where ? bindCondition(*statement.where, scope, true).sql : "";
+  const std::string where =
+      statement.where ? expressions_.bindCondition(*statement.where, scope, true).sql : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
   bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {
-    bound.sql += change.targetSource + condition;
+    bound.sql += change.source + condition;
     return bound;
   }
   std::string outer;
   std::string inner;
   for (const std::string& key : keyColumns(*bound.table)) {
     outer += (outer.empty() ? "u." : ",u.") + key;
-    inner += (inner.empty() ? "" : ",") + change.targetSource + "." + key;
+    inner += (inner.empty() ? "" : ",") + change.source + "." + key;
   }
   bound.sql +=
       "u WHERE (" + outer + ") IN (SELECT " + inner + " FROM " + change.from + condition + ")";

@@ -1,7 +1,10 @@
 #include <compare>
 
 #include "data/decimal.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
@@ -47,8 +50,8 @@ bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
 
 }  // namespace
 
-BoundCondition Binder::bindCondition(const tsql::Expression& expression, const Scope& scope,
-                                     bool nullIsFalse) {
+BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expression,
+                                               const Scope& scope, bool nullIsFalse) {
   const tsql::Position& position = expression.position;
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
     if (unary->op == tsql::UnaryOperator::Not) {
@@ -78,7 +81,7 @@ BoundCondition Binder::bindCondition(const tsql::Expression& expression, const S
   }
   if (const auto* const isNull = std::get_if<tsql::IsNull>(&expression.node)) {
     BoundExpression operand = bind(*isNull->operand, scope);
-    const std::string sql = natural(operand);
+    const std::string sql = constants_.inOwnType(operand);
     return {"(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)")};
   }
   if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
@@ -87,8 +90,9 @@ BoundCondition Binder::bindCondition(const tsql::Expression& expression, const S
   refuse(context_.text, position, "this expression as a condition");
 }
 
-BoundCondition Binder::bindComparison(const tsql::Binary& node, const tsql::Position& position,
-                                      const Scope& scope) {
+BoundCondition ExpressionBinder::bindComparison(const tsql::Binary& node,
+                                                const tsql::Position& position,
+                                                const Scope& scope) {
   if (const auto folded = foldConstants(node)) {
     return {*folded ? "1" : "0", folded};
   }
@@ -99,7 +103,7 @@ BoundCondition Binder::bindComparison(const tsql::Binary& node, const tsql::Posi
 
 /// `0 = 1` and the like, of whole numbers: decided here, so that SQLite sees a condition that never
 /// (or always) holds and does not read the table.
-std::optional<bool> Binder::foldConstants(const tsql::Binary& node) {
+std::optional<bool> ExpressionBinder::foldConstants(const tsql::Binary& node) {
   const auto* const left = std::get_if<tsql::Literal>(&node.left->node);
   const auto* const right = std::get_if<tsql::Literal>(&node.right->node);
   if (left == nullptr || right == nullptr || left->kind != tsql::LiteralKind::Integer ||
@@ -111,17 +115,17 @@ std::optional<bool> Binder::foldConstants(const tsql::Binary& node) {
   if (!a || !b) {
     return std::nullopt;
   }
-  guardText(*left);
-  guardText(*right);
+  constants_.guardText(*left);
+  constants_.guardText(*right);
   return holds(node.op, *a <=> *b);
 }
 
-BoundCondition Binder::compare(std::string_view op, BoundExpression& left, BoundExpression& right,
-                               const tsql::Position& position) {
-  const Type common = unify({&left, &right}, position);
+BoundCondition ExpressionBinder::compare(std::string_view op, BoundExpression& left,
+                                         BoundExpression& right, const tsql::Position& position) {
+  const Type common = constants_.unify({&left, &right}, position);
   const bool plain = left.isColumn || right.isColumn;
-  const std::string a = coerceToCompare(left, common);
-  const std::string b = coerceToCompare(right, common);
+  const std::string a = constants_.coerceToCompare(left, common);
+  const std::string b = constants_.coerceToCompare(right, common);
   std::string test;
   if (common.isText() && !plain) {
     test += kCollateClause;
@@ -135,26 +139,26 @@ BoundCondition Binder::compare(std::string_view op, BoundExpression& left, Bound
   return bound;
 }
 
-std::string Binder::bindBetween(const tsql::Between& node, const tsql::Position& position,
-                                const Scope& scope) {
+std::string ExpressionBinder::bindBetween(const tsql::Between& node, const tsql::Position& position,
+                                          const Scope& scope) {
   BoundExpression operand = bind(*node.operand, scope);
   BoundExpression low = bind(*node.low, scope);
   BoundExpression high = bind(*node.high, scope);
   if (operand.type.isText() && low.type.isText() != high.type.isText()) {
     refuse(context_.text, position, "BETWEEN a text and a number");
   }
-  const Type common = unify({&operand, &low, &high}, position);
-  std::string sql = "(" + coerceToCompare(operand, common);
+  const Type common = constants_.unify({&operand, &low, &high}, position);
+  std::string sql = "(" + constants_.coerceToCompare(operand, common);
   if (common.isText() && !operand.isColumn) {
     sql += kCollateClause;
   }
-  const std::string from = coerceToCompare(low, common);
-  const std::string to = coerceToCompare(high, common);
+  const std::string from = constants_.coerceToCompare(low, common);
+  const std::string to = constants_.coerceToCompare(high, common);
   return sql + (node.negated ? " NOT BETWEEN " : " BETWEEN ") + from + " AND " + to + ")";
 }
 
-std::string Binder::bindLike(const tsql::Like& node, const tsql::Position& position,
-                             const Scope& scope) {
+std::string ExpressionBinder::bindLike(const tsql::Like& node, const tsql::Position& position,
+                                       const Scope& scope) {
   Type type;
   Type patternType;
   const std::string operand = bindText(*node.operand, scope, &type);
@@ -168,8 +172,8 @@ std::string Binder::bindLike(const tsql::Like& node, const tsql::Position& posit
   return sql + (type.isUnicode() || patternType.isUnicode() ? ",1))" : ",0))");
 }
 
-BoundCondition Binder::bindInList(const tsql::InList& node, const tsql::Position& position,
-                                  const Scope& scope) {
+BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
+                                            const tsql::Position& position, const Scope& scope) {
   BoundExpression operand = bind(*node.operand, scope);
   std::vector<BoundExpression> items;
   items.reserve(node.items.size());
@@ -178,15 +182,15 @@ BoundCondition Binder::bindInList(const tsql::InList& node, const tsql::Position
     items.push_back(bind(*item, scope));
     all.push_back(&items.back());
   }
-  const Type common = unify(all, position);
-  const std::string left = coerceToCompare(operand, common);
+  const Type common = constants_.unify(all, position);
+  const std::string left = constants_.coerceToCompare(operand, common);
   std::string test;
   if (common.isText() && !operand.isColumn) {
     test += kCollateClause;
   }
   test += node.negated ? " NOT IN (" : " IN (";
   for (std::size_t i = 0; i < items.size(); ++i) {
-    test += (i == 0 ? "" : ",") + coerceToCompare(items[i], common);
+    test += (i == 0 ? "" : ",") + constants_.coerceToCompare(items[i], common);
   }
   test += ")";
   BoundCondition bound{"(" + left + test + ")"};
@@ -197,8 +201,8 @@ BoundCondition Binder::bindInList(const tsql::InList& node, const tsql::Position
   return bound;
 }
 
-std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
-                                const Scope& scope, bool nullIsFalse) {
+std::string ExpressionBinder::bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
+                                          const Scope& scope, bool nullIsFalse) {
   BoundExpression operand = bind(*node.operand, scope);
   QueryUse use;
   // A row value that is NULL somewhere makes IN unknown where the plain form would be false: only
@@ -206,21 +210,21 @@ std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position&
   if (nullIsFalse && !node.negated && context_.rewriteIn) {
     use.in = &node;
   }
-  BoundQuery query = bindQuery(*node.query, &scope, use);
+  BoundQuery query = queries_.bindQuery(*node.query, &scope, use);
   if (query.columns().size() != 1) {
     throw SqlError(116,
                    "Only one expression can be specified in the select list when the subquery "
                    "is not introduced with EXISTS.");
   }
-  settle(query);
+  queries_.fixTypes(query);
   OutputColumn& column = query.columns().front();
   // The query's column is settled already: only its type matters here.
   BoundExpression inner;
   inner.type = column.type;
   inner.sql = column.sql;
-  const Type common = unify({&operand, &inner}, position);
+  const Type common = constants_.unify({&operand, &inner}, position);
   const bool plain = operand.isColumn;
-  std::string left = coerceToCompare(operand, common);
+  std::string left = constants_.coerceToCompare(operand, common);
   if (common.isText() && !plain) {
     left += kCollateClause;
   }
@@ -228,7 +232,7 @@ std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position&
   std::string negation = node.negated ? " NOT IN (" : " IN (";
   if (query.select && !query.select->correlations.empty()) {
     BoundSelect& select = *query.select;
-    column.sql = coerce(inner, common, Conversion::Compare);
+    column.sql = constants_.coerce(inner, common, Conversion::Compare);
     std::string outer = "(" + left;
     for (const Correlation& correlation : select.correlations) {
       outer += "," + correlation.outer;
@@ -242,16 +246,16 @@ std::string Binder::bindInQuery(const tsql::InQuery& node, const tsql::Position&
     return "(" + left + negation + render(query) + "))";
   }
   inner.sql = "c1";
-  return "(" + left + negation + "SELECT " + coerce(inner, common, Conversion::Compare) +
+  return "(" + left + negation + "SELECT " + constants_.coerce(inner, common, Conversion::Compare) +
          " FROM (" + render(query) + ")))";
 }
 
-std::string Binder::bindExists(const tsql::Exists& node, const Scope& scope) {
-  BoundQuery query = bindQuery(*node.query, &scope, {});
+std::string ExpressionBinder::bindExists(const tsql::Exists& node, const Scope& scope) {
+  BoundQuery query = queries_.bindQuery(*node.query, &scope, {});
   if (query.select && !query.select->grouped && query.select->limit.empty()) {
     return "EXISTS (SELECT 1" + renderTail(*query.select) + ")";
   }
-  settle(query);
+  queries_.fixTypes(query);
   return "EXISTS (" + render(query) + ")";
 }
 

@@ -1,6 +1,7 @@
 #include <array>
 
-#include "embedded/bind/binder.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -35,16 +36,16 @@ char partCode(const tsql::Expression& expression) {
 
 }  // namespace
 
-std::optional<BoundExpression> Binder::bindDateCall(std::string_view name,
-                                                    const tsql::FunctionCall& call,
-                                                    const tsql::Position& position,
-                                                    const Scope& scope) {
+std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view name,
+                                                              const tsql::FunctionCall& call,
+                                                              const tsql::Position& position,
+                                                              const Scope& scope) {
   // A text given for a date is read as a DATETIME.
   const auto bindDate = [&](const tsql::Expression& expression, Type& type) {
     BoundExpression date = bind(expression, scope);
     type = date.type.isDate() ? date.type : kDateTime;
-    requireConvertible(date.type, type, position);
-    return coerce(date, type, Conversion::Compare);
+    constants_.requireConvertible(date.type, type, position);
+    return constants_.coerce(date, type, Conversion::Compare);
   };
   const auto part = [&] {
     const char code = partCode(*call.arguments.front());
@@ -78,7 +79,7 @@ std::optional<BoundExpression> Binder::bindDateCall(std::string_view name,
     requireArguments(call, 3, 3);
     const std::string code = part();
     BoundExpression count = bind(*call.arguments[1], scope);
-    const std::string number = coerce(count, kInt, Conversion::Cut);
+    const std::string number = constants_.coerce(count, kInt, Conversion::Cut);
     const std::string date = bindDate(*call.arguments[2], type);
     return computed("ts_date_add(" + code + "," + number + "," + date + "," +
                         std::to_string(encodeType(type)) + ")",

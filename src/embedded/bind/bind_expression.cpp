@@ -1,6 +1,9 @@
 #include <algorithm>
 
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -49,7 +52,7 @@ std::optional<Type> decimalResult(tsql::BinaryOperator op, const Type& left, con
 
 }  // namespace
 
-BoundExpression Binder::bind(const tsql::Expression& expression, const Scope& scope) {
+BoundExpression ExpressionBinder::bind(const tsql::Expression& expression, const Scope& scope) {
   Grouping& grouping = scope.grouping;
   if (grouping.active && !grouping.printed.empty() &&
       grouping.printed.contains(foldText(tsql::print(expression)))) {
@@ -62,16 +65,16 @@ BoundExpression Binder::bind(const tsql::Expression& expression, const Scope& sc
   return bindNode(expression, scope);
 }
 
-BoundExpression Binder::bindNode(const tsql::Expression& expression, const Scope& scope) {
+BoundExpression ExpressionBinder::bindNode(const tsql::Expression& expression, const Scope& scope) {
   const tsql::Position& position = expression.position;
   if (const auto* const literal = std::get_if<tsql::Literal>(&expression.node)) {
-    return bindLiteral(*literal);
+    return constants_.bindLiteral(*literal);
   }
   if (const auto* const column = std::get_if<tsql::ColumnReference>(&expression.node)) {
-    return resolve(*column, scope);
+    return names_.resolve(*column, scope);
   }
   if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
-    return bindVariable(*variable);
+    return names_.bindVariable(*variable);
   }
   if (const auto* const marker = std::get_if<tsql::Marker>(&expression.node)) {
     BoundExpression bound;
@@ -103,8 +106,8 @@ BoundExpression Binder::bindNode(const tsql::Expression& expression, const Scope
   refuse(context_.text, position, "this expression as a value");
 }
 
-BoundExpression Binder::bindUnary(const tsql::Unary& node, const tsql::Position& position,
-                                  const Scope& scope) {
+BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql::Position& position,
+                                            const Scope& scope) {
   BoundExpression operand = bind(*node.operand, scope);
   if (operand.type.isText() || operand.type.isDate()) {
     const bool minus = node.op == tsql::UnaryOperator::Minus;
@@ -124,7 +127,7 @@ BoundExpression Binder::bindUnary(const tsql::Unary& node, const tsql::Position&
     operand.pending->negate = !operand.pending->negate;
     return operand;
   }
-  const std::string sql = natural(operand);
+  const std::string sql = constants_.inOwnType(operand);
   if (operand.type.isWide()) {
     return computed("ts_wide_negate(" + sql + ")", operand.type);
   }
@@ -134,8 +137,9 @@ BoundExpression Binder::bindUnary(const tsql::Unary& node, const tsql::Position&
   return computed("(-(" + sql + "))", operand.type);
 }
 
-BoundExpression Binder::bindArithmetic(const tsql::Binary& node, const tsql::Position& position,
-                                       const Scope& scope) {
+BoundExpression ExpressionBinder::bindArithmetic(const tsql::Binary& node,
+                                                 const tsql::Position& position,
+                                                 const Scope& scope) {
   BoundExpression left = bind(*node.left, scope);
   BoundExpression right = bind(*node.right, scope);
   const auto isMarker = [](const BoundExpression& operand) {
@@ -161,30 +165,30 @@ BoundExpression Binder::bindArithmetic(const tsql::Binary& node, const tsql::Pos
                              std::string(kVerbs[static_cast<std::size_t>(node.op)]) + " operator.");
   }
   // A text takes the type of the number, a missing value that of the other side.
-  const Type common = this->common(left.type, right.type, position);
+  const Type common = constants_.requireCommonType(left.type, right.type, position);
   const Type type = common.kind == TypeKind::Null ? kInt : common;
   if (type.isInteger()) {
-    return reckonIntegers(node.op, left, right, type);
+    return evaluateIntegers(node.op, left, right, type);
   }
-  return type.isFloat() ? reckonFloats(node.op, left, right, position)
-                        : reckonDecimals(node.op, left, right, position);
+  return type.isFloat() ? evaluateFloats(node.op, left, right, position)
+                        : evaluateDecimals(node.op, left, right, position);
 }
 
-BoundExpression Binder::joinTexts(BoundExpression& left, BoundExpression& right) {
+BoundExpression ExpressionBinder::joinTexts(BoundExpression& left, BoundExpression& right) {
   const Type common = commonType(left.type, right.type).value_or(kNVarChar);
   const bool known = left.type.length != kUnlimited && right.type.length != kUnlimited &&
                      left.type.isText() && right.type.isText();
   const Type type{common.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar,
                   known ? left.type.length + right.type.length : kUnlimited, 0, 0};
-  const std::string a = natural(left);
-  return computed("(" + a + "||" + natural(right) + ")", type);
+  const std::string a = constants_.inOwnType(left);
+  return computed("(" + a + "||" + constants_.inOwnType(right) + ")", type);
 }
 
-BoundExpression Binder::reckonIntegers(tsql::BinaryOperator op, BoundExpression& left,
-                                       BoundExpression& right, const Type& type) {
+BoundExpression ExpressionBinder::evaluateIntegers(tsql::BinaryOperator op, BoundExpression& left,
+                                                   BoundExpression& right, const Type& type) {
   const auto operand = [this, &type](BoundExpression& expression) {
-    return expression.type.isText() ? coerce(expression, type, Conversion::Compare)
-                                    : natural(expression);
+    return expression.type.isText() ? constants_.coerce(expression, type, Conversion::Compare)
+                                    : constants_.inOwnType(expression);
   };
   const std::string a = operand(left);
   const std::string b = operand(right);
@@ -197,8 +201,9 @@ BoundExpression Binder::reckonIntegers(tsql::BinaryOperator op, BoundExpression&
       "ts_integer(" + a + std::string(arithmeticSymbol(op)) + b + "," + typeCode(type) + ")", type);
 }
 
-BoundExpression Binder::reckonDecimals(tsql::BinaryOperator op, BoundExpression& left,
-                                       BoundExpression& right, const tsql::Position& position) {
+BoundExpression ExpressionBinder::evaluateDecimals(tsql::BinaryOperator op, BoundExpression& left,
+                                                   BoundExpression& right,
+                                                   const tsql::Position& position) {
   if (op == tsql::BinaryOperator::Divide || op == tsql::BinaryOperator::Modulo) {
     refuse(context_.text, position, "division of decimals");
   }
@@ -219,9 +224,9 @@ BoundExpression Binder::reckonDecimals(tsql::BinaryOperator op, BoundExpression&
   const auto operand = [&](BoundExpression& expression, const Type& own) {
     const Type target = product ? own : decimalType(result->isWide() ? 38 : 18, result->scale);
     if (expression.pending && expression.type.isNumber()) {
-      guard(expression, Guard::Kind::SameType, expression.type);
+      constants_.guard(expression, Guard::Kind::SameType, expression.type);
     }
-    return coerce(expression, target, Conversion::Compare);
+    return constants_.coerce(expression, target, Conversion::Compare);
   };
   const std::string x = operand(left, a);
   const std::string y = operand(right, b);
@@ -232,21 +237,22 @@ BoundExpression Binder::reckonDecimals(tsql::BinaryOperator op, BoundExpression&
   return computed(std::string(kNames[static_cast<std::size_t>(op)]) + x + "," + y + ")", *result);
 }
 
-BoundExpression Binder::reckonFloats(tsql::BinaryOperator op, BoundExpression& left,
-                                     BoundExpression& right, const tsql::Position& position) {
+BoundExpression ExpressionBinder::evaluateFloats(tsql::BinaryOperator op, BoundExpression& left,
+                                                 BoundExpression& right,
+                                                 const tsql::Position& position) {
   if (op == tsql::BinaryOperator::Modulo) {
     refuse(context_.text, position, "the remainder of floating-point numbers");
   }
-  const std::string a = coerce(left, kFloat, Conversion::Compare);
-  const std::string b = coerce(right, kFloat, Conversion::Compare);
+  const std::string a = constants_.coerce(left, kFloat, Conversion::Compare);
+  const std::string b = constants_.coerce(right, kFloat, Conversion::Compare);
   if (op == tsql::BinaryOperator::Divide) {
     return computed("ts_float_divide(" + a + "," + b + ")", kFloat);
   }
   return computed("ts_float(" + a + std::string(arithmeticSymbol(op)) + b + ")", kFloat);
 }
 
-BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& position,
-                                 const Scope& scope) {
+BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::Position& position,
+                                           const Scope& scope) {
   std::string sql = "CASE";
   std::vector<BoundExpression> results;
   std::vector<std::string> tests;
@@ -259,13 +265,13 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
       values.push_back(bind(*branch.when, scope));
       all.push_back(&values.back());
     }
-    const Type common = unify(all, position);
-    sql += " " + coerceToCompare(operand, common);
+    const Type common = constants_.unify(all, position);
+    sql += " " + constants_.coerceToCompare(operand, common);
     if (common.isText() && !operand.isColumn) {
       sql += std::string(kCollateClause);
     }
     for (BoundExpression& value : values) {
-      tests.push_back(coerceToCompare(value, common));
+      tests.push_back(constants_.coerceToCompare(value, common));
     }
   } else {
     for (const tsql::CaseBranch& branch : node.branches) {
@@ -282,9 +288,9 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
   for (BoundExpression& result : results) {
     // The type of a CASE is that of its results as they stand: constants included.
     if (result.pending && result.type.isNumber() && !result.type.isFloat()) {
-      guard(result, Guard::Kind::SameType, result.type);
+      constants_.guard(result, Guard::Kind::SameType, result.type);
     }
-    type = common(type, result.type, position);
+    type = constants_.requireCommonType(type, result.type, position);
   }
   if (type.kind == TypeKind::Null) {
     throw SqlError(8133,
@@ -292,22 +298,24 @@ BoundExpression Binder::bindCase(const tsql::Case& node, const tsql::Position& p
                    "an expression other than the NULL constant.");
   }
   for (std::size_t i = 0; i < node.branches.size(); ++i) {
-    sql += " WHEN " + tests[i] + " THEN " + coerce(results[i], type, Conversion::Compare);
+    sql +=
+        " WHEN " + tests[i] + " THEN " + constants_.coerce(results[i], type, Conversion::Compare);
   }
   if (node.otherwise) {
-    sql += " ELSE " + coerce(results.back(), type, Conversion::Compare);
+    sql += " ELSE " + constants_.coerce(results.back(), type, Conversion::Compare);
   }
   return computed(sql + " END", type);
 }
 
-BoundExpression Binder::bindScalarQuery(const tsql::ScalarQuery& node, const Scope& scope) {
-  BoundQuery query = bindQuery(*node.query, &scope, {});
+BoundExpression ExpressionBinder::bindScalarQuery(const tsql::ScalarQuery& node,
+                                                  const Scope& scope) {
+  BoundQuery query = queries_.bindQuery(*node.query, &scope, {});
   if (query.columns().size() != 1) {
     throw SqlError(116,
                    "Only one expression can be specified in the select list when the subquery "
                    "is not introduced with EXISTS.");
   }
-  settle(query);
+  queries_.fixTypes(query);
   const Type type = query.columns().front().type;
   const std::string text = render(query);
   if (query.atMostOneRow()) {

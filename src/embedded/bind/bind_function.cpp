@@ -3,7 +3,8 @@
 
 #include "data/decimal.h"
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -21,8 +22,8 @@ Type textResult(const Type& type, std::int32_t length) {
 
 }  // namespace
 
-void Binder::requireArguments(const tsql::FunctionCall& call, std::size_t least,
-                              std::size_t most) const {
+void ExpressionBinder::requireArguments(const tsql::FunctionCall& call, std::size_t least,
+                                        std::size_t most) {
   const std::size_t count = call.arguments.size();
   if (count >= least && count <= most) {
     return;
@@ -34,8 +35,8 @@ void Binder::requireArguments(const tsql::FunctionCall& call, std::size_t least,
                           " argument(s).");
 }
 
-BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Position& position,
-                                 const Scope& scope) {
+BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
+                                           const tsql::Position& position, const Scope& scope) {
   if (call.name.parts.size() > 1) {
     refuse(context_.text, position, "scalar functions of the database");
   }
@@ -54,9 +55,10 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
       return replacement;
     }
     const Type type = checked.type;
-    const std::string first = natural(checked);
-    return computed("ifnull(" + first + "," + coerce(replacement, type, Conversion::Cut) + ")",
-                    type);
+    const std::string first = constants_.inOwnType(checked);
+    return computed(
+        "ifnull(" + first + "," + constants_.coerce(replacement, type, Conversion::Cut) + ")",
+        type);
   }
   if (name == "COALESCE") {
     return bindCoalesce(call, position, scope);
@@ -66,14 +68,14 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
     BoundExpression value = bind(*call.arguments[0], scope);
     BoundExpression other = bind(*call.arguments[1], scope);
     const Type type = value.type;
-    const Type common = unify({&value, &other}, position);
+    const Type common = constants_.unify({&value, &other}, position);
     if (!sameForm(type, common)) {
       refuse(context_.text, position, "NULLIF of different types");
     }
     const bool collate = common.isText() && !value.isColumn;
-    const std::string first = value.pending ? natural(value) : value.sql;
+    const std::string first = value.pending ? constants_.inOwnType(value) : value.sql;
     return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
-                        coerceToCompare(other, common) + ")",
+                        constants_.coerceToCompare(other, common) + ")",
                     type);
   }
   if (name == "ABS") {
@@ -82,7 +84,7 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
     if (!value.type.isNumber()) {
       refuse(context_.text, position, "ABS of what is no number");
     }
-    const std::string sql = natural(value);
+    const std::string sql = constants_.inOwnType(value);
     if (value.type.isWide()) {
       return computed("ts_wide_abs(" + sql + ")", value.type);
     }
@@ -106,16 +108,16 @@ BoundExpression Binder::bindCall(const tsql::FunctionCall& call, const tsql::Pos
   return bindTextCall(name, call, position, scope);
 }
 
-BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql::Position& position,
-                                     const Scope& scope) {
+BoundExpression ExpressionBinder::bindCoalesce(const tsql::FunctionCall& call,
+                                               const tsql::Position& position, const Scope& scope) {
   std::vector<BoundExpression> values;
   Type type;
   for (const tsql::ExpressionPtr& argument : call.arguments) {
     values.push_back(bind(*argument, scope));
     if (values.back().pending && values.back().type.isNumber()) {
-      guard(values.back(), Guard::Kind::SameType, values.back().type);
+      constants_.guard(values.back(), Guard::Kind::SameType, values.back().type);
     }
-    type = common(type, values.back().type, position);
+    type = constants_.requireCommonType(type, values.back().type, position);
   }
   if (values.size() < 2 || type.kind == TypeKind::Null) {
     throw SqlError(4127,
@@ -124,19 +126,20 @@ BoundExpression Binder::bindCoalesce(const tsql::FunctionCall& call, const tsql:
   }
   std::string sql = "coalesce(";
   for (BoundExpression& value : values) {
-    sql += (sql.back() == '(' ? "" : ",") + coerce(value, type, Conversion::Compare);
+    sql += (sql.back() == '(' ? "" : ",") + constants_.coerce(value, type, Conversion::Compare);
   }
   return computed(sql + ")", type);
 }
 
 /// The style of a CONVERT: dates are written in those that `isDateStyle` has and read in the ISO
 /// ones; where no date meets a text there is only the style 0.
-int Binder::bindStyle(const tsql::Expression& expression, const Type& from, const Type& to) {
+int ExpressionBinder::bindStyle(const tsql::Expression& expression, const Type& from,
+                                const Type& to) {
   const auto* const literal = std::get_if<tsql::Literal>(&expression.node);
   if (literal == nullptr || literal->kind != tsql::LiteralKind::Integer) {
     refuse(context_.text, expression.position, "CONVERT with a style that is no constant");
   }
-  guardText(*literal);
+  constants_.guardText(*literal);
   const auto number = Decimal::parse(literal->text);
   const std::int64_t style = number ? number->toInteger().value_or(-1) : -1;
   const bool writes = from.isDate() && to.isText() && isDateStyle(style);
@@ -148,45 +151,47 @@ int Binder::bindStyle(const tsql::Expression& expression, const Type& from, cons
   return static_cast<int>(style);
 }
 
-BoundExpression Binder::bindCast(const tsql::Cast& node, const tsql::Position& position,
-                                 const Scope& scope) {
+BoundExpression ExpressionBinder::bindCast(const tsql::Cast& node, const tsql::Position& position,
+                                           const Scope& scope) {
   const Type type = castType(node.type, context_.text);
   BoundExpression operand = bind(*node.operand, scope);
   if (operand.type.isDate() && type.isNumber()) {
     refuse(context_.text, position, "a date as a number");
   }
-  requireConvertible(operand.type, type, position);
+  constants_.requireConvertible(operand.type, type, position);
   if (node.style) {
     const int style = bindStyle(*node.style, operand.type, type);
     if (operand.type.isDate() && type.isText()) {
-      const std::string date = natural(operand);
+      const std::string date = constants_.inOwnType(operand);
       BoundExpression text =
           computed("ts_date_text(" + date + "," + std::to_string(encodeType(operand.type)) + "," +
                        std::to_string(style) + ")",
                    kVarChar);
-      return computed(coerce(text, type, Conversion::Cut), type);
+      return computed(constants_.coerce(text, type, Conversion::Cut), type);
     }
   }
   if (operand.type.kind == TypeKind::Null && !operand.pending) {
     return computed("NULL", type);
   }
-  return computed(coerce(operand, type, Conversion::Cut), type);
+  return computed(constants_.coerce(operand, type, Conversion::Cut), type);
 }
 
-std::string Binder::bindText(const tsql::Expression& expression, const Scope& scope, Type* type) {
+std::string ExpressionBinder::bindText(const tsql::Expression& expression, const Scope& scope,
+                                       Type* type) {
   BoundExpression bound = bind(expression, scope);
   if (type != nullptr) {
     *type = bound.type;
   }
   if (bound.type.isText()) {
-    return natural(bound);
+    return constants_.inOwnType(bound);
   }
-  requireConvertible(bound.type, kVarChar, expression.position);
-  return coerce(bound, kVarChar, Conversion::Compare);
+  constants_.requireConvertible(bound.type, kVarChar, expression.position);
+  return constants_.coerce(bound, kVarChar, Conversion::Compare);
 }
 
-BoundExpression Binder::bindTextCall(std::string_view name, const tsql::FunctionCall& call,
-                                     const tsql::Position& position, const Scope& scope) {
+BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
+                                               const tsql::FunctionCall& call,
+                                               const tsql::Position& position, const Scope& scope) {
   struct TextFunction {
     std::string_view name;
     std::string_view sqlName;
@@ -233,8 +238,8 @@ BoundExpression Binder::bindTextCall(std::string_view name, const tsql::Function
       length = i == 0 && type.isText() ? type.length : length;
     } else {
       BoundExpression number = bind(*call.arguments[i], scope);
-      requireConvertible(number.type, kBigInt, position);
-      sql += coerce(number, kBigInt, Conversion::Compare);
+      constants_.requireConvertible(number.type, kBigInt, position);
+      sql += constants_.coerce(number, kBigInt, Conversion::Compare);
     }
   }
   const Type kind = unicode ? kNVarChar : kVarChar;

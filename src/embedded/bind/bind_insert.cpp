@@ -1,6 +1,9 @@
 #include <algorithm>
 
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/change_binder.h"
+#include "embedded/bind/scope.h"
+#include "embedded/bind/translation.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
@@ -59,8 +62,18 @@ void checkPositional(const Table& table, std::size_t values, std::size_t columns
 
 }  // namespace
 
-std::vector<std::size_t> Binder::insertColumns(const tsql::InsertStatement& statement,
-                                               const Table& table) const {
+void refuseReadingHints(const tsql::NamedTable& target) {
+  for (const std::string& hint : target.hints) {
+    if (hint == "NOLOCK" || hint == "READUNCOMMITTED") {
+      throw SqlError(1065,
+                     "The NOLOCK and READUNCOMMITTED lock hints are not allowed for target "
+                     "tables of INSERT, UPDATE, DELETE or MERGE statements.");
+    }
+  }
+}
+
+std::vector<std::size_t> ChangeBinder::insertColumns(const tsql::InsertStatement& statement,
+                                                     const Table& table) {
   std::vector<std::size_t> columns;
   if (statement.columns.empty()) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
@@ -87,7 +100,7 @@ std::vector<std::size_t> Binder::insertColumns(const tsql::InsertStatement& stat
   return columns;
 }
 
-std::string Binder::defaultOf(const Table& table, std::size_t column) {
+std::string ChangeBinder::defaultOf(const Table& table, std::size_t column) {
   const Column& info = table.columns[column];
   if (info.defaultValue == nullptr) {
     return "NULL";
@@ -96,15 +109,15 @@ std::string Binder::defaultOf(const Table& table, std::size_t column) {
   context.constantsInside = true;
   context.variables = nullptr;
   context.text = {};
-  Binder binder(context, emission_);
+  QueryBinder binder(context, translation_);
   const Scope nothing(nullptr);
-  BoundExpression bound = binder.bind(*info.defaultValue, nothing);
-  return binder.coerce(bound, info.type, Conversion::Assign);
+  BoundExpression bound = binder.expressions().bind(*info.defaultValue, nothing);
+  return binder.constants().coerce(bound, info.type, Conversion::Assign);
 }
 
-std::string Binder::insertRows(const tsql::InsertStatement& statement, const Table& table,
-                               const std::vector<std::size_t>& columns,
-                               std::vector<std::size_t>& defaults) {
+std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, const Table& table,
+                                     const std::vector<std::size_t>& columns,
+                                     std::vector<std::size_t>& defaults) {
   const Scope nothing(nullptr);
   std::string sql = " VALUES ";
   for (const auto& row : statement.rows) {
@@ -125,8 +138,8 @@ std::string Binder::insertRows(const tsql::InsertStatement& statement, const Tab
         sql += defaultOf(table, columns[i]);
         continue;
       }
-      BoundExpression value = bind(*row[i], nothing);
-      sql += coerce(value, table.columns[columns[i]].type, Conversion::Assign);
+      BoundExpression value = expressions_.bind(*row[i], nothing);
+      sql += constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign);
     }
     for (const std::size_t column : defaults) {
       sql += "," + defaultOf(table, column);
@@ -136,12 +149,12 @@ std::string Binder::insertRows(const tsql::InsertStatement& statement, const Tab
   return sql;
 }
 
-std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Table& table,
-                                const std::vector<std::size_t>& columns,
-                                const std::vector<std::size_t>& defaults) {
+std::string ChangeBinder::insertQuery(const tsql::InsertStatement& statement, const Table& table,
+                                      const std::vector<std::size_t>& columns,
+                                      const std::vector<std::size_t>& defaults) {
   QueryUse use;
   use.orderNeedsTop = false;
-  BoundQuery query = bindQuery(*statement.query, nullptr, use);
+  BoundQuery query = queries_.bindQuery(*statement.query, nullptr, use);
   const std::size_t count = query.columns().size();
   if (statement.columns.empty()) {
     checkPositional(table, count, columns.size());
@@ -153,7 +166,7 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
   for (const std::size_t column : columns) {
     targets.push_back(table.columns[column].type);
   }
-  settleForInsert(query, targets);
+  queries_.fixTypesForInsert(query, targets);
   for (const std::size_t column : defaults) {
     OutputColumn value;
     value.sql = defaultOf(table, column);
@@ -162,10 +175,10 @@ std::string Binder::insertQuery(const tsql::InsertStatement& statement, const Ta
   return " " + render(query);
 }
 
-BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
+BoundChange ChangeBinder::bindInsert(const tsql::InsertStatement& statement) {
   refuseReadingHints(statement.target);
   BoundChange bound;
-  bound.table = findTable(statement.target.name);
+  bound.table = names_.findTable(statement.target.name);
   const Table& table = *bound.table;
   std::vector<std::size_t> columns = insertColumns(statement, table);
   std::vector<std::size_t> defaults;

@@ -3,7 +3,9 @@
 
 #include "data/decimal.h"
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -57,8 +59,9 @@ bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query
 
 }  // namespace
 
-BoundQuery Binder::bindQuery(const tsql::Query& query, const Scope* outer, const QueryUse& use) {
-  ++emission_.queries;
+BoundQuery QueryBinder::bindQuery(const tsql::Query& query, const Scope* outer,
+                                  const QueryUse& use) {
+  ++translation_.queries;
   const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
   if (!query.orderBy.empty() && use.orderNeedsTop &&
       (specification == nullptr || !specification->top)) {
@@ -76,8 +79,8 @@ BoundQuery Binder::bindQuery(const tsql::Query& query, const Scope* outer, const
   return bound;
 }
 
-BoundQuery Binder::bindSetOperation(const tsql::SetOperation& operation, const tsql::Query& query,
-                                    const Scope* outer) {
+BoundQuery QueryBinder::bindSetOperation(const tsql::SetOperation& operation,
+                                         const tsql::Query& query, const Scope* outer) {
   BoundQuery bound;
   bound.op = operation.op;
   bound.left = std::make_unique<BoundQuery>(bindQuery(*operation.left, outer, {}));
@@ -91,11 +94,11 @@ BoundQuery Binder::bindSetOperation(const tsql::SetOperation& operation, const t
   return bound;
 }
 
-void Binder::bindSpecification(const tsql::QuerySpecification& specification,
-                               const tsql::Query& query, const Scope* outer, const QueryUse& use,
-                               BoundSelect& select) {
-  const std::uint64_t touchedBefore = emission_.touchedLevels;
-  emission_.touchedLevels = 0;
+void QueryBinder::bindSpecification(const tsql::QuerySpecification& specification,
+                                    const tsql::Query& query, const Scope* outer,
+                                    const QueryUse& use, BoundSelect& select) {
+  const std::uint64_t touchedBefore = translation_.touchedLevels;
+  translation_.touchedLevels = 0;
   Scope scope(outer);
   select.distinct = specification.distinct;
   select.from = bindSources(specification.from, scope);
@@ -115,7 +118,7 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
   if (specification.having) {
     scope.grouping.number = 8121;
     scope.grouping.clause = "HAVING clause";
-    select.having = bindCondition(*specification.having, scope, true).sql;
+    select.having = expressions_.bindCondition(*specification.having, scope, true).sql;
   }
   if (specification.top) {
     bindTop(*specification.top, select);
@@ -123,7 +126,7 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
   bindOrderBy(query, scope, select);
   const bool oneRow = specification.from.empty() || (grouped && specification.groupBy.empty());
   select.atMostOneRow = select.atMostOneRow || oneRow;
-  const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
+  const std::uint64_t outside = translation_.touchedLevels & outerLevels(scope.level);
   select.correlated = outside != 0;
   if (select.correlated) {
     // The correlation cannot be taken out as a whole: back into the condition with its parts.
@@ -140,13 +143,13 @@ void Binder::bindSpecification(const tsql::QuerySpecification& specification,
     select.alternatives.clear();
   }
   addConstantFilters(outer, select);
-  emission_.touchedLevels = touchedBefore | outside | select.correlationLevels;
+  translation_.touchedLevels = touchedBefore | outside | select.correlationLevels;
 }
 
 // ---------------------------------------------------------------- the select list
 
-void Binder::bindItems(const tsql::QuerySpecification& specification, const Scope& scope,
-                       const QueryUse& use, BoundSelect& select) {
+void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const Scope& scope,
+                            const QueryUse& use, BoundSelect& select) {
   for (const tsql::SelectItem& item : specification.items) {
     if (item.assignTo.empty() == use.assigns) {
       throw SqlError(141,
@@ -158,7 +161,7 @@ void Binder::bindItems(const tsql::QuerySpecification& specification, const Scop
       continue;
     }
     OutputColumn column;
-    column.expression = bind(*item.expression, scope);
+    column.expression = expressions_.bind(*item.expression, scope);
     column.position = item.position;
     const auto* const reference = std::get_if<tsql::ColumnReference>(&item.expression->node);
     column.named = item.hasAlias || reference != nullptr;
@@ -169,13 +172,13 @@ void Binder::bindItems(const tsql::QuerySpecification& specification, const Scop
     }
     column.printed = foldText(tsql::print(*item.expression));
     if (use.assigns) {
-      select.assigned.push_back(variableIndex(item.assignTo));
+      select.assigned.push_back(names_.variableIndex(item.assignTo));
     }
     select.columns.push_back(std::move(column));
   }
 }
 
-void Binder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select) {
+void QueryBinder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select) {
   const std::string wanted =
       star.qualifier.parts.empty() ? "" : foldText(star.qualifier.parts.back());
   bool found = false;
@@ -186,7 +189,7 @@ void Binder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect&
     found = true;
     for (std::size_t i = 0; i < source.columnCount(); ++i) {
       OutputColumn column;
-      column.expression = take(source, i, scope);
+      column.expression = names_.columnOf(source, i, scope);
       column.name = source.columnName(i);
       column.named = true;
       column.printed = source.folded + "." + foldText(column.name);
@@ -204,14 +207,14 @@ void Binder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect&
 
 // ---------------------------------------------------------------- conditions and groups
 
-void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
-                       BoundSelect& select) {
+void QueryBinder::bindWhere(const tsql::Expression& condition, const Scope& scope,
+                            const QueryUse& use, BoundSelect& select) {
   std::vector<const tsql::Expression*> conjuncts;
   splitConjuncts(condition, conjuncts);
   for (const tsql::Expression* const conjunct : conjuncts) {
     if (use.in == nullptr || !(bindCorrelation(*conjunct, scope, select) ||
                                bindAlternatives(*conjunct, scope, select))) {
-      const BoundCondition bound = bindCondition(*conjunct, scope, true);
+      const BoundCondition bound = expressions_.bindCondition(*conjunct, scope, true);
       noteConstantFilter(*conjunct, bound, scope);
       select.where += (select.where.empty() ? "" : " AND ") + bound.sql;
     }
@@ -219,8 +222,8 @@ void Binder::bindWhere(const tsql::Expression& condition, const Scope& scope, co
 }
 
 /// Keeps in mind what the condition demands of a column of the query by constants alone.
-void Binder::noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
-                                const Scope& scope) {
+void QueryBinder::noteConstantFilter(const tsql::Expression& conjunct,
+                                     const BoundCondition& condition, const Scope& scope) {
   const tsql::Expression* operand = nullptr;
   if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
     if (binary->op == tsql::BinaryOperator::Equal && isConstant(*binary->right)) {
@@ -241,7 +244,7 @@ void Binder::noteConstantFilter(const tsql::Expression& conjunct, const BoundCon
 
 /// What the surroundings demand of a column holds for the column that must equal it as well: told
 /// to the subquery, it need not gather rows that nobody asks for.
-void Binder::addConstantFilters(const Scope* outer, BoundSelect& select) {
+void QueryBinder::addConstantFilters(const Scope* outer, BoundSelect& select) {
   for (const Scope* scope = outer; scope != nullptr; scope = scope->parent) {
     for (const Correlation& correlation : select.correlations) {
       const auto [from, to] = scope->constantFilters.equal_range(correlation.outer);
@@ -255,8 +258,8 @@ void Binder::addConstantFilters(const Scope* outer, BoundSelect& select) {
 
 /// Takes `inner = outer` out of a condition. False when the part is no such equality of two columns
 /// that compare as they are; nothing is bound then.
-bool Binder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scope,
-                             BoundSelect& select) {
+bool QueryBinder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scope,
+                                  BoundSelect& select) {
   const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node);
   if (binary == nullptr || binary->op != tsql::BinaryOperator::Equal) {
     return false;
@@ -266,17 +269,17 @@ bool Binder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scop
   if (left == nullptr || right == nullptr) {
     return false;
   }
-  const std::uint64_t before = emission_.touchedLevels;
+  const std::uint64_t before = translation_.touchedLevels;
   const auto levelsOf = [&](const tsql::ColumnReference& reference, BoundExpression& bound) {
-    emission_.touchedLevels = 0;
-    bound = resolve(reference, scope);
-    return emission_.touchedLevels;
+    translation_.touchedLevels = 0;
+    bound = names_.resolve(reference, scope);
+    return translation_.touchedLevels;
   };
   BoundExpression a;
   BoundExpression b;
   const std::uint64_t levelsA = levelsOf(*left, a);
   const std::uint64_t levelsB = levelsOf(*right, b);
-  emission_.touchedLevels = before;
+  translation_.touchedLevels = before;
   const std::uint64_t outside = outerLevels(scope.level);
   const bool innerLeft = (levelsA & outside) == 0;
   const bool innerRight = (levelsB & outside) == 0;
@@ -290,45 +293,45 @@ bool Binder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scop
 
 /// Takes `column = constant OR column = constant` out of a condition. False when the part is none;
 /// nothing is bound then. SQLite would rather read all rows of the conditions around it.
-bool Binder::bindAlternatives(const tsql::Expression& conjunct, const Scope& scope,
-                              BoundSelect& select) {
+bool QueryBinder::bindAlternatives(const tsql::Expression& conjunct, const Scope& scope,
+                                   BoundSelect& select) {
   const auto* const either = std::get_if<tsql::Binary>(&conjunct.node);
   if (either == nullptr || either->op != tsql::BinaryOperator::Or || !select.alternatives.empty() ||
       !namesOneValue(*either->left) || !namesOneValue(*either->right)) {
     return false;
   }
   for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
-    select.alternatives.push_back(bindCondition(**part, scope, true).sql);
+    select.alternatives.push_back(expressions_.bindCondition(**part, scope, true).sql);
   }
   return true;
 }
 
 /// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
 /// in those around it.
-BoundExpression Binder::bindKey(const tsql::Expression& key, const Scope& scope, bool groups) {
-  const std::uint64_t levels = std::exchange(emission_.touchedLevels, 0);
-  const bool argument = std::exchange(emission_.touchedArgument, false);
-  BoundExpression bound = bind(key, scope);
-  const std::uint64_t outside = emission_.touchedLevels & outerLevels(scope.level);
-  if (groups && (emission_.touchedLevels & levelBit(scope.level)) == 0) {
+BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Scope& scope, bool groups) {
+  const std::uint64_t levels = std::exchange(translation_.touchedLevels, 0);
+  const bool argument = std::exchange(translation_.touchedArgument, false);
+  BoundExpression bound = expressions_.bind(key, scope);
+  const std::uint64_t outside = translation_.touchedLevels & outerLevels(scope.level);
+  if (groups && (translation_.touchedLevels & levelBit(scope.level)) == 0) {
     throw SqlError(164,
                    "Each GROUP BY expression must contain at least one column that is not an "
                    "outer reference.");
   }
-  if (outside != 0 || emission_.touchedArgument) {
+  if (outside != 0 || translation_.touchedArgument) {
     refuse(context_.text, key.position,
            std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
   }
-  emission_.touchedLevels |= levels;
-  emission_.touchedArgument = argument;
+  translation_.touchedLevels |= levels;
+  translation_.touchedArgument = argument;
   return bound;
 }
 
-void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
-                         BoundSelect& select) {
+void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
+                              BoundSelect& select) {
   for (const tsql::ExpressionPtr& key : specification.groupBy) {
     BoundExpression bound = bindKey(*key, scope, true);
-    std::string sql = natural(bound);
+    std::string sql = constants_.inOwnType(bound);
     if (bound.isColumn) {
       scope.grouping.columns.insert(sql);
     } else {
@@ -341,11 +344,11 @@ void Binder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& s
   }
 }
 
-void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
+void QueryBinder::bindTop(const tsql::Top& top, BoundSelect& select) {
   const auto* const literal = std::get_if<tsql::Literal>(&top.count->node);
   if (literal != nullptr && literal->kind == tsql::LiteralKind::Integer) {
     // One row at most is a property of the plan, so the number is part of it.
-    guardText(*literal);
+    constants_.guardText(*literal);
     const Type type = literalType(literal->kind, literal->text);
     const Value count = literalValue(literal->kind, literal->text, type);
     const Value rows = convert(count, type, kBigInt, Conversion::Cut);
@@ -354,22 +357,22 @@ void Binder::bindTop(const tsql::Top& top, BoundSelect& select) {
     return;
   }
   const Scope nothing(nullptr);
-  BoundExpression count = bind(*top.count, nothing);
-  requireConvertible(count.type, kBigInt, top.count->position);
-  select.limit = "ts_top(" + coerce(count, kBigInt, Conversion::Cut) + ")";
+  BoundExpression count = expressions_.bind(*top.count, nothing);
+  constants_.requireConvertible(count.type, kBigInt, top.count->position);
+  select.limit = "ts_top(" + constants_.coerce(count, kBigInt, Conversion::Cut) + ")";
 }
 
 // ---------------------------------------------------------------- order
 
 /// The output column that an item of ORDER BY names by its position or by its name.
-std::optional<std::size_t> Binder::outputPosition(const tsql::Expression& expression,
-                                                  const std::vector<OutputColumn>& columns) {
+std::optional<std::size_t> QueryBinder::outputPosition(const tsql::Expression& expression,
+                                                       const std::vector<OutputColumn>& columns) {
   if (const auto* const literal = std::get_if<tsql::Literal>(&expression.node)) {
     if (literal->kind != tsql::LiteralKind::Integer) {
       throw SqlError(408,
                      "A constant expression was encountered in the ORDER BY list, position 1.");
     }
-    guardText(*literal);
+    constants_.guardText(*literal);
     const auto number = Decimal::parse(literal->text);
     const auto position = number ? number->toInteger() : std::nullopt;
     if (!position || *position < 1 || *position > static_cast<std::int64_t>(columns.size())) {
@@ -397,8 +400,8 @@ std::optional<std::size_t> Binder::outputPosition(const tsql::Expression& expres
   return found;
 }
 
-std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
-                                  BoundSelect& select) {
+std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
+                                       BoundSelect& select) {
   if (const auto position = outputPosition(*item.expression, select.columns)) {
     return std::to_string(*position + 1);
   }
@@ -420,7 +423,7 @@ std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scop
                    "ORDER BY items must appear in the select list if SELECT DISTINCT is "
                    "specified.");
   }
-  std::string sql = natural(bound);
+  std::string sql = constants_.inOwnType(bound);
   if (bound.type.isText() && !bound.isColumn) {
     sql += std::string(kCollateClause);
   }
@@ -428,7 +431,7 @@ std::string Binder::bindOrderItem(const tsql::OrderItem& item, const Scope& scop
   return bound.isColumn ? sql : "(" + sql + ")";
 }
 
-void Binder::bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select) {
+void QueryBinder::bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select) {
   scope.grouping.number = 8127;
   scope.grouping.clause = "ORDER BY clause";
   for (const tsql::OrderItem& item : query.orderBy) {
@@ -437,7 +440,7 @@ void Binder::bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSele
   }
 }
 
-void Binder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
+void QueryBinder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
   for (const tsql::OrderItem& item : query.orderBy) {
     const auto position = outputPosition(*item.expression, bound.columns());
     if (!position) {

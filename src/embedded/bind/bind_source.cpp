@@ -1,4 +1,6 @@
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 
@@ -29,7 +31,7 @@ bool isJoin(const tsql::TableSource& source) {
 
 }  // namespace
 
-void Binder::expose(Scope& scope, Source source) {
+void addSource(Scope& scope, Source source) {
   source.folded = foldText(source.name);
   for (const Source& other : scope.sources) {
     if (other.folded == source.folded && other.hasAlias && source.hasAlias) {
@@ -45,62 +47,7 @@ void Binder::expose(Scope& scope, Source source) {
   scope.sources.push_back(std::move(source));
 }
 
-std::string Binder::bindSources(const std::vector<tsql::TableSourcePtr>& sources, Scope& scope) {
-  std::string sql;
-  for (const tsql::TableSourcePtr& source : sources) {
-    const std::size_t first = scope.sources.size();
-    const VisibleSources visible(scope, first);
-    const std::string text = bindSource(*source, scope);
-    if (sql.empty()) {
-      sql = text;
-    } else {
-      sql += isJoin(*source) ? " JOIN (" + text + ")" : " JOIN " + text;
-    }
-  }
-  return sql;
-}
-
-std::string Binder::bindSource(const tsql::TableSource& source, Scope& scope) {
-  if (const auto* const table = std::get_if<tsql::NamedTable>(&source.node)) {
-    return bindTable(*table, source.alias, scope);
-  }
-  if (const auto* const derived = std::get_if<tsql::DerivedTable>(&source.node)) {
-    return bindDerived(*derived, source.alias, scope);
-  }
-  if (const auto* const function = std::get_if<tsql::FunctionTable>(&source.node)) {
-    return bindFunctionTable(*function, source.alias, scope);
-  }
-  return bindJoin(std::get<tsql::Join>(source.node), scope);
-}
-
-std::string Binder::bindTable(const tsql::NamedTable& table, const std::string& alias,
-                              Scope& scope) {
-  Source source;
-  source.table = findTable(table.name);
-  source.hasAlias = !alias.empty();
-  source.name = source.hasAlias ? alias : source.table->name;
-  source.sqlName = newAlias();
-  std::string sql = source.table->sqlName + " AS " + source.sqlName;
-  expose(scope, std::move(source));
-  return sql;
-}
-
-std::string Binder::bindDerived(const tsql::DerivedTable& derived, const std::string& alias,
-                                Scope& scope) {
-  // Neither the other sources of the clause nor what they bring is visible inside.
-  BoundQuery query = bindQuery(*derived.query, scope.parent, {});
-  settle(query);
-  Source source;
-  source.name = alias;
-  source.hasAlias = true;
-  source.sqlName = newAlias();
-  describeDerived(query, source);
-  std::string sql = "(" + render(query) + ") AS " + source.sqlName;
-  expose(scope, std::move(source));
-  return sql;
-}
-
-void Binder::describeDerived(BoundQuery& query, Source& source) {
+void describeDerived(BoundQuery& query, Source& source) {
   std::size_t number = 0;
   for (OutputColumn& column : query.columns()) {
     ++number;
@@ -119,7 +66,63 @@ void Binder::describeDerived(BoundQuery& query, Source& source) {
   }
 }
 
-std::string Binder::bindJoin(const tsql::Join& join, Scope& scope) {
+std::string QueryBinder::bindSources(const std::vector<tsql::TableSourcePtr>& sources,
+                                     Scope& scope) {
+  std::string sql;
+  for (const tsql::TableSourcePtr& source : sources) {
+    const std::size_t first = scope.sources.size();
+    const VisibleSources visible(scope, first);
+    const std::string text = bindSource(*source, scope);
+    if (sql.empty()) {
+      sql = text;
+    } else {
+      sql += isJoin(*source) ? " JOIN (" + text + ")" : " JOIN " + text;
+    }
+  }
+  return sql;
+}
+
+std::string QueryBinder::bindSource(const tsql::TableSource& source, Scope& scope) {
+  if (const auto* const table = std::get_if<tsql::NamedTable>(&source.node)) {
+    return bindTable(*table, source.alias, scope);
+  }
+  if (const auto* const derived = std::get_if<tsql::DerivedTable>(&source.node)) {
+    return bindDerived(*derived, source.alias, scope);
+  }
+  if (const auto* const function = std::get_if<tsql::FunctionTable>(&source.node)) {
+    return bindFunctionTable(*function, source.alias, scope);
+  }
+  return bindJoin(std::get<tsql::Join>(source.node), scope);
+}
+
+std::string QueryBinder::bindTable(const tsql::NamedTable& table, const std::string& alias,
+                                   Scope& scope) {
+  Source source;
+  source.table = names_.findTable(table.name);
+  source.hasAlias = !alias.empty();
+  source.name = source.hasAlias ? alias : source.table->name;
+  source.sqlName = names_.newAlias();
+  std::string sql = source.table->sqlName + " AS " + source.sqlName;
+  addSource(scope, std::move(source));
+  return sql;
+}
+
+std::string QueryBinder::bindDerived(const tsql::DerivedTable& derived, const std::string& alias,
+                                     Scope& scope) {
+  // Neither the other sources of the clause nor what they bring is visible inside.
+  BoundQuery query = bindQuery(*derived.query, scope.parent, {});
+  fixTypes(query);
+  Source source;
+  source.name = alias;
+  source.hasAlias = true;
+  source.sqlName = names_.newAlias();
+  describeDerived(query, source);
+  std::string sql = "(" + render(query) + ") AS " + source.sqlName;
+  addSource(scope, std::move(source));
+  return sql;
+}
+
+std::string QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
   if (join.kind == tsql::JoinKind::CrossApply || join.kind == tsql::JoinKind::OuterApply) {
     return bindApply(join, scope);
   }
@@ -138,7 +141,7 @@ std::string Binder::bindJoin(const tsql::Join& join, Scope& scope) {
     return left + " JOIN " + right;
   }
   const VisibleSources visible(scope, std::max(first, scope.visibleFrom));
-  const BoundCondition bound = bindCondition(*join.on, scope, true);
+  const BoundCondition bound = expressions_.bindCondition(*join.on, scope, true);
   const std::string& condition = bound.sql;
   switch (join.kind) {
     case tsql::JoinKind::Inner:
@@ -159,7 +162,7 @@ std::string Binder::bindJoin(const tsql::Join& join, Scope& scope) {
   }
 }
 
-std::string Binder::bindApply(const tsql::Join& join, Scope& scope) {
+std::string QueryBinder::bindApply(const tsql::Join& join, Scope& scope) {
   const bool outer = join.kind == tsql::JoinKind::OuterApply;
   const std::string left = bindSource(*join.left, scope);
   const auto* const function = std::get_if<tsql::FunctionTable>(&join.right->node);

@@ -18,7 +18,7 @@ struct OutputColumn {
   BoundExpression expression;
   std::string printed;  ///< the item as T-SQL, where ORDER BY may repeat it
   tsql::Position position;
-  std::string sql;  ///< final text, once the types are settled
+  std::string sql;  ///< final text, once the types are fixed
   Type type;        ///< final type
 };
 
@@ -64,7 +64,12 @@ struct BoundQuery {
   [[nodiscard]] bool atMostOneRow() const { return select && select->atMostOneRow; }
 };
 
-/// The SQLite text of a query whose types are settled; its columns are called c1, c2 …
+/// Adds a source to a FROM clause. Throws `SqlError` 1011 or 1013 for a name that is there already.
+void addSource(Scope& scope, Source source);
+/// Gives a source the columns of a query. Throws `SqlError` 8155 or 8156 for their names.
+void describeDerived(BoundQuery& query, Source& source);
+
+/// The SQLite text of a query whose types are fixed; its columns are called c1, c2 …
 [[nodiscard]] std::string render(const BoundQuery& query);
 [[nodiscard]] std::string render(const BoundSelect& select);
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "embedded/bind/translation.h"
 #include "embedded/compile/table_definition.h"
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
@@ -127,10 +128,10 @@ void Compiler::checkRoutine(const Routine& routine) const {
     return;
   }
   std::vector<Guard> guards;
-  Emission emission;
-  emission.guards = &guards;
+  Translation translation;
+  translation.guards = &guards;
   const BindContext context{&catalogue_, nullptr, routine.source, true, settings_.rewriteIn};
-  Binder(context, emission).checkFunction(routine);
+  Binder(context, translation).checkFunction(routine);
 }
 
 Node Compiler::compileDeferred(Plan& plan, const tsql::Statement& statement) const {
@@ -140,16 +141,16 @@ Node Compiler::compileDeferred(Plan& plan, const tsql::Statement& statement) con
 
 template <typename Bind>
 Piece Compiler::piece(Work& work, Bind bind) const {
-  Emission emission;
-  emission.guards = &work.plan.guards;
+  Translation translation;
+  translation.guards = &work.plan.guards;
   const BindContext context{&catalogue_, &work.plan.variables, work.text, work.plan.constantsInside,
                             settings_.rewriteIn};
-  Binder binder(context, emission);
+  Binder binder(context, translation);
   Piece piece;
   piece.sql = bind(binder);
   piece.statement = database_.prepare(piece.sql);
-  piece.slots = std::move(emission.slots);
-  piece.failure = std::move(emission.failure);
+  piece.slots = std::move(translation.slots);
+  piece.failure = std::move(translation.failure);
   return piece;
 }
 

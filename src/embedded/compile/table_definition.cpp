@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "embedded/bind/binder.h"
+#include "embedded/bind/translation.h"
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
@@ -160,14 +161,14 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
         break;
       case tsql::ConstraintKind::Check: {
         std::vector<Guard> guards;
-        Emission emission;
-        emission.guards = &guards;
+        Translation translation;
+        translation.guards = &guards;
         const BindContext context{&catalogue, nullptr, text, true, false};
-        Binder binder(context, emission);
+        Binder binder(context, translation);
         sql += name + "CHECK (" + binder.bindCheck(*table.definition->constraints[i].check, table) +
                ")";
-        if (emission.failure) {
-          throw *emission.failure;
+        if (translation.failure) {
+          throw *translation.failure;
         }
         break;
       }

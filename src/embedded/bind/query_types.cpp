@@ -1,6 +1,8 @@
 // The final types of a query's columns, and the texts that give them.
 
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
@@ -8,9 +10,10 @@
 
 namespace azcoll::embedded {
 
-std::string Binder::columnText(OutputColumn& column, const Type* type, Conversion conversion) {
+std::string QueryBinder::columnText(OutputColumn& column, const Type* type, Conversion conversion) {
   BoundExpression& expression = column.expression;
-  std::string sql = type == nullptr ? natural(expression) : coerce(expression, *type, conversion);
+  std::string sql = type == nullptr ? constants_.inOwnType(expression)
+                                    : constants_.coerce(expression, *type, conversion);
   column.type = type == nullptr ? expression.type : *type;
   // DISTINCT, UNION and whoever reads the column compare by its collation.
   if (column.type.isText() && !expression.isColumn) {
@@ -19,7 +22,7 @@ std::string Binder::columnText(OutputColumn& column, const Type* type, Conversio
   return sql;
 }
 
-void Binder::collectTypes(BoundQuery& query, std::vector<Type>& types, bool& first) {
+void QueryBinder::collectTypes(BoundQuery& query, std::vector<Type>& types, bool& first) {
   if (!query.select) {
     collectTypes(*query.left, types, first);
     collectTypes(*query.right, types, first);
@@ -30,14 +33,15 @@ void Binder::collectTypes(BoundQuery& query, std::vector<Type>& types, bool& fir
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const BoundExpression& expression = columns[i].expression;
     if (expression.pending && expression.type.isNumber() && !expression.type.isFloat()) {
-      guard(expression, Guard::Kind::SameType, expression.type);
+      constants_.guard(expression, Guard::Kind::SameType, expression.type);
     }
-    types[i] = first ? expression.type : common(types[i], expression.type, columns[i].position);
+    types[i] = first ? expression.type
+                     : constants_.requireCommonType(types[i], expression.type, columns[i].position);
   }
   first = false;
 }
 
-void Binder::applyTypes(BoundQuery& query, const std::vector<Type>& types) {
+void QueryBinder::applyTypes(BoundQuery& query, const std::vector<Type>& types) {
   if (!query.select) {
     applyTypes(*query.left, types);
     applyTypes(*query.right, types);
@@ -49,7 +53,7 @@ void Binder::applyTypes(BoundQuery& query, const std::vector<Type>& types) {
   }
 }
 
-void Binder::settle(BoundQuery& query) {
+void QueryBinder::fixTypes(BoundQuery& query) {
   if (query.select) {
     for (OutputColumn& column : query.select->columns) {
       column.sql = columnText(column, nullptr, Conversion::Compare);
@@ -67,7 +71,7 @@ void Binder::settle(BoundQuery& query) {
   applyTypes(query, types);
 }
 
-void Binder::settleForInsert(BoundQuery& query, const std::vector<Type>& targets) {
+void QueryBinder::fixTypesForInsert(BoundQuery& query, const std::vector<Type>& targets) {
   std::vector<OutputColumn>& columns = query.columns();
   if (query.select && !query.select->distinct) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -76,7 +80,7 @@ void Binder::settleForInsert(BoundQuery& query, const std::vector<Type>& targets
     return;
   }
   // Rows are made distinct by what the query gives, not by what the columns make of it.
-  settle(query);
+  fixTypes(query);
   auto outer = std::make_unique<BoundSelect>();
   for (std::size_t i = 0; i < columns.size(); ++i) {
     OutputColumn column;

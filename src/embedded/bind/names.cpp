@@ -1,4 +1,7 @@
-#include "embedded/bind/binder.h"
+#include "embedded/bind/names.h"
+
+#include <utility>
+
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
@@ -49,8 +52,9 @@ BoundExpression Source::column(std::size_t index) const {
   return bound;
 }
 
-BoundExpression Binder::take(const Source& source, std::size_t column, const Scope& scope) {
-  emission_.touchedLevels |= levelBit(scope.level);
+BoundExpression Names::columnOf(const Source& source, std::size_t column,
+                                const Scope& scope) const {
+  translation_.touchedLevels |= levelBit(scope.level);
   BoundExpression bound = source.column(column);
   const Grouping& grouping = scope.grouping;
   if (grouping.active && !grouping.columns.contains(bound.sql)) {
@@ -65,12 +69,12 @@ BoundExpression Binder::take(const Source& source, std::size_t column, const Sco
   return bound;
 }
 
-BoundExpression Binder::resolve(const tsql::ColumnReference& reference, const Scope& scope) {
+BoundExpression Names::resolve(const tsql::ColumnReference& reference, const Scope& scope) const {
   return reference.name.parts.size() == 1 ? resolveBare(reference.name.parts.front(), scope)
                                           : resolveQualified(reference.name, scope);
 }
 
-BoundExpression Binder::resolveBare(const std::string& name, const Scope& scope) {
+BoundExpression Names::resolveBare(const std::string& name, const Scope& scope) const {
   const std::string folded = foldText(name);
   for (const Scope* at = &scope; at != nullptr; at = at->parent) {
     const Source* found = nullptr;
@@ -85,13 +89,13 @@ BoundExpression Binder::resolveBare(const std::string& name, const Scope& scope)
       }
     }
     if (found != nullptr) {
-      return take(*found, column, *at);
+      return columnOf(*found, column, *at);
     }
   }
   throw SqlError(207, "Invalid column name '" + name + "'.");
 }
 
-BoundExpression Binder::resolveQualified(const tsql::ObjectName& name, const Scope& scope) {
+BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Scope& scope) const {
   const std::vector<std::string> qualifier(name.parts.begin(), name.parts.end() - 1);
   const std::string& column = name.parts.back();
   for (const Scope* at = &scope; at != nullptr; at = at->parent) {
@@ -103,14 +107,14 @@ BoundExpression Binder::resolveQualified(const tsql::ObjectName& name, const Sco
       if (!match) {
         throw SqlError(207, "Invalid column name '" + column + "'.");
       }
-      return take(at->sources[i], *match, *at);
+      return columnOf(at->sources[i], *match, *at);
     }
   }
   throw SqlError(4104, "The multi-part identifier \"" + dotted(name) + "\" could not be bound.");
 }
 
-std::size_t Binder::variableIndex(const std::string& name) const {
-  if (context_.variables != nullptr && !hasArguments_) {
+std::size_t Names::variableIndex(const std::string& name) const {
+  if (context_.variables != nullptr && !inFunction_) {
     const auto found = context_.variables->scalarByName.find(foldText(name));
     if (found != context_.variables->scalarByName.end()) {
       return found->second;
@@ -119,11 +123,11 @@ std::size_t Binder::variableIndex(const std::string& name) const {
   throw SqlError(137, "Must declare the scalar variable \"" + name + "\".");
 }
 
-BoundExpression Binder::bindVariable(const tsql::Variable& variable) {
-  if (hasArguments_) {
+BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
+  if (inFunction_) {
     const auto found = arguments_.find(foldText(variable.name));
     if (found != arguments_.end()) {
-      emission_.touchedArgument = emission_.touchedArgument || found->second.isOfRow;
+      translation_.touchedArgument = translation_.touchedArgument || found->second.isOfRow;
       return found->second.value;
     }
   }
@@ -151,7 +155,11 @@ BoundExpression Binder::bindVariable(const tsql::Variable& variable) {
   return bound;
 }
 
-std::shared_ptr<const Table> Binder::findTable(const tsql::ObjectName& name) const {
+void Names::addArgument(const std::string& name, BoundExpression value, bool isOfRow) {
+  arguments_[foldText(name)] = {std::move(value), isOfRow};
+}
+
+std::shared_ptr<const Table> Names::findTable(const tsql::ObjectName& name) const {
   if (name.parts.back().starts_with('@')) {
     if (context_.variables != nullptr) {
       const auto found = context_.variables->tables.find(foldText(name.parts.back()));
@@ -167,6 +175,6 @@ std::shared_ptr<const Table> Binder::findTable(const tsql::ObjectName& name) con
   throw SqlError(208, "Invalid object name '" + dotted(name) + "'.");
 }
 
-std::string Binder::newAlias() { return "t" + std::to_string(emission_.nextAlias++); }
+std::string Names::newAlias() { return "t" + std::to_string(translation_.nextAlias++); }
 
 }  // namespace azcoll::embedded

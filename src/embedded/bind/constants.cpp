@@ -1,4 +1,5 @@
-#include "embedded/bind/binder.h"
+#include "embedded/bind/constants.h"
+
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
@@ -46,7 +47,7 @@ bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
 
 }  // namespace
 
-BoundExpression Binder::bindLiteral(const tsql::Literal& literal) const {
+BoundExpression Constants::bindLiteral(const tsql::Literal& literal) const {
   BoundExpression bound;
   bound.type = literalType(literal.kind, literal.text);
   if (literal.kind == tsql::LiteralKind::Null &&
@@ -61,20 +62,20 @@ BoundExpression Binder::bindLiteral(const tsql::Literal& literal) const {
   return bound;
 }
 
-void Binder::guard(const BoundExpression& expression, Guard::Kind kind, const Type& type) {
+void Constants::guard(const BoundExpression& expression, Guard::Kind kind, const Type& type) {
   if (isLiteral(expression) && !context_.constantsInside) {
-    emission_.guards->push_back({kind, expression.literal->ordinal, type, {}});
+    translation_.guards->push_back({kind, expression.literal->ordinal, type, {}});
   }
 }
 
-void Binder::guardText(const tsql::Literal& literal) {
+void Constants::guardText(const tsql::Literal& literal) {
   if (!context_.constantsInside && literal.ordinal != tsql::kNotLifted) {
-    emission_.guards->push_back({Guard::Kind::SameText, literal.ordinal, {}, literal.text});
+    translation_.guards->push_back({Guard::Kind::SameText, literal.ordinal, {}, literal.text});
   }
 }
 
-std::string Binder::emitConstant(const BoundExpression& expression, const Type& target,
-                                 Conversion conversion) const {
+std::string Constants::emitConstant(const BoundExpression& expression, const Type& target,
+                                    Conversion conversion) const {
   const tsql::Literal& literal = *expression.literal;
   const Type type = literalType(literal.kind, literal.text);
   Value value = literalValue(literal.kind, literal.text, type);
@@ -85,26 +86,26 @@ std::string Binder::emitConstant(const BoundExpression& expression, const Type& 
     return sqliteConstant(convert(std::move(value), type, target, conversion));
   } catch (const SqlError& error) {
     // The statement fails when it is reached, after the statements in front of it have run.
-    if (!emission_.failure) {
-      emission_.failure = error;
+    if (!translation_.failure) {
+      translation_.failure = error;
     }
     return "NULL";
   }
 }
 
-std::string Binder::emitSlot(const BoundExpression& expression, const Type& target,
-                             Conversion conversion) {
+std::string Constants::emitSlot(const BoundExpression& expression, const Type& target,
+                                Conversion conversion) {
   if (isLiteral(expression) && context_.constantsInside) {
     return emitConstant(expression, target, conversion);
   }
   Slot slot = *expression.pending;
   slot.target = target;
   slot.conversion = conversion;
-  emission_.slots.push_back(slot);
-  return "?" + std::to_string(emission_.slots.size());
+  translation_.slots.push_back(slot);
+  return "?" + std::to_string(translation_.slots.size());
 }
 
-std::string Binder::natural(BoundExpression& expression) {
+std::string Constants::inOwnType(BoundExpression& expression) {
   if (!expression.pending) {
     return expression.sql;
   }
@@ -120,8 +121,8 @@ std::string Binder::natural(BoundExpression& expression) {
   return emitSlot(expression, expression.type, Conversion::Compare);
 }
 
-void Binder::requireConvertible(const Type& from, const Type& to,
-                                const tsql::Position& position) const {
+void Constants::requireConvertible(const Type& from, const Type& to,
+                                   const tsql::Position& position) const {
   if (isConvertible(from, to)) {
     return;
   }
@@ -137,7 +138,8 @@ void Binder::requireConvertible(const Type& from, const Type& to,
                           " is incompatible with " + std::string(typeName(to)));
 }
 
-std::string Binder::coerce(BoundExpression& expression, const Type& type, Conversion conversion) {
+std::string Constants::coerce(BoundExpression& expression, const Type& type,
+                              Conversion conversion) {
   if (expression.pending) {
     return emitSlot(expression, type, conversion);
   }
@@ -150,7 +152,8 @@ std::string Binder::coerce(BoundExpression& expression, const Type& type, Conver
          ")";
 }
 
-Type Binder::common(const Type& left, const Type& right, const tsql::Position& position) {
+Type Constants::requireCommonType(const Type& left, const Type& right,
+                                  const tsql::Position& position) const {
   const std::optional<Type> type = commonType(left, right);
   if (!type) {
     refuse(context_.text, position, "decimals that have no common type of at most 38 digits");
@@ -162,8 +165,8 @@ Type Binder::common(const Type& left, const Type& right, const tsql::Position& p
 
 /// The common type of a constant or variable and of what it meets. As far as possible it is the
 /// type of the other side, so that a column stays a bare column and its index serves.
-Type Binder::unifyPending(const BoundExpression& pending, const Type& known,
-                          const tsql::Position& position) {
+Type Constants::unifyPending(const BoundExpression& pending, const Type& known,
+                             const tsql::Position& position) {
   const Type& own = pending.type;
   if (isMarker(pending) || own.kind == TypeKind::Null || (known.isText() && own.isText())) {
     return known;
@@ -189,14 +192,15 @@ Type Binder::unifyPending(const BoundExpression& pending, const Type& known,
   if (!own.isDate()) {
     guard(pending, Guard::Kind::SameType, own);
   }
-  return common(known, own, position);
+  return requireCommonType(known, own, position);
 }
 
-Type Binder::unify(const std::vector<BoundExpression*>& operands, const tsql::Position& position) {
+Type Constants::unify(const std::vector<BoundExpression*>& operands,
+                      const tsql::Position& position) {
   Type known;
   for (const BoundExpression* const operand : operands) {
     if (!operand->pending) {
-      known = common(known, operand->type, position);
+      known = requireCommonType(known, operand->type, position);
     }
   }
   for (const BoundExpression* const operand : operands) {
@@ -215,7 +219,7 @@ Type Binder::unify(const std::vector<BoundExpression*>& operands, const tsql::Po
   return known.kind == TypeKind::Null ? kInt : known;
 }
 
-std::string Binder::coerceToCompare(BoundExpression& expression, const Type& common) {
+std::string Constants::coerceToCompare(BoundExpression& expression, const Type& common) {
   if (!expression.pending) {
     return coerce(expression, common, Conversion::Compare);
   }

@@ -1,5 +1,4 @@
-// What is bound as a whole: queries with their result columns, values and tests of the procedural
-// statements, conditions of a definition.
+#include "embedded/bind/binder.h"
 
 #include <algorithm>
 #include <map>
@@ -7,7 +6,9 @@
 #include <string>
 
 #include "embedded/bind/ast_walk.h"
-#include "embedded/bind/binder.h"
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/query_binder.h"
+#include "embedded/bind/scope.h"
 #include "embedded/plan/result_column.h"
 #include "embedded/plan/slots.h"
 #include "embedded/values/collation.h"
@@ -81,10 +82,11 @@ void dropPartialKeys(const std::vector<OutputColumn>& outputs, std::vector<Resul
 }  // namespace
 
 std::string Binder::bindSelect(const tsql::Query& query, std::vector<ResultColumn>& columns) {
+  QueryBinder queries(context_, translation_);
   QueryUse use;
   use.orderNeedsTop = false;
-  BoundQuery bound = bindQuery(query, nullptr, use);
-  settle(bound);
+  BoundQuery bound = queries.bindQuery(query, nullptr, use);
+  queries.fixTypes(bound);
   TableCounts counts;
   if (bound.select && !bound.select->grouped && !bound.select->distinct) {
     countTables(query, counts);
@@ -100,6 +102,7 @@ std::string Binder::bindSelect(const tsql::Query& query, std::vector<ResultColum
 }
 
 std::string Binder::bindAssignments(const tsql::Query& query, std::vector<AssignTarget>& targets) {
+  QueryBinder queries(context_, translation_);
   const auto& specification = std::get<tsql::QuerySpecification>(query.body);
   // A variable that is read in the list while the list changes it is read again for every row.
   bool accumulates = false;
@@ -115,7 +118,8 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
                  "a variable that the same SELECT has given a value before");
         }
         accumulates = true;
-        liveVariables_.insert(variableIndex(specification.items[i].assignTo));
+        queries.names().readForEachRow(
+            queries.names().variableIndex(specification.items[i].assignTo));
       }
     }
   }
@@ -132,40 +136,55 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
   QueryUse use;
   use.orderNeedsTop = false;
   use.assigns = true;
-  BoundQuery bound = bindQuery(query, nullptr, use);
+  BoundQuery bound = queries.bindQuery(query, nullptr, use);
   for (std::size_t i = 0; i < bound.columns().size(); ++i) {
     OutputColumn& column = bound.columns()[i];
     const std::size_t variable = bound.select->assigned[i];
     const Type& type = context_.variables->scalars[variable].type;
-    requireConvertible(column.expression.type, type, column.position);
-    column.sql = coerce(column.expression, type, Conversion::Cut);
+    queries.constants().requireConvertible(column.expression.type, type, column.position);
+    column.sql = queries.constants().coerce(column.expression, type, Conversion::Cut);
     targets.push_back({variable, type});
   }
   return render(bound);
 }
 
 std::string Binder::bindValue(const tsql::Expression& expression, const Type& type) {
+  QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  BoundExpression value = bind(expression, nothing);
-  requireConvertible(value.type, type, expression.position);
-  return "SELECT " + coerce(value, type, Conversion::Cut);
+  BoundExpression value = queries.expressions().bind(expression, nothing);
+  queries.constants().requireConvertible(value.type, type, expression.position);
+  return "SELECT " + queries.constants().coerce(value, type, Conversion::Cut);
 }
 
 std::string Binder::bindTest(const tsql::Expression& condition) {
+  QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  return "SELECT " + bindCondition(condition, nothing, true).sql;
+  return "SELECT " + queries.expressions().bindCondition(condition, nothing, true).sql;
+}
+
+BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
+  return ChangeBinder(context_, translation_).bindInsert(statement);
+}
+
+BoundChange Binder::bindUpdate(const tsql::UpdateStatement& statement) {
+  return ChangeBinder(context_, translation_).bindUpdate(statement);
+}
+
+BoundChange Binder::bindDelete(const tsql::DeleteStatement& statement) {
+  return ChangeBinder(context_, translation_).bindDelete(statement);
 }
 
 void Binder::checkFunction(const Routine& routine) {
-  hasArguments_ = true;
+  QueryBinder queries(context_, translation_);
+  queries.names().enterFunction();
   for (const RoutineParameter& parameter : routine.parameters) {
     BoundExpression nothing;
     nothing.sql = "NULL";
     nothing.type = parameter.type;
-    arguments_[foldText(parameter.name)] = {std::move(nothing), false};
+    queries.names().addArgument(parameter.name, std::move(nothing), false);
   }
-  BoundQuery query = bindQuery(*routine.function().body, nullptr, {});
-  settle(query);
+  BoundQuery query = queries.bindQuery(*routine.function().body, nullptr, {});
+  queries.fixTypes(query);
   std::set<std::string> names;
   std::size_t number = 0;
   for (const OutputColumn& column : query.columns()) {
@@ -185,14 +204,15 @@ void Binder::checkFunction(const Routine& routine) {
 }
 
 std::string Binder::bindCheck(const tsql::Expression& condition, const Table& table) {
+  QueryBinder queries(context_, translation_);
   Scope scope(nullptr);
   Source source;
   source.table = std::make_shared<const Table>(table);
   source.name = table.name;
   source.folded = foldText(table.name);
   scope.sources.push_back(std::move(source));
-  std::string sql = bindCondition(condition, scope, false).sql;
-  if (!emission_.slots.empty()) {
+  std::string sql = queries.expressions().bindCondition(condition, scope, false).sql;
+  if (!translation_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");
   }
   return sql;
