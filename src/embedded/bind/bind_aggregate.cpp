@@ -15,41 +15,16 @@ std::string inType(const std::string& sql, const Type& type) {
   return "ts_integer(" + sql + "," + std::to_string(encodeType(type)) + ")";
 }
 
-/// While it lives, columns are arguments of an aggregate: they need not be keys of the groups.
-class InsideAggregate {
- public:
-  explicit InsideAggregate(const Scope& scope)
-      : scope_(scope), active_(scope.grouping.active), allowed_(scope.aggregatesAllowed) {
-    scope.grouping.active = false;
-    scope.aggregatesAllowed = false;
-  }
-  InsideAggregate(const InsideAggregate&) = delete;
-  InsideAggregate(InsideAggregate&&) = delete;
-  InsideAggregate& operator=(const InsideAggregate&) = delete;
-  InsideAggregate& operator=(InsideAggregate&&) = delete;
-  ~InsideAggregate() {
-    scope_.grouping.active = active_;
-    scope_.aggregatesAllowed = allowed_;
-  }
-
- private:
-  const Scope& scope_;
-  bool active_;
-  bool allowed_;
-};
-
 }  // namespace
 
 /// The argument. Over columns of an outer query alone, the aggregate would be one of that query.
 BoundExpression ExpressionBinder::bindAggregated(const tsql::Expression& argument,
                                                  const tsql::Position& position,
-                                                 const Scope& scope) {
-  const std::uint64_t before = translation_.touchedLevels;
-  translation_.touchedLevels = 0;
-  BoundExpression operand = bind(argument, scope);
-  const std::uint64_t own = levelBit(scope.level);
-  const bool outer = (translation_.touchedLevels & ~own) != 0;
-  if (outer && (translation_.touchedLevels & own) != 0) {
+                                                 const Clause& clause) {
+  BoundExpression operand = bind(argument, clause);
+  const std::uint64_t own = levelBit(clause.scope.level);
+  const bool outer = (operand.reach.levels & ~own) != 0;
+  if (outer && (operand.reach.levels & own) != 0) {
     throw SqlError(8124,
                    "Multiple columns are specified in an aggregated expression containing an outer "
                    "reference. If an expression being aggregated contains an outer reference, then "
@@ -58,13 +33,12 @@ BoundExpression ExpressionBinder::bindAggregated(const tsql::Expression& argumen
   if (outer) {
     refuse(context_.text, position, "an aggregate of an outer query inside a subquery");
   }
-  translation_.touchedLevels |= before;
   return operand;
 }
 
 BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
                                                 const tsql::Position& position,
-                                                const Scope& scope) {
+                                                const Clause& clause) {
   requireArguments(call, 1, 1);
   const tsql::Expression& argument = *call.arguments.front();
   if (containsAggregate(argument)) {
@@ -72,7 +46,7 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
                    "Cannot perform an aggregate function on an expression containing an "
                    "aggregate or a subquery.");
   }
-  if (!scope.aggregatesAllowed) {
+  if (!clause.aggregates) {
     throw SqlError(147,
                    "An aggregate may not appear in the WHERE clause unless it is in a "
                    "subquery contained in a HAVING clause or a select list, and the column "
@@ -81,13 +55,16 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   const std::string name = upperText(call.name.parts.front());
   const bool counts = name == "COUNT" || name == "COUNT_BIG";
   const Type countType = name == "COUNT" ? kInt : kBigInt;
-  const InsideAggregate inside(scope);
+  // Inside, columns need not be keys of the groups, and there are no further aggregates.
+  Clause inside = clause;
+  inside.grouping = nullptr;
+  inside.aggregates = false;
   const auto* const literal = std::get_if<tsql::Literal>(&argument.node);
   const bool constant = literal != nullptr && literal->kind != tsql::LiteralKind::Null;
   if (counts && !call.distinct && (constant || std::holds_alternative<tsql::Star>(argument.node))) {
-    return computed("count(*)", countType);
+    return computed("count(*)", countType, {});
   }
-  BoundExpression operand = bindAggregated(argument, position, scope);
+  BoundExpression operand = bindAggregated(argument, position, inside);
   std::string sql = constants_.inOwnType(operand);
   if (operand.type.isText() && !operand.isColumn) {
     sql += std::string(kCollateClause);
@@ -95,13 +72,13 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   const std::string list = (call.distinct ? "(DISTINCT " : "(") + sql + ")";
   const Type& type = operand.type;
   if (counts) {
-    return computed("count" + list, countType);
+    return computed("count" + list, countType, operand.reach);
   }
   if (name == "MIN" || name == "MAX") {
     if (type.kind == TypeKind::Bit) {
       throw SqlError(8117, "Operand data type bit is invalid for " + foldText(name) + " operator.");
     }
-    return computed((name == "MIN" ? "min" : "max") + list, type);
+    return computed((name == "MIN" ? "min" : "max") + list, type, operand.reach);
   }
   if (!type.isNumber() || type.kind == TypeKind::Bit) {
     throw SqlError(8117, "Operand data type " + std::string(typeName(type)) + " is invalid for " +
@@ -111,18 +88,18 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   const Type sumType = type.kind == TypeKind::BigInt ? kBigInt : kInt;
   if (name == "SUM") {
     if (type.isDecimal()) {
-      return computed("ts_sum_decimal" + list, decimalType(38, type.scale));
+      return computed("ts_sum_decimal" + list, decimalType(38, type.scale), operand.reach);
     }
-    return type.isFloat() ? computed("ts_float(sum" + list + ")", kFloat)
-                          : computed(inType("ts_sum" + list, sumType), sumType);
+    return type.isFloat() ? computed("ts_float(sum" + list + ")", kFloat, operand.reach)
+                          : computed(inType("ts_sum" + list, sumType), sumType, operand.reach);
   }
   if (type.isDecimal()) {
     refuse(context_.text, position, "AVG of decimals");
   }
   if (type.isFloat()) {
-    return computed("ts_float(avg" + list + ")", kFloat);
+    return computed("ts_float(avg" + list + ")", kFloat, operand.reach);
   }
-  return computed(inType("ts_average" + list, sumType), sumType);
+  return computed(inType("ts_average" + list, sumType), sumType, operand.reach);
 }
 
 }  // namespace azcoll::embedded

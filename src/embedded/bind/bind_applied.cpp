@@ -20,12 +20,12 @@ constexpr std::size_t kMaxFunctionDepth = 8;
 
 class FunctionDepth {
  public:
-  FunctionDepth(Translation& emission, std::string_view text, const tsql::Position& position)
-      : translation_(emission) {
-    if (emission.functionDepth >= kMaxFunctionDepth) {
+  FunctionDepth(Translation& translation, std::string_view text, const tsql::Position& position)
+      : translation_(translation) {
+    if (translation.functionDepth >= kMaxFunctionDepth) {
       refuse(text, position, "functions nested this deep");
     }
-    ++emission.functionDepth;
+    ++translation.functionDepth;
   }
   FunctionDepth(const FunctionDepth&) = delete;
   FunctionDepth(FunctionDepth&&) = delete;
@@ -67,8 +67,9 @@ std::shared_ptr<const Routine> QueryBinder::findFunction(
   return routine;
 }
 
-void QueryBinder::bindArguments(const Routine& routine, const tsql::FunctionTable& function,
-                                const Scope& scope, QueryBinder& body) {
+/// Gives the body its arguments; returns what they take from the queries around the function.
+Reach QueryBinder::bindArguments(const Routine& routine, const tsql::FunctionTable& function,
+                                 const Clause& clause, QueryBinder& body) {
   if (function.arguments.size() != routine.parameters.size()) {
     const bool few = function.arguments.size() < routine.parameters.size();
     throw SqlError(
@@ -79,24 +80,26 @@ void QueryBinder::bindArguments(const Routine& routine, const tsql::FunctionTabl
             : "Procedure or function " + routine.name + " has too many arguments specified.");
   }
   body.names_.enterFunction();
+  Reach reach;
   for (std::size_t i = 0; i < function.arguments.size(); ++i) {
     const RoutineParameter& parameter = routine.parameters[i];
-    const std::uint64_t touched = std::exchange(translation_.touchedLevels, 0);
-    BoundExpression argument = expressions_.bind(*function.arguments[i], scope);
-    const bool isOfRow = translation_.touchedLevels != 0;
-    translation_.touchedLevels |= touched;
+    BoundExpression argument = expressions_.bind(*function.arguments[i], clause);
+    reach |= argument.reach;
     BoundExpression value;
+    // The body numbers its scopes by itself.
+    value.reach.argument = argument.reach.levels != 0;
     value.isColumn = argument.isColumn;
     value.type = parameter.type;
     constants_.requireConvertible(argument.type, parameter.type, function.arguments[i]->position);
     value.sql = constants_.coerce(argument, parameter.type, Conversion::Cut);
-    body.names_.addArgument(parameter.name, std::move(value), isOfRow);
+    body.names_.addArgument(parameter.name, std::move(value));
   }
+  return reach;
 }
 
 /// In a FROM clause: a derived table. Its arguments are constants, or come from an outer query.
-std::string QueryBinder::bindFunctionTable(const tsql::FunctionTable& function,
-                                           const std::string& alias, Scope& scope) {
+BoundSources QueryBinder::bindFunctionTable(const tsql::FunctionTable& function,
+                                            const std::string& alias, Scope& scope) {
   const FunctionDepth depth(translation_, context_.text, function.name.position);
   const auto routine = findFunction(function);
   BindContext context = context_;
@@ -104,7 +107,7 @@ std::string QueryBinder::bindFunctionTable(const tsql::FunctionTable& function,
   context.constantsInside = true;
   QueryBinder body(context, translation_);
   const Scope nothing(scope.parent);
-  bindArguments(*routine, function, nothing, body);
+  const Reach reach = bindArguments(*routine, function, Clause{nothing}, body);
   // Names inside the body are never looked up outside of it.
   BoundQuery query = body.bindQuery(*routine->function().body, nullptr, {});
   body.fixTypes(query);
@@ -115,12 +118,12 @@ std::string QueryBinder::bindFunctionTable(const tsql::FunctionTable& function,
   describeDerived(query, source);
   std::string sql = "(" + render(query) + ") AS " + source.sqlName;
   addSource(scope, std::move(source));
-  return sql;
+  return {std::move(sql), reach | query.reach()};
 }
 
 /// Behind APPLY: a join with the body's table, the body's condition as its ON.
-std::string QueryBinder::inlineApplied(const tsql::FunctionTable& function,
-                                       const std::string& alias, bool outer, Scope& scope) {
+BoundSources QueryBinder::inlineApplied(const tsql::FunctionTable& function,
+                                        const std::string& alias, bool outer, Scope& scope) {
   const FunctionDepth depth(translation_, context_.text, function.name.position);
   const auto routine = findFunction(function);
   const tsql::QuerySpecification* const select = simpleBody(*routine->function().body);
@@ -132,16 +135,19 @@ std::string QueryBinder::inlineApplied(const tsql::FunctionTable& function,
   context.text = routine->source;
   context.constantsInside = true;
   QueryBinder body(context, translation_);
-  bindArguments(*routine, function, scope, body);
+  Reach reach = bindArguments(*routine, function, Clause{scope}, body);
   Scope inner(nullptr);
   inner.level = scope.level;
-  const std::string from = body.bindSources(select->from, inner);
+  const Clause insideBody{inner};
+  const BoundSources from = body.bindSources(select->from, inner);
   BoundQuery query;
   query.select = std::make_unique<BoundSelect>();
-  body.bindItems(*select, inner, {}, *query.select);
+  body.bindItems(*select, insideBody, {}, *query.select);
   body.fixTypes(query);
-  const std::string condition =
-      select->where ? body.expressions_.bindCondition(*select->where, inner, true).sql : "1";
+  BoundCondition condition{"1", {}};
+  if (select->where) {
+    condition = body.expressions_.bindCondition(*select->where, insideBody, true);
+  }
   Source source;
   source.hasAlias = !alias.empty();
   source.name = source.hasAlias ? alias : routine->name;
@@ -162,7 +168,8 @@ std::string QueryBinder::inlineApplied(const tsql::FunctionTable& function,
     }
   }
   addSource(scope, std::move(source));
-  return (outer ? " LEFT JOIN " : " JOIN ") + from + " ON " + condition;
+  reach |= from.reach | query.select->reach | condition.reach;
+  return {(outer ? " LEFT JOIN " : " JOIN ") + from.sql + " ON " + condition.sql, reach};
 }
 
 }  // namespace azcoll::embedded

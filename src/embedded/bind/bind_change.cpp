@@ -98,7 +98,7 @@ ChangeBinder::Target ChangeBinder::bindTarget(const tsql::NamedTable& target,
     change.source = scope.sources.front().sqlName;
     return change;
   }
-  change.from = queries_.bindSources(from, scope);
+  change.from = queries_.bindSources(from, scope).sql;
   const std::size_t index = findTarget(target, scope, change.from);
   change.table = scope.sources[index].table;
   if (!change.table) {
@@ -134,7 +134,7 @@ std::vector<std::pair<std::size_t, std::string>> ChangeBinder::bindAssigned(
     if (containsAggregate(*assignment.value)) {
       throw SqlError(157, "An aggregate may not appear in the set list of an UPDATE statement.");
     }
-    BoundExpression value = expressions_.bind(*assignment.value, scope);
+    BoundExpression value = expressions_.bind(*assignment.value, Clause{scope});
     constants_.requireConvertible(value.type, table.columns[*column].type,
                                   assignment.value->position);
     assigned.emplace_back(
@@ -158,7 +158,7 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
   }
   const auto assigned = bindAssigned(statement, table, scope);
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, scope, true).sql : "";
+      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
   if (change.from.empty() && translation_.queries == 0) {
     std::string set;
@@ -179,7 +179,7 @@ BoundChange ChangeBinder::bindDelete(const tsql::DeleteStatement& statement) {
   BoundChange bound;
   bound.table = change.table;
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, scope, true).sql : "";
+      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
   bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {

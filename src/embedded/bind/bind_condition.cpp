@@ -51,53 +51,56 @@ bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
 }  // namespace
 
 BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expression,
-                                               const Scope& scope, bool nullIsFalse) {
+                                               const Clause& clause, bool nullIsFalse) {
   const tsql::Position& position = expression.position;
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
     if (unary->op == tsql::UnaryOperator::Not) {
-      return {"NOT (" + bindCondition(*unary->operand, scope, false).sql + ")"};
+      const BoundCondition operand = bindCondition(*unary->operand, clause, false);
+      return {"NOT (" + operand.sql + ")", operand.reach};
     }
   }
   if (const auto* const binary = std::get_if<tsql::Binary>(&expression.node)) {
     if (binary->op == tsql::BinaryOperator::And || binary->op == tsql::BinaryOperator::Or) {
-      const std::string left = bindCondition(*binary->left, scope, nullIsFalse).sql;
-      const std::string right = bindCondition(*binary->right, scope, nullIsFalse).sql;
-      return {binary->op == tsql::BinaryOperator::And ? left + " AND " + right
-                                                      : "(" + left + " OR " + right + ")"};
+      const BoundCondition left = bindCondition(*binary->left, clause, nullIsFalse);
+      const BoundCondition right = bindCondition(*binary->right, clause, nullIsFalse);
+      const Reach reach = left.reach | right.reach;
+      return {binary->op == tsql::BinaryOperator::And ? left.sql + " AND " + right.sql
+                                                      : "(" + left.sql + " OR " + right.sql + ")",
+              reach};
     }
-    return bindComparison(*binary, position, scope);
+    return bindComparison(*binary, position, clause);
   }
   if (const auto* const between = std::get_if<tsql::Between>(&expression.node)) {
-    return {bindBetween(*between, position, scope)};
+    return bindBetween(*between, position, clause);
   }
   if (const auto* const like = std::get_if<tsql::Like>(&expression.node)) {
-    return {bindLike(*like, position, scope)};
+    return bindLike(*like, position, clause);
   }
   if (const auto* const list = std::get_if<tsql::InList>(&expression.node)) {
-    return bindInList(*list, position, scope);
+    return bindInList(*list, position, clause);
   }
   if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
-    return {bindInQuery(*query, position, scope, nullIsFalse)};
+    return bindInQuery(*query, position, clause, nullIsFalse);
   }
   if (const auto* const isNull = std::get_if<tsql::IsNull>(&expression.node)) {
-    BoundExpression operand = bind(*isNull->operand, scope);
+    BoundExpression operand = bind(*isNull->operand, clause);
     const std::string sql = constants_.inOwnType(operand);
-    return {"(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)")};
+    return {"(" + sql + (isNull->negated ? " IS NOT NULL)" : " IS NULL)"), operand.reach};
   }
   if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
-    return {bindExists(*exists, scope)};
+    return bindExists(*exists, clause);
   }
   refuse(context_.text, position, "this expression as a condition");
 }
 
 BoundCondition ExpressionBinder::bindComparison(const tsql::Binary& node,
                                                 const tsql::Position& position,
-                                                const Scope& scope) {
+                                                const Clause& clause) {
   if (const auto folded = foldConstants(node)) {
-    return {*folded ? "1" : "0", folded};
+    return {*folded ? "1" : "0", {}, folded};
   }
-  BoundExpression left = bind(*node.left, scope);
-  BoundExpression right = bind(*node.right, scope);
+  BoundExpression left = bind(*node.left, clause);
+  BoundExpression right = bind(*node.right, clause);
   return compare(comparisonSymbol(node.op), left, right, position);
 }
 
@@ -131,7 +134,7 @@ BoundCondition ExpressionBinder::compare(std::string_view op, BoundExpression& l
     test += kCollateClause;
   }
   test += std::string(op) + b;
-  BoundCondition bound{"(" + a + test + ")"};
+  BoundCondition bound{"(" + a + test + ")", left.reach | right.reach};
   if (left.isColumn && a == left.sql) {
     bound.column = a;
     bound.test = test;
@@ -139,11 +142,11 @@ BoundCondition ExpressionBinder::compare(std::string_view op, BoundExpression& l
   return bound;
 }
 
-std::string ExpressionBinder::bindBetween(const tsql::Between& node, const tsql::Position& position,
-                                          const Scope& scope) {
-  BoundExpression operand = bind(*node.operand, scope);
-  BoundExpression low = bind(*node.low, scope);
-  BoundExpression high = bind(*node.high, scope);
+BoundCondition ExpressionBinder::bindBetween(const tsql::Between& node,
+                                             const tsql::Position& position, const Clause& clause) {
+  BoundExpression operand = bind(*node.operand, clause);
+  BoundExpression low = bind(*node.low, clause);
+  BoundExpression high = bind(*node.high, clause);
   if (operand.type.isText() && low.type.isText() != high.type.isText()) {
     refuse(context_.text, position, "BETWEEN a text and a number");
   }
@@ -154,32 +157,39 @@ std::string ExpressionBinder::bindBetween(const tsql::Between& node, const tsql:
   }
   const std::string from = constants_.coerceToCompare(low, common);
   const std::string to = constants_.coerceToCompare(high, common);
-  return sql + (node.negated ? " NOT BETWEEN " : " BETWEEN ") + from + " AND " + to + ")";
+  sql += (node.negated ? " NOT BETWEEN " : " BETWEEN ") + from + " AND " + to + ")";
+  return {sql, operand.reach | low.reach | high.reach};
 }
 
-std::string ExpressionBinder::bindLike(const tsql::Like& node, const tsql::Position& position,
-                                       const Scope& scope) {
-  Type type;
-  Type patternType;
-  const std::string operand = bindText(*node.operand, scope, &type);
-  const std::string pattern = bindText(*node.pattern, scope, &patternType);
-  if (type.isFloat()) {
+BoundCondition ExpressionBinder::bindLike(const tsql::Like& node, const tsql::Position& position,
+                                          const Clause& clause) {
+  const BoundExpression operand = bindText(*node.operand, clause);
+  const BoundExpression pattern = bindText(*node.pattern, clause);
+  if (operand.type.isFloat()) {
     refuse(context_.text, position, "LIKE on a floating-point number");
   }
   std::string sql = node.negated ? "(NOT ts_like(" : "(ts_like(";
-  sql += operand + "," + pattern + ",";
-  sql += node.escape ? bindText(*node.escape, scope) : "NULL";
-  return sql + (type.isUnicode() || patternType.isUnicode() ? ",1))" : ",0))");
+  sql += operand.sql + "," + pattern.sql + ",";
+  Reach reach = operand.reach | pattern.reach;
+  if (node.escape) {
+    const BoundExpression escape = bindText(*node.escape, clause);
+    sql += escape.sql;
+    reach |= escape.reach;
+  } else {
+    sql += "NULL";
+  }
+  sql += operand.type.isUnicode() || pattern.type.isUnicode() ? ",1))" : ",0))";
+  return {sql, reach};
 }
 
 BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
-                                            const tsql::Position& position, const Scope& scope) {
-  BoundExpression operand = bind(*node.operand, scope);
+                                            const tsql::Position& position, const Clause& clause) {
+  BoundExpression operand = bind(*node.operand, clause);
   std::vector<BoundExpression> items;
   items.reserve(node.items.size());
   std::vector<BoundExpression*> all{&operand};
   for (const tsql::ExpressionPtr& item : node.items) {
-    items.push_back(bind(*item, scope));
+    items.push_back(bind(*item, clause));
     all.push_back(&items.back());
   }
   const Type common = constants_.unify(all, position);
@@ -193,7 +203,10 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
     test += (i == 0 ? "" : ",") + constants_.coerceToCompare(items[i], common);
   }
   test += ")";
-  BoundCondition bound{"(" + left + test + ")"};
+  BoundCondition bound{"(" + left + test + ")", {}};
+  for (const BoundExpression* const compared : all) {
+    bound.reach |= compared->reach;
+  }
   if (operand.isColumn && left == operand.sql) {
     bound.column = left;
     bound.test = test;
@@ -201,16 +214,17 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
   return bound;
 }
 
-std::string ExpressionBinder::bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
-                                          const Scope& scope, bool nullIsFalse) {
-  BoundExpression operand = bind(*node.operand, scope);
+BoundCondition ExpressionBinder::bindInQuery(const tsql::InQuery& node,
+                                             const tsql::Position& position, const Clause& clause,
+                                             bool nullIsFalse) {
+  BoundExpression operand = bind(*node.operand, clause);
   QueryUse use;
   // A row value that is NULL somewhere makes IN unknown where the plain form would be false: only
   // where both come to the same may the correlation become part of the row value.
   if (nullIsFalse && !node.negated && context_.rewriteIn) {
     use.in = &node;
   }
-  BoundQuery query = queries_.bindQuery(*node.query, &scope, use);
+  BoundQuery query = queries_.bindQuery(*node.query, &clause, use);
   if (query.columns().size() != 1) {
     throw SqlError(116,
                    "Only one expression can be specified in the select list when the subquery "
@@ -229,6 +243,7 @@ std::string ExpressionBinder::bindInQuery(const tsql::InQuery& node, const tsql:
     left += kCollateClause;
   }
   const bool same = sameForm(column.type, common);
+  const Reach reach = operand.reach | query.reach();
   std::string negation = node.negated ? " NOT IN (" : " IN (";
   if (query.select && !query.select->correlations.empty()) {
     BoundSelect& select = *query.select;
@@ -240,23 +255,25 @@ std::string ExpressionBinder::bindInQuery(const tsql::InQuery& node, const tsql:
       extra.sql = correlation.inner;
       select.columns.push_back(std::move(extra));
     }
-    return "(" + outer + ")" + negation + render(query) + "))";
+    return {"(" + outer + ")" + negation + render(query) + "))", reach};
   }
   if (same) {
-    return "(" + left + negation + render(query) + "))";
+    return {"(" + left + negation + render(query) + "))", reach};
   }
   inner.sql = "c1";
-  return "(" + left + negation + "SELECT " + constants_.coerce(inner, common, Conversion::Compare) +
-         " FROM (" + render(query) + ")))";
+  return {"(" + left + negation + "SELECT " +
+              constants_.coerce(inner, common, Conversion::Compare) + " FROM (" + render(query) +
+              ")))",
+          reach};
 }
 
-std::string ExpressionBinder::bindExists(const tsql::Exists& node, const Scope& scope) {
-  BoundQuery query = queries_.bindQuery(*node.query, &scope, {});
+BoundCondition ExpressionBinder::bindExists(const tsql::Exists& node, const Clause& clause) {
+  BoundQuery query = queries_.bindQuery(*node.query, &clause, {});
   if (query.select && !query.select->grouped && query.select->limit.empty()) {
-    return "EXISTS (SELECT 1" + renderTail(*query.select) + ")";
+    return {"EXISTS (SELECT 1" + renderTail(*query.select) + ")", query.reach()};
   }
   queries_.fixTypes(query);
-  return "EXISTS (" + render(query) + ")";
+  return {"EXISTS (" + render(query) + ")", query.reach()};
 }
 
 }  // namespace azcoll::embedded

@@ -39,10 +39,12 @@ char partCode(const tsql::Expression& expression) {
 std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view name,
                                                               const tsql::FunctionCall& call,
                                                               const tsql::Position& position,
-                                                              const Scope& scope) {
+                                                              const Clause& clause) {
   // A text given for a date is read as a DATETIME.
+  Reach reach;
   const auto bindDate = [&](const tsql::Expression& expression, Type& type) {
-    BoundExpression date = bind(expression, scope);
+    BoundExpression date = bind(expression, clause);
+    reach |= date.reach;
     type = date.type.isDate() ? date.type : kDateTime;
     constants_.requireConvertible(date.type, type, position);
     return constants_.coerce(date, type, Conversion::Compare);
@@ -67,30 +69,31 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
     requireArguments(call, 1, 1);
     const std::string code = name == "YEAR" ? "'y'" : name == "MONTH" ? "'m'" : "'d'";
     const std::string date = bindDate(*call.arguments[0], type);
-    return computed("ts_date_part(" + code + "," + date + ")", kInt);
+    return computed("ts_date_part(" + code + "," + date + ")", kInt, reach);
   }
   if (name == "DATEPART") {
     requireArguments(call, 2, 2);
     const std::string code = part();
     const std::string date = bindDate(*call.arguments[1], type);
-    return computed("ts_date_part(" + code + "," + date + ")", kInt);
+    return computed("ts_date_part(" + code + "," + date + ")", kInt, reach);
   }
   if (name == "DATEADD") {
     requireArguments(call, 3, 3);
     const std::string code = part();
-    BoundExpression count = bind(*call.arguments[1], scope);
+    BoundExpression count = bind(*call.arguments[1], clause);
+    reach |= count.reach;
     const std::string number = constants_.coerce(count, kInt, Conversion::Cut);
     const std::string date = bindDate(*call.arguments[2], type);
     return computed("ts_date_add(" + code + "," + number + "," + date + "," +
                         std::to_string(encodeType(type)) + ")",
-                    type);
+                    type, reach);
   }
   if (name == "DATEDIFF") {
     requireArguments(call, 3, 3);
     const std::string code = part();
     const std::string from = bindDate(*call.arguments[1], type);
     const std::string to = bindDate(*call.arguments[2], type);
-    return computed("ts_date_difference(" + code + "," + from + "," + to + ")", kInt);
+    return computed("ts_date_difference(" + code + "," + from + "," + to + ")", kInt, reach);
   }
   return std::nullopt;
 }

@@ -52,26 +52,25 @@ std::optional<Type> decimalResult(tsql::BinaryOperator op, const Type& left, con
 
 }  // namespace
 
-BoundExpression ExpressionBinder::bind(const tsql::Expression& expression, const Scope& scope) {
-  Grouping& grouping = scope.grouping;
-  if (grouping.active && !grouping.printed.empty() &&
-      grouping.printed.contains(foldText(tsql::print(expression)))) {
+BoundExpression ExpressionBinder::bind(const tsql::Expression& expression, const Clause& clause) {
+  if (clause.grouping != nullptr && !clause.grouping->printed.empty() &&
+      clause.grouping->printed.contains(foldText(tsql::print(expression)))) {
     // The same as a key of GROUP BY: it has one value in every group.
-    grouping.active = false;
-    BoundExpression bound = bindNode(expression, scope);
-    grouping.active = true;
-    return bound;
+    Clause key = clause;
+    key.grouping = nullptr;
+    return bindNode(expression, key);
   }
-  return bindNode(expression, scope);
+  return bindNode(expression, clause);
 }
 
-BoundExpression ExpressionBinder::bindNode(const tsql::Expression& expression, const Scope& scope) {
+BoundExpression ExpressionBinder::bindNode(const tsql::Expression& expression,
+                                           const Clause& clause) {
   const tsql::Position& position = expression.position;
   if (const auto* const literal = std::get_if<tsql::Literal>(&expression.node)) {
     return constants_.bindLiteral(*literal);
   }
   if (const auto* const column = std::get_if<tsql::ColumnReference>(&expression.node)) {
-    return names_.resolve(*column, scope);
+    return names_.resolve(*column, clause);
   }
   if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
     return names_.bindVariable(*variable);
@@ -84,31 +83,31 @@ BoundExpression ExpressionBinder::bindNode(const tsql::Expression& expression, c
     return bound;
   }
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
-    return bindUnary(*unary, position, scope);
+    return bindUnary(*unary, position, clause);
   }
   if (const auto* const binary = std::get_if<tsql::Binary>(&expression.node)) {
     if (binary->op <= tsql::BinaryOperator::Modulo) {
-      return bindArithmetic(*binary, position, scope);
+      return bindArithmetic(*binary, position, clause);
     }
   }
   if (const auto* const node = std::get_if<tsql::Case>(&expression.node)) {
-    return bindCase(*node, position, scope);
+    return bindCase(*node, position, clause);
   }
   if (const auto* const call = std::get_if<tsql::FunctionCall>(&expression.node)) {
-    return bindCall(*call, position, scope);
+    return bindCall(*call, position, clause);
   }
   if (const auto* const cast = std::get_if<tsql::Cast>(&expression.node)) {
-    return bindCast(*cast, position, scope);
+    return bindCast(*cast, position, clause);
   }
   if (const auto* const query = std::get_if<tsql::ScalarQuery>(&expression.node)) {
-    return bindScalarQuery(*query, scope);
+    return bindScalarQuery(*query, clause);
   }
   refuse(context_.text, position, "this expression as a value");
 }
 
 BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql::Position& position,
-                                            const Scope& scope) {
-  BoundExpression operand = bind(*node.operand, scope);
+                                            const Clause& clause) {
+  BoundExpression operand = bind(*node.operand, clause);
   if (operand.type.isText() || operand.type.isDate()) {
     const bool minus = node.op == tsql::UnaryOperator::Minus;
     if (!minus && operand.type.isText()) {
@@ -129,19 +128,20 @@ BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql:
   }
   const std::string sql = constants_.inOwnType(operand);
   if (operand.type.isWide()) {
-    return computed("ts_wide_negate(" + sql + ")", operand.type);
+    return computed("ts_wide_negate(" + sql + ")", operand.type, operand.reach);
   }
   if (operand.type.isInteger()) {
-    return computed("ts_integer(-(" + sql + ")," + typeCode(operand.type) + ")", operand.type);
+    return computed("ts_integer(-(" + sql + ")," + typeCode(operand.type) + ")", operand.type,
+                    operand.reach);
   }
-  return computed("(-(" + sql + "))", operand.type);
+  return computed("(-(" + sql + "))", operand.type, operand.reach);
 }
 
 BoundExpression ExpressionBinder::bindArithmetic(const tsql::Binary& node,
                                                  const tsql::Position& position,
-                                                 const Scope& scope) {
-  BoundExpression left = bind(*node.left, scope);
-  BoundExpression right = bind(*node.right, scope);
+                                                 const Clause& clause) {
+  BoundExpression left = bind(*node.left, clause);
+  BoundExpression right = bind(*node.right, clause);
   const auto isMarker = [](const BoundExpression& operand) {
     return operand.pending && operand.pending->source == SlotSource::Marker;
   };
@@ -181,7 +181,8 @@ BoundExpression ExpressionBinder::joinTexts(BoundExpression& left, BoundExpressi
   const Type type{common.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar,
                   known ? left.type.length + right.type.length : kUnlimited, 0, 0};
   const std::string a = constants_.inOwnType(left);
-  return computed("(" + a + "||" + constants_.inOwnType(right) + ")", type);
+  return computed("(" + a + "||" + constants_.inOwnType(right) + ")", type,
+                  left.reach | right.reach);
 }
 
 BoundExpression ExpressionBinder::evaluateIntegers(tsql::BinaryOperator op, BoundExpression& left,
@@ -195,10 +196,11 @@ BoundExpression ExpressionBinder::evaluateIntegers(tsql::BinaryOperator op, Boun
   if (op == tsql::BinaryOperator::Divide || op == tsql::BinaryOperator::Modulo) {
     return computed((op == tsql::BinaryOperator::Divide ? "ts_divide(" : "ts_modulo(") + a + "," +
                         b + "," + typeCode(type) + ")",
-                    type);
+                    type, left.reach | right.reach);
   }
   return computed(
-      "ts_integer(" + a + std::string(arithmeticSymbol(op)) + b + "," + typeCode(type) + ")", type);
+      "ts_integer(" + a + std::string(arithmeticSymbol(op)) + b + "," + typeCode(type) + ")", type,
+      left.reach | right.reach);
 }
 
 BoundExpression ExpressionBinder::evaluateDecimals(tsql::BinaryOperator op, BoundExpression& left,
@@ -231,10 +233,12 @@ BoundExpression ExpressionBinder::evaluateDecimals(tsql::BinaryOperator op, Boun
   const std::string x = operand(left, a);
   const std::string y = operand(right, b);
   if (!result->isWide()) {
-    return computed("(" + x + std::string(arithmeticSymbol(op)) + y + ")", *result);
+    return computed("(" + x + std::string(arithmeticSymbol(op)) + y + ")", *result,
+                    left.reach | right.reach);
   }
   constexpr std::string_view kNames[]{"ts_wide_add(", "ts_wide_subtract(", "ts_wide_multiply("};
-  return computed(std::string(kNames[static_cast<std::size_t>(op)]) + x + "," + y + ")", *result);
+  return computed(std::string(kNames[static_cast<std::size_t>(op)]) + x + "," + y + ")", *result,
+                  left.reach | right.reach);
 }
 
 BoundExpression ExpressionBinder::evaluateFloats(tsql::BinaryOperator op, BoundExpression& left,
@@ -246,24 +250,29 @@ BoundExpression ExpressionBinder::evaluateFloats(tsql::BinaryOperator op, BoundE
   const std::string a = constants_.coerce(left, kFloat, Conversion::Compare);
   const std::string b = constants_.coerce(right, kFloat, Conversion::Compare);
   if (op == tsql::BinaryOperator::Divide) {
-    return computed("ts_float_divide(" + a + "," + b + ")", kFloat);
+    return computed("ts_float_divide(" + a + "," + b + ")", kFloat, left.reach | right.reach);
   }
-  return computed("ts_float(" + a + std::string(arithmeticSymbol(op)) + b + ")", kFloat);
+  return computed("ts_float(" + a + std::string(arithmeticSymbol(op)) + b + ")", kFloat,
+                  left.reach | right.reach);
 }
 
 BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::Position& position,
-                                           const Scope& scope) {
+                                           const Clause& clause) {
   std::string sql = "CASE";
+  Reach reach;
   std::vector<BoundExpression> results;
   std::vector<std::string> tests;
   if (node.operand) {
-    BoundExpression operand = bind(*node.operand, scope);
+    BoundExpression operand = bind(*node.operand, clause);
     std::vector<BoundExpression> values;
     std::vector<BoundExpression*> all{&operand};
     values.reserve(node.branches.size());
     for (const tsql::CaseBranch& branch : node.branches) {
-      values.push_back(bind(*branch.when, scope));
+      values.push_back(bind(*branch.when, clause));
       all.push_back(&values.back());
+    }
+    for (const BoundExpression* const compared : all) {
+      reach |= compared->reach;
     }
     const Type common = constants_.unify(all, position);
     sql += " " + constants_.coerceToCompare(operand, common);
@@ -275,17 +284,20 @@ BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::P
     }
   } else {
     for (const tsql::CaseBranch& branch : node.branches) {
-      tests.push_back(bindCondition(*branch.when, scope, true).sql);
+      BoundCondition test = bindCondition(*branch.when, clause, true);
+      reach |= test.reach;
+      tests.push_back(std::move(test.sql));
     }
   }
   for (const tsql::CaseBranch& branch : node.branches) {
-    results.push_back(bind(*branch.then, scope));
+    results.push_back(bind(*branch.then, clause));
   }
   if (node.otherwise) {
-    results.push_back(bind(*node.otherwise, scope));
+    results.push_back(bind(*node.otherwise, clause));
   }
   Type type;
   for (BoundExpression& result : results) {
+    reach |= result.reach;
     // The type of a CASE is that of its results as they stand: constants included.
     if (result.pending && result.type.isNumber() && !result.type.isFloat()) {
       constants_.guard(result, Guard::Kind::SameType, result.type);
@@ -304,12 +316,12 @@ BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::P
   if (node.otherwise) {
     sql += " ELSE " + constants_.coerce(results.back(), type, Conversion::Compare);
   }
-  return computed(sql + " END", type);
+  return computed(sql + " END", type, reach);
 }
 
 BoundExpression ExpressionBinder::bindScalarQuery(const tsql::ScalarQuery& node,
-                                                  const Scope& scope) {
-  BoundQuery query = queries_.bindQuery(*node.query, &scope, {});
+                                                  const Clause& clause) {
+  BoundQuery query = queries_.bindQuery(*node.query, &clause, {});
   if (query.columns().size() != 1) {
     throw SqlError(116,
                    "Only one expression can be specified in the select list when the subquery "
@@ -319,11 +331,11 @@ BoundExpression ExpressionBinder::bindScalarQuery(const tsql::ScalarQuery& node,
   const Type type = query.columns().front().type;
   const std::string text = render(query);
   if (query.atMostOneRow()) {
-    return computed("(" + text + ")", type);
+    return computed("(" + text + ")", type, query.reach());
   }
   // The second row is asked for, to be refused.
   return computed("(SELECT ts_single(count(*),c1) FROM (SELECT c1 FROM (" + text + ") LIMIT 2))",
-                  type);
+                  type, query.reach());
 }
 
 }  // namespace azcoll::embedded

@@ -36,12 +36,12 @@ void ExpressionBinder::requireArguments(const tsql::FunctionCall& call, std::siz
 }
 
 BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
-                                           const tsql::Position& position, const Scope& scope) {
+                                           const tsql::Position& position, const Clause& clause) {
   if (call.name.parts.size() > 1) {
     refuse(context_.text, position, "scalar functions of the database");
   }
   if (isAggregate(call)) {
-    return bindAggregate(call, position, scope);
+    return bindAggregate(call, position, clause);
   }
   const std::string name = upperText(call.name.parts.front());
   if (call.distinct) {
@@ -49,24 +49,25 @@ BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
   }
   if (name == "ISNULL") {
     requireArguments(call, 2, 2);
-    BoundExpression checked = bind(*call.arguments[0], scope);
-    BoundExpression replacement = bind(*call.arguments[1], scope);
+    BoundExpression checked = bind(*call.arguments[0], clause);
+    BoundExpression replacement = bind(*call.arguments[1], clause);
     if (checked.type.kind == TypeKind::Null) {
+      replacement.reach |= checked.reach;
       return replacement;
     }
     const Type type = checked.type;
     const std::string first = constants_.inOwnType(checked);
     return computed(
-        "ifnull(" + first + "," + constants_.coerce(replacement, type, Conversion::Cut) + ")",
-        type);
+        "ifnull(" + first + "," + constants_.coerce(replacement, type, Conversion::Cut) + ")", type,
+        checked.reach | replacement.reach);
   }
   if (name == "COALESCE") {
-    return bindCoalesce(call, position, scope);
+    return bindCoalesce(call, position, clause);
   }
   if (name == "NULLIF") {
     requireArguments(call, 2, 2);
-    BoundExpression value = bind(*call.arguments[0], scope);
-    BoundExpression other = bind(*call.arguments[1], scope);
+    BoundExpression value = bind(*call.arguments[0], clause);
+    BoundExpression other = bind(*call.arguments[1], clause);
     const Type type = value.type;
     const Type common = constants_.unify({&value, &other}, position);
     if (!sameForm(type, common)) {
@@ -76,23 +77,23 @@ BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
     const std::string first = value.pending ? constants_.inOwnType(value) : value.sql;
     return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
                         constants_.coerceToCompare(other, common) + ")",
-                    type);
+                    type, value.reach | other.reach);
   }
   if (name == "ABS") {
     requireArguments(call, 1, 1);
-    BoundExpression value = bind(*call.arguments[0], scope);
+    BoundExpression value = bind(*call.arguments[0], clause);
     if (!value.type.isNumber()) {
       refuse(context_.text, position, "ABS of what is no number");
     }
     const std::string sql = constants_.inOwnType(value);
     if (value.type.isWide()) {
-      return computed("ts_wide_abs(" + sql + ")", value.type);
+      return computed("ts_wide_abs(" + sql + ")", value.type, value.reach);
     }
     const std::string absolute = "abs(" + sql + ")";
     return value.type.isInteger() ? computed("ts_integer(" + absolute + "," +
                                                  std::to_string(encodeType(value.type)) + ")",
-                                             value.type)
-                                  : computed(absolute, value.type);
+                                             value.type, value.reach)
+                                  : computed(absolute, value.type, value.reach);
   }
   if (name == "SCOPE_IDENTITY") {
     requireArguments(call, 0, 0);
@@ -102,21 +103,24 @@ BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
     bound.type = decimalType(38, 0);
     return bound;
   }
-  if (auto date = bindDateCall(name, call, position, scope)) {
+  if (auto date = bindDateCall(name, call, position, clause)) {
     return *date;
   }
-  return bindTextCall(name, call, position, scope);
+  return bindTextCall(name, call, position, clause);
 }
 
 BoundExpression ExpressionBinder::bindCoalesce(const tsql::FunctionCall& call,
-                                               const tsql::Position& position, const Scope& scope) {
+                                               const tsql::Position& position,
+                                               const Clause& clause) {
   std::vector<BoundExpression> values;
   Type type;
+  Reach reach;
   for (const tsql::ExpressionPtr& argument : call.arguments) {
-    values.push_back(bind(*argument, scope));
+    values.push_back(bind(*argument, clause));
     if (values.back().pending && values.back().type.isNumber()) {
       constants_.guard(values.back(), Guard::Kind::SameType, values.back().type);
     }
+    reach |= values.back().reach;
     type = constants_.requireCommonType(type, values.back().type, position);
   }
   if (values.size() < 2 || type.kind == TypeKind::Null) {
@@ -128,7 +132,7 @@ BoundExpression ExpressionBinder::bindCoalesce(const tsql::FunctionCall& call,
   for (BoundExpression& value : values) {
     sql += (sql.back() == '(' ? "" : ",") + constants_.coerce(value, type, Conversion::Compare);
   }
-  return computed(sql + ")", type);
+  return computed(sql + ")", type, reach);
 }
 
 /// The style of a CONVERT: dates are written in those that `isDateStyle` has and read in the ISO
@@ -152,9 +156,9 @@ int ExpressionBinder::bindStyle(const tsql::Expression& expression, const Type& 
 }
 
 BoundExpression ExpressionBinder::bindCast(const tsql::Cast& node, const tsql::Position& position,
-                                           const Scope& scope) {
+                                           const Clause& clause) {
   const Type type = castType(node.type, context_.text);
-  BoundExpression operand = bind(*node.operand, scope);
+  BoundExpression operand = bind(*node.operand, clause);
   if (operand.type.isDate() && type.isNumber()) {
     refuse(context_.text, position, "a date as a number");
   }
@@ -166,32 +170,33 @@ BoundExpression ExpressionBinder::bindCast(const tsql::Cast& node, const tsql::P
       BoundExpression text =
           computed("ts_date_text(" + date + "," + std::to_string(encodeType(operand.type)) + "," +
                        std::to_string(style) + ")",
-                   kVarChar);
-      return computed(constants_.coerce(text, type, Conversion::Cut), type);
+                   kVarChar, operand.reach);
+      return computed(constants_.coerce(text, type, Conversion::Cut), type, operand.reach);
     }
   }
   if (operand.type.kind == TypeKind::Null && !operand.pending) {
-    return computed("NULL", type);
+    return computed("NULL", type, operand.reach);
   }
-  return computed(constants_.coerce(operand, type, Conversion::Cut), type);
+  return computed(constants_.coerce(operand, type, Conversion::Cut), type, operand.reach);
 }
 
-std::string ExpressionBinder::bindText(const tsql::Expression& expression, const Scope& scope,
-                                       Type* type) {
-  BoundExpression bound = bind(expression, scope);
-  if (type != nullptr) {
-    *type = bound.type;
-  }
+/// The expression as a text; `type` stays what it was before.
+BoundExpression ExpressionBinder::bindText(const tsql::Expression& expression,
+                                           const Clause& clause) {
+  BoundExpression bound = bind(expression, clause);
   if (bound.type.isText()) {
-    return constants_.inOwnType(bound);
+    bound.sql = constants_.inOwnType(bound);
+  } else {
+    constants_.requireConvertible(bound.type, kVarChar, expression.position);
+    bound.sql = constants_.coerce(bound, kVarChar, Conversion::Compare);
   }
-  constants_.requireConvertible(bound.type, kVarChar, expression.position);
-  return constants_.coerce(bound, kVarChar, Conversion::Compare);
+  return bound;
 }
 
 BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
                                                const tsql::FunctionCall& call,
-                                               const tsql::Position& position, const Scope& scope) {
+                                               const tsql::Position& position,
+                                               const Clause& clause) {
   struct TextFunction {
     std::string_view name;
     std::string_view sqlName;
@@ -227,25 +232,28 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
   }
   requireArguments(call, found->least, found->most);
   std::string sql = std::string(found->sqlName) + "(";
+  Reach reach;
   bool unicode = false;
   std::int32_t length = kUnlimited;
   for (std::size_t i = 0; i < call.arguments.size(); ++i) {
     sql += i == 0 ? "" : ",";
     if (i < found->texts) {
-      Type type;
-      sql += bindText(*call.arguments[i], scope, &type);
-      unicode = unicode || type.isUnicode();
-      length = i == 0 && type.isText() ? type.length : length;
+      const BoundExpression text = bindText(*call.arguments[i], clause);
+      sql += text.sql;
+      reach |= text.reach;
+      unicode = unicode || text.type.isUnicode();
+      length = i == 0 && text.type.isText() ? text.type.length : length;
     } else {
-      BoundExpression number = bind(*call.arguments[i], scope);
+      BoundExpression number = bind(*call.arguments[i], clause);
       constants_.requireConvertible(number.type, kBigInt, position);
       sql += constants_.coerce(number, kBigInt, Conversion::Compare);
+      reach |= number.reach;
     }
   }
   const Type kind = unicode ? kNVarChar : kVarChar;
   const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
-  return computed(sql + ")",
-                  found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length));
+  return computed(sql + ")", found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
+                  reach);
 }
 
 }  // namespace azcoll::embedded

@@ -111,7 +111,7 @@ std::string ChangeBinder::defaultOf(const Table& table, std::size_t column) {
   context.text = {};
   QueryBinder binder(context, translation_);
   const Scope nothing(nullptr);
-  BoundExpression bound = binder.expressions().bind(*info.defaultValue, nothing);
+  BoundExpression bound = binder.expressions().bind(*info.defaultValue, Clause{nothing});
   return binder.constants().coerce(bound, info.type, Conversion::Assign);
 }
 
@@ -138,7 +138,7 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
         sql += defaultOf(table, columns[i]);
         continue;
       }
-      BoundExpression value = expressions_.bind(*row[i], nothing);
+      BoundExpression value = expressions_.bind(*row[i], Clause{nothing});
       sql += constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign);
     }
     for (const std::size_t column : defaults) {

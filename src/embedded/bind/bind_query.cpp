@@ -4,6 +4,7 @@
 #include "data/decimal.h"
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/bound_query.h"
+#include "embedded/bind/in_rewrite.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
@@ -31,19 +32,6 @@ void splitConjuncts(const tsql::Expression& condition,
   }
 }
 
-bool isConstant(const tsql::Expression& expression) {
-  return std::holds_alternative<tsql::Literal>(expression.node) ||
-         std::holds_alternative<tsql::Variable>(expression.node);
-}
-
-/// `column = constant`.
-bool namesOneValue(const tsql::Expression& condition) {
-  const auto* const binary = std::get_if<tsql::Binary>(&condition.node);
-  return binary != nullptr && binary->op == tsql::BinaryOperator::Equal &&
-         std::holds_alternative<tsql::ColumnReference>(binary->left->node) &&
-         isConstant(*binary->right);
-}
-
 bool selectsAggregate(const tsql::QuerySpecification& specification) {
   return std::any_of(
       specification.items.begin(), specification.items.end(),
@@ -59,7 +47,7 @@ bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query
 
 }  // namespace
 
-BoundQuery QueryBinder::bindQuery(const tsql::Query& query, const Scope* outer,
+BoundQuery QueryBinder::bindQuery(const tsql::Query& query, const Clause* outer,
                                   const QueryUse& use) {
   ++translation_.queries;
   const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
@@ -80,7 +68,7 @@ BoundQuery QueryBinder::bindQuery(const tsql::Query& query, const Scope* outer,
 }
 
 BoundQuery QueryBinder::bindSetOperation(const tsql::SetOperation& operation,
-                                         const tsql::Query& query, const Scope* outer) {
+                                         const tsql::Query& query, const Clause* outer) {
   BoundQuery bound;
   bound.op = operation.op;
   bound.left = std::make_unique<BoundQuery>(bindQuery(*operation.left, outer, {}));
@@ -95,60 +83,51 @@ BoundQuery QueryBinder::bindSetOperation(const tsql::SetOperation& operation,
 }
 
 void QueryBinder::bindSpecification(const tsql::QuerySpecification& specification,
-                                    const tsql::Query& query, const Scope* outer,
+                                    const tsql::Query& query, const Clause* outer,
                                     const QueryUse& use, BoundSelect& select) {
-  const std::uint64_t touchedBefore = translation_.touchedLevels;
-  translation_.touchedLevels = 0;
   Scope scope(outer);
   select.distinct = specification.distinct;
-  select.from = bindSources(specification.from, scope);
+  BoundSources sources = bindSources(specification.from, scope);
+  select.from = std::move(sources.sql);
+  select.reach = sources.reach;
   const bool grouped = !specification.groupBy.empty() || aggregates(specification, query);
   const bool plain = !grouped && !specification.top && !specification.distinct;
   if (specification.where) {
     bindWhere(*specification.where, scope, plain ? use : QueryUse{}, select);
   }
-  bindGroupBy(specification, scope, select);
+  Grouping grouping;
+  bindGroupBy(specification, Clause{scope}, grouping, select);
   select.grouped = grouped;
   select.oneGroup = grouped && specification.groupBy.empty() && !selectsAggregate(specification);
-  if (grouped) {
-    scope.grouping.active = true;
-    scope.aggregatesAllowed = true;
-  }
-  bindItems(specification, scope, use, select);
+  Clause clause{scope};
+  clause.grouping = grouped ? &grouping : nullptr;
+  clause.aggregates = grouped;
+  bindItems(specification, clause, use, select);
   if (specification.having) {
-    scope.grouping.number = 8121;
-    scope.grouping.clause = "HAVING clause";
-    select.having = expressions_.bindCondition(*specification.having, scope, true).sql;
+    clause.number = 8121;
+    clause.name = "HAVING clause";
+    BoundCondition having = expressions_.bindCondition(*specification.having, clause, true);
+    select.reach |= having.reach;
+    select.having = std::move(having.sql);
   }
   if (specification.top) {
     bindTop(*specification.top, select);
   }
-  bindOrderBy(query, scope, select);
+  clause.number = 8127;
+  clause.name = "ORDER BY clause";
+  bindOrderBy(query, clause, select);
   const bool oneRow = specification.from.empty() || (grouped && specification.groupBy.empty());
   select.atMostOneRow = select.atMostOneRow || oneRow;
-  const std::uint64_t outside = translation_.touchedLevels & outerLevels(scope.level);
+  const std::uint64_t outside = select.reach.levels & outerLevels(scope.level);
   select.correlated = outside != 0;
-  if (select.correlated) {
-    // The correlation cannot be taken out as a whole: back into the condition with its parts.
-    for (const Correlation& correlation : select.correlations) {
-      select.where += (select.where.empty() ? "" : " AND ");
-      select.where += "(" + correlation.inner + " = " + correlation.outer + ")";
-    }
-    select.correlations.clear();
-  }
-  if (select.correlations.empty() && !select.alternatives.empty()) {
-    // Asked anew for every row, the query is better off in one piece.
-    select.where += (select.where.empty() ? "(" : " AND (") + select.alternatives.front() + " OR " +
-                    select.alternatives.back() + ")";
-    select.alternatives.clear();
-  }
-  addConstantFilters(outer, select);
-  translation_.touchedLevels = touchedBefore | outside | select.correlationLevels;
+  InRewrite::putBack(select);
+  InRewrite::addConstantFilters(outer, select);
+  select.reach.levels = outside | select.correlationLevels;
 }
 
 // ---------------------------------------------------------------- the select list
 
-void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const Scope& scope,
+void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const Clause& clause,
                             const QueryUse& use, BoundSelect& select) {
   for (const tsql::SelectItem& item : specification.items) {
     if (item.assignTo.empty() == use.assigns) {
@@ -157,11 +136,12 @@ void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const
                      "combined with data-retrieval operations.");
     }
     if (const auto* const star = std::get_if<tsql::Star>(&item.expression->node)) {
-      expandStar(*star, scope, select);
+      expandStar(*star, clause, select);
       continue;
     }
     OutputColumn column;
-    column.expression = expressions_.bind(*item.expression, scope);
+    column.expression = expressions_.bind(*item.expression, clause);
+    select.reach |= column.expression.reach;
     column.position = item.position;
     const auto* const reference = std::get_if<tsql::ColumnReference>(&item.expression->node);
     column.named = item.hasAlias || reference != nullptr;
@@ -178,18 +158,19 @@ void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const
   }
 }
 
-void QueryBinder::expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select) {
+void QueryBinder::expandStar(const tsql::Star& star, const Clause& clause, BoundSelect& select) {
   const std::string wanted =
       star.qualifier.parts.empty() ? "" : foldText(star.qualifier.parts.back());
   bool found = false;
-  for (const Source& source : scope.sources) {
+  for (const Source& source : clause.scope.sources) {
     if (!wanted.empty() && source.folded != wanted) {
       continue;
     }
     found = true;
     for (std::size_t i = 0; i < source.columnCount(); ++i) {
       OutputColumn column;
-      column.expression = names_.columnOf(source, i, scope);
+      column.expression = names_.columnOf(source, i, clause);
+      select.reach |= column.expression.reach;
       column.name = source.columnName(i);
       column.named = true;
       column.printed = source.folded + "." + foldText(column.name);
@@ -207,135 +188,49 @@ void QueryBinder::expandStar(const tsql::Star& star, const Scope& scope, BoundSe
 
 // ---------------------------------------------------------------- conditions and groups
 
-void QueryBinder::bindWhere(const tsql::Expression& condition, const Scope& scope,
-                            const QueryUse& use, BoundSelect& select) {
+void QueryBinder::bindWhere(const tsql::Expression& condition, Scope& scope, const QueryUse& use,
+                            BoundSelect& select) {
   std::vector<const tsql::Expression*> conjuncts;
   splitConjuncts(condition, conjuncts);
+  const Clause clause{scope};
+  InRewrite rewrite(names_, expressions_);
   for (const tsql::Expression* const conjunct : conjuncts) {
-    if (use.in == nullptr || !(bindCorrelation(*conjunct, scope, select) ||
-                               bindAlternatives(*conjunct, scope, select))) {
-      const BoundCondition bound = expressions_.bindCondition(*conjunct, scope, true);
-      noteConstantFilter(*conjunct, bound, scope);
+    if (use.in == nullptr || !rewrite.take(*conjunct, clause, select)) {
+      const BoundCondition bound = expressions_.bindCondition(*conjunct, clause, true);
+      InRewrite::noteConstantFilter(*conjunct, bound, scope);
+      select.reach |= bound.reach;
       select.where += (select.where.empty() ? "" : " AND ") + bound.sql;
     }
   }
 }
 
-/// Keeps in mind what the condition demands of a column of the query by constants alone.
-void QueryBinder::noteConstantFilter(const tsql::Expression& conjunct,
-                                     const BoundCondition& condition, const Scope& scope) {
-  const tsql::Expression* operand = nullptr;
-  if (const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node)) {
-    if (binary->op == tsql::BinaryOperator::Equal && isConstant(*binary->right)) {
-      operand = binary->left.get();
-    }
-  } else if (const auto* const list = std::get_if<tsql::InList>(&conjunct.node)) {
-    if (!list->negated &&
-        std::all_of(list->items.begin(), list->items.end(),
-                    [](const tsql::ExpressionPtr& item) { return isConstant(*item); })) {
-      operand = list->operand.get();
-    }
-  }
-  if (operand != nullptr && std::holds_alternative<tsql::ColumnReference>(operand->node) &&
-      !condition.column.empty()) {
-    scope.constantFilters.emplace(condition.column, condition.test);
-  }
-}
-
-/// What the surroundings demand of a column holds for the column that must equal it as well: told
-/// to the subquery, it need not gather rows that nobody asks for.
-void QueryBinder::addConstantFilters(const Scope* outer, BoundSelect& select) {
-  for (const Scope* scope = outer; scope != nullptr; scope = scope->parent) {
-    for (const Correlation& correlation : select.correlations) {
-      const auto [from, to] = scope->constantFilters.equal_range(correlation.outer);
-      for (auto filter = from; filter != to; ++filter) {
-        select.where +=
-            (select.where.empty() ? "(" : " AND (") + correlation.inner + filter->second + ")";
-      }
-    }
-  }
-}
-
-/// Takes `inner = outer` out of a condition. False when the part is no such equality of two columns
-/// that compare as they are; nothing is bound then.
-bool QueryBinder::bindCorrelation(const tsql::Expression& conjunct, const Scope& scope,
-                                  BoundSelect& select) {
-  const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node);
-  if (binary == nullptr || binary->op != tsql::BinaryOperator::Equal) {
-    return false;
-  }
-  const auto* const left = std::get_if<tsql::ColumnReference>(&binary->left->node);
-  const auto* const right = std::get_if<tsql::ColumnReference>(&binary->right->node);
-  if (left == nullptr || right == nullptr) {
-    return false;
-  }
-  const std::uint64_t before = translation_.touchedLevels;
-  const auto levelsOf = [&](const tsql::ColumnReference& reference, BoundExpression& bound) {
-    translation_.touchedLevels = 0;
-    bound = names_.resolve(reference, scope);
-    return translation_.touchedLevels;
-  };
-  BoundExpression a;
-  BoundExpression b;
-  const std::uint64_t levelsA = levelsOf(*left, a);
-  const std::uint64_t levelsB = levelsOf(*right, b);
-  translation_.touchedLevels = before;
-  const std::uint64_t outside = outerLevels(scope.level);
-  const bool innerLeft = (levelsA & outside) == 0;
-  const bool innerRight = (levelsB & outside) == 0;
-  if (innerLeft == innerRight || !sameForm(a.type, b.type) || !a.isColumn || !b.isColumn) {
-    return false;
-  }
-  select.correlationLevels |= (levelsA | levelsB) & outside;
-  select.correlations.push_back(innerLeft ? Correlation{a.sql, b.sql} : Correlation{b.sql, a.sql});
-  return true;
-}
-
-/// Takes `column = constant OR column = constant` out of a condition. False when the part is none;
-/// nothing is bound then. SQLite would rather read all rows of the conditions around it.
-bool QueryBinder::bindAlternatives(const tsql::Expression& conjunct, const Scope& scope,
-                                   BoundSelect& select) {
-  const auto* const either = std::get_if<tsql::Binary>(&conjunct.node);
-  if (either == nullptr || either->op != tsql::BinaryOperator::Or || !select.alternatives.empty() ||
-      !namesOneValue(*either->left) || !namesOneValue(*either->right)) {
-    return false;
-  }
-  for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
-    select.alternatives.push_back(expressions_.bindCondition(**part, scope, true).sql);
-  }
-  return true;
-}
-
 /// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
 /// in those around it.
-BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Scope& scope, bool groups) {
-  const std::uint64_t levels = std::exchange(translation_.touchedLevels, 0);
-  const bool argument = std::exchange(translation_.touchedArgument, false);
-  BoundExpression bound = expressions_.bind(key, scope);
-  const std::uint64_t outside = translation_.touchedLevels & outerLevels(scope.level);
-  if (groups && (translation_.touchedLevels & levelBit(scope.level)) == 0) {
+BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& clause,
+                                     bool groups) {
+  BoundExpression bound = expressions_.bind(key, clause);
+  const std::size_t level = clause.scope.level;
+  if (groups && (bound.reach.levels & levelBit(level)) == 0) {
     throw SqlError(164,
                    "Each GROUP BY expression must contain at least one column that is not an "
                    "outer reference.");
   }
-  if (outside != 0 || translation_.touchedArgument) {
+  if ((bound.reach.levels & outerLevels(level)) != 0 || bound.reach.argument) {
     refuse(context_.text, key.position,
            std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
   }
-  translation_.touchedLevels |= levels;
-  translation_.touchedArgument = argument;
   return bound;
 }
 
-void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
-                              BoundSelect& select) {
+void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
+                              Grouping& grouping, BoundSelect& select) {
   for (const tsql::ExpressionPtr& key : specification.groupBy) {
-    BoundExpression bound = bindKey(*key, scope, true);
+    BoundExpression bound = bindKey(*key, clause, true);
     std::string sql = constants_.inOwnType(bound);
     if (bound.isColumn) {
-      scope.grouping.columns.insert(sql);
+      grouping.columns.insert(sql);
     } else {
-      scope.grouping.printed.insert(foldText(tsql::print(*key)));
+      grouping.printed.insert(foldText(tsql::print(*key)));
       if (bound.type.isText()) {
         sql += std::string(kCollateClause);
       }
@@ -357,7 +252,8 @@ void QueryBinder::bindTop(const tsql::Top& top, BoundSelect& select) {
     return;
   }
   const Scope nothing(nullptr);
-  BoundExpression count = expressions_.bind(*top.count, nothing);
+  BoundExpression count = expressions_.bind(*top.count, Clause{nothing});
+  select.reach |= count.reach;
   constants_.requireConvertible(count.type, kBigInt, top.count->position);
   select.limit = "ts_top(" + constants_.coerce(count, kBigInt, Conversion::Cut) + ")";
 }
@@ -400,14 +296,14 @@ std::optional<std::size_t> QueryBinder::outputPosition(const tsql::Expression& e
   return found;
 }
 
-std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
+std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause& clause,
                                        BoundSelect& select) {
   if (const auto position = outputPosition(*item.expression, select.columns)) {
     return std::to_string(*position + 1);
   }
   const bool checks = select.distinct;
   const std::string printed = checks ? foldText(tsql::print(*item.expression)) : "";
-  BoundExpression bound = bindKey(*item.expression, scope, false);
+  BoundExpression bound = bindKey(*item.expression, clause, false);
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
   }
@@ -431,11 +327,9 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Scope&
   return bound.isColumn ? sql : "(" + sql + ")";
 }
 
-void QueryBinder::bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select) {
-  scope.grouping.number = 8127;
-  scope.grouping.clause = "ORDER BY clause";
+void QueryBinder::bindOrderBy(const tsql::Query& query, const Clause& clause, BoundSelect& select) {
   for (const tsql::OrderItem& item : query.orderBy) {
-    select.orderBy += (select.orderBy.empty() ? "" : ",") + bindOrderItem(item, scope, select) +
+    select.orderBy += (select.orderBy.empty() ? "" : ",") + bindOrderItem(item, clause, select) +
                       (item.descending ? " DESC" : "");
   }
 }

@@ -66,25 +66,26 @@ void describeDerived(BoundQuery& query, Source& source) {
   }
 }
 
-std::string QueryBinder::bindSources(const std::vector<tsql::TableSourcePtr>& sources,
-                                     Scope& scope) {
-  std::string sql;
+BoundSources QueryBinder::bindSources(const std::vector<tsql::TableSourcePtr>& sources,
+                                      Scope& scope) {
+  BoundSources all;
   for (const tsql::TableSourcePtr& source : sources) {
     const std::size_t first = scope.sources.size();
     const VisibleSources visible(scope, first);
-    const std::string text = bindSource(*source, scope);
-    if (sql.empty()) {
-      sql = text;
+    const BoundSources bound = bindSource(*source, scope);
+    if (all.sql.empty()) {
+      all.sql = bound.sql;
     } else {
-      sql += isJoin(*source) ? " JOIN (" + text + ")" : " JOIN " + text;
+      all.sql += isJoin(*source) ? " JOIN (" + bound.sql + ")" : " JOIN " + bound.sql;
     }
+    all.reach |= bound.reach;
   }
-  return sql;
+  return all;
 }
 
-std::string QueryBinder::bindSource(const tsql::TableSource& source, Scope& scope) {
+BoundSources QueryBinder::bindSource(const tsql::TableSource& source, Scope& scope) {
   if (const auto* const table = std::get_if<tsql::NamedTable>(&source.node)) {
-    return bindTable(*table, source.alias, scope);
+    return {bindTable(*table, source.alias, scope), {}};
   }
   if (const auto* const derived = std::get_if<tsql::DerivedTable>(&source.node)) {
     return bindDerived(*derived, source.alias, scope);
@@ -107,8 +108,8 @@ std::string QueryBinder::bindTable(const tsql::NamedTable& table, const std::str
   return sql;
 }
 
-std::string QueryBinder::bindDerived(const tsql::DerivedTable& derived, const std::string& alias,
-                                     Scope& scope) {
+BoundSources QueryBinder::bindDerived(const tsql::DerivedTable& derived, const std::string& alias,
+                                      Scope& scope) {
   // Neither the other sources of the clause nor what they bring is visible inside.
   BoundQuery query = bindQuery(*derived.query, scope.parent, {});
   fixTypes(query);
@@ -119,57 +120,67 @@ std::string QueryBinder::bindDerived(const tsql::DerivedTable& derived, const st
   describeDerived(query, source);
   std::string sql = "(" + render(query) + ") AS " + source.sqlName;
   addSource(scope, std::move(source));
-  return sql;
+  return {std::move(sql), query.reach()};
 }
 
-std::string QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
+BoundSources QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
   if (join.kind == tsql::JoinKind::CrossApply || join.kind == tsql::JoinKind::OuterApply) {
     return bindApply(join, scope);
   }
   const std::size_t first = scope.sources.size();
-  std::string left = bindSource(*join.left, scope);
+  BoundSources joined = bindSource(*join.left, scope);
+  const std::string left = std::move(joined.sql);
   const std::size_t middle = scope.sources.size();
   std::string right;
   {
     const VisibleSources visible(scope, middle);
-    right = bindSource(*join.right, scope);
-  }
-  if (isJoin(*join.right)) {
-    right = "(" + right + ")";
+    BoundSources bound = bindSource(*join.right, scope);
+    right = isJoin(*join.right) ? "(" + bound.sql + ")" : std::move(bound.sql);
+    joined.reach |= bound.reach;
   }
   if (join.kind == tsql::JoinKind::Cross) {
-    return left + " JOIN " + right;
+    joined.sql = left + " JOIN " + right;
+    return joined;
   }
   const VisibleSources visible(scope, std::max(first, scope.visibleFrom));
-  const BoundCondition bound = expressions_.bindCondition(*join.on, scope, true);
-  const std::string& condition = bound.sql;
+  const BoundCondition condition = expressions_.bindCondition(*join.on, Clause{scope}, true);
+  joined.reach |= condition.reach;
+  const std::string on = " ON " + condition.sql;
   switch (join.kind) {
     case tsql::JoinKind::Inner:
-      return left + " JOIN " + right + " ON " + condition;
+      joined.sql = left + " JOIN " + right + on;
+      break;
     case tsql::JoinKind::Left:
-      if (bound.constant == false && std::holds_alternative<tsql::NamedTable>(join.right->node)) {
+      if (condition.constant == false &&
+          std::holds_alternative<tsql::NamedTable>(join.right->node)) {
         // A join that never matches must not read its table once for every row.
         const Source& source = scope.sources.back();
         right = "(SELECT * FROM " + source.table->sqlName + " LIMIT 0) AS " + source.sqlName;
       }
-      return left + " LEFT JOIN " + right + " ON " + condition;
+      joined.sql = left + " LEFT JOIN " + right + on;
+      break;
     case tsql::JoinKind::Right:
       // The same join the other way round; the order of the columns is not SQLite's matter.
-      return right + " LEFT JOIN " + (isJoin(*join.left) ? "(" + left + ")" : left) + " ON " +
-             condition;
+      joined.sql = right + " LEFT JOIN " + (isJoin(*join.left) ? "(" + left + ")" : left) + on;
+      break;
     default:
-      return left + " FULL JOIN " + right + " ON " + condition;
+      joined.sql = left + " FULL JOIN " + right + on;
+      break;
   }
+  return joined;
 }
 
-std::string QueryBinder::bindApply(const tsql::Join& join, Scope& scope) {
+BoundSources QueryBinder::bindApply(const tsql::Join& join, Scope& scope) {
   const bool outer = join.kind == tsql::JoinKind::OuterApply;
-  const std::string left = bindSource(*join.left, scope);
+  BoundSources joined = bindSource(*join.left, scope);
   const auto* const function = std::get_if<tsql::FunctionTable>(&join.right->node);
   if (function == nullptr) {
     refuse(context_.text, join.right->position, "APPLY of anything but a function");
   }
-  return left + inlineApplied(*function, join.right->alias, outer, scope);
+  const BoundSources applied = inlineApplied(*function, join.right->alias, outer, scope);
+  joined.sql += applied.sql;
+  joined.reach |= applied.reach;
+  return joined;
 }
 
 }  // namespace azcoll::embedded

@@ -151,7 +151,7 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
 std::string Binder::bindValue(const tsql::Expression& expression, const Type& type) {
   QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  BoundExpression value = queries.expressions().bind(expression, nothing);
+  BoundExpression value = queries.expressions().bind(expression, Clause{nothing});
   queries.constants().requireConvertible(value.type, type, expression.position);
   return "SELECT " + queries.constants().coerce(value, type, Conversion::Cut);
 }
@@ -159,7 +159,7 @@ std::string Binder::bindValue(const tsql::Expression& expression, const Type& ty
 std::string Binder::bindTest(const tsql::Expression& condition) {
   QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  return "SELECT " + queries.expressions().bindCondition(condition, nothing, true).sql;
+  return "SELECT " + queries.expressions().bindCondition(condition, Clause{nothing}, true).sql;
 }
 
 BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
@@ -181,7 +181,7 @@ void Binder::checkFunction(const Routine& routine) {
     BoundExpression nothing;
     nothing.sql = "NULL";
     nothing.type = parameter.type;
-    queries.names().addArgument(parameter.name, std::move(nothing), false);
+    queries.names().addArgument(parameter.name, std::move(nothing));
   }
   BoundQuery query = queries.bindQuery(*routine.function().body, nullptr, {});
   queries.fixTypes(query);
@@ -211,7 +211,7 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   source.name = table.name;
   source.folded = foldText(table.name);
   scope.sources.push_back(std::move(source));
-  std::string sql = queries.expressions().bindCondition(condition, scope, false).sql;
+  std::string sql = queries.expressions().bindCondition(condition, Clause{scope}, false).sql;
   if (!translation_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");
   }

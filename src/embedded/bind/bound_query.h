@@ -47,6 +47,7 @@ struct BoundSelect {
   std::vector<Correlation> correlations;
   std::uint64_t correlationLevels = 0;  ///< scopes that the correlations refer to, a bit each
   std::vector<std::size_t> assigned;    ///< variables of SELECT @v = …, one for each column
+  Reach reach;                          ///< beyond the SELECT itself
 };
 
 /// A query: one SELECT, or a set operation of two queries.
@@ -60,6 +61,10 @@ struct BoundQuery {
   /// The result's columns; of a set operation those of its first SELECT.
   [[nodiscard]] std::vector<OutputColumn>& columns() {
     return select ? select->columns : left->columns();
+  }
+  /// Beyond the query itself.
+  [[nodiscard]] Reach reach() const {
+    return select ? select->reach : left->reach() | right->reach();
   }
   [[nodiscard]] bool atMostOneRow() const { return select && select->atMostOneRow; }
 };

@@ -21,27 +21,25 @@ class QueryBinder;
 class ExpressionBinder {
  public:
   /// `queries` binds the queries inside.
-  ExpressionBinder(const BindContext& context, Translation& translation, Constants& constants,
-                   Names& names, QueryBinder& queries)
-      : context_(context),
-        translation_(translation),
-        constants_(constants),
-        names_(names),
-        queries_(queries) {}
+  ExpressionBinder(const BindContext& context, Constants& constants, Names& names,
+                   QueryBinder& queries)
+
+      : context_(context), constants_(constants), names_(names), queries_(queries) {}
 
   /// A value.
-  [[nodiscard]] BoundExpression bind(const tsql::Expression& expression, const Scope& scope);
+  [[nodiscard]] BoundExpression bind(const tsql::Expression& expression, const Clause& clause);
   /// A condition. `nullIsFalse`: where it stands, unknown and false come to the same.
-  [[nodiscard]] BoundCondition bindCondition(const tsql::Expression& expression, const Scope& scope,
-                                             bool nullIsFalse);
+  [[nodiscard]] BoundCondition bindCondition(const tsql::Expression& expression,
+                                             const Clause& clause, bool nullIsFalse);
 
  private:
   // ---- bind_expression.cpp
-  [[nodiscard]] BoundExpression bindNode(const tsql::Expression& expression, const Scope& scope);
+  [[nodiscard]] BoundExpression bindNode(const tsql::Expression& expression, const Clause& clause);
   [[nodiscard]] BoundExpression bindUnary(const tsql::Unary& node, const tsql::Position& position,
-                                          const Scope& scope);
+                                          const Clause& clause);
   [[nodiscard]] BoundExpression bindArithmetic(const tsql::Binary& node,
-                                               const tsql::Position& position, const Scope& scope);
+                                               const tsql::Position& position,
+                                               const Clause& clause);
   [[nodiscard]] BoundExpression joinTexts(BoundExpression& left, BoundExpression& right);
   [[nodiscard]] BoundExpression evaluateIntegers(tsql::BinaryOperator op, BoundExpression& left,
                                                  BoundExpression& right, const Type& type);
@@ -52,49 +50,50 @@ class ExpressionBinder {
                                                BoundExpression& right,
                                                const tsql::Position& position);
   [[nodiscard]] BoundExpression bindCase(const tsql::Case& node, const tsql::Position& position,
-                                         const Scope& scope);
-  [[nodiscard]] BoundExpression bindScalarQuery(const tsql::ScalarQuery& node, const Scope& scope);
+                                         const Clause& clause);
+  [[nodiscard]] BoundExpression bindScalarQuery(const tsql::ScalarQuery& node,
+                                                const Clause& clause);
 
   // ---- bind_function.cpp, bind_date_function.cpp, bind_aggregate.cpp
   [[nodiscard]] BoundExpression bindCall(const tsql::FunctionCall& call,
-                                         const tsql::Position& position, const Scope& scope);
+                                         const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundExpression bindAggregate(const tsql::FunctionCall& call,
-                                              const tsql::Position& position, const Scope& scope);
+                                              const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundExpression bindAggregated(const tsql::Expression& argument,
-                                               const tsql::Position& position, const Scope& scope);
+                                               const tsql::Position& position,
+                                               const Clause& clause);
   [[nodiscard]] BoundExpression bindTextCall(std::string_view name, const tsql::FunctionCall& call,
-                                             const tsql::Position& position, const Scope& scope);
+                                             const tsql::Position& position, const Clause& clause);
   [[nodiscard]] std::optional<BoundExpression> bindDateCall(std::string_view name,
                                                             const tsql::FunctionCall& call,
                                                             const tsql::Position& position,
-                                                            const Scope& scope);
+                                                            const Clause& clause);
   [[nodiscard]] BoundExpression bindCoalesce(const tsql::FunctionCall& call,
-                                             const tsql::Position& position, const Scope& scope);
+                                             const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundExpression bindCast(const tsql::Cast& node, const tsql::Position& position,
-                                         const Scope& scope);
+                                         const Clause& clause);
   [[nodiscard]] int bindStyle(const tsql::Expression& expression, const Type& from, const Type& to);
-  [[nodiscard]] std::string bindText(const tsql::Expression& expression, const Scope& scope,
-                                     Type* type = nullptr);
+  [[nodiscard]] BoundExpression bindText(const tsql::Expression& expression, const Clause& clause);
   static void requireArguments(const tsql::FunctionCall& call, std::size_t least, std::size_t most);
 
   // ---- bind_condition.cpp
   [[nodiscard]] BoundCondition bindComparison(const tsql::Binary& node,
-                                              const tsql::Position& position, const Scope& scope);
+                                              const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundCondition compare(std::string_view op, BoundExpression& left,
                                        BoundExpression& right, const tsql::Position& position);
   [[nodiscard]] std::optional<bool> foldConstants(const tsql::Binary& node);
-  [[nodiscard]] std::string bindBetween(const tsql::Between& node, const tsql::Position& position,
-                                        const Scope& scope);
-  [[nodiscard]] std::string bindLike(const tsql::Like& node, const tsql::Position& position,
-                                     const Scope& scope);
+  [[nodiscard]] BoundCondition bindBetween(const tsql::Between& node,
+                                           const tsql::Position& position, const Clause& clause);
+  [[nodiscard]] BoundCondition bindLike(const tsql::Like& node, const tsql::Position& position,
+                                        const Clause& clause);
   [[nodiscard]] BoundCondition bindInList(const tsql::InList& node, const tsql::Position& position,
-                                          const Scope& scope);
-  [[nodiscard]] std::string bindInQuery(const tsql::InQuery& node, const tsql::Position& position,
-                                        const Scope& scope, bool nullIsFalse);
-  [[nodiscard]] std::string bindExists(const tsql::Exists& node, const Scope& scope);
+                                          const Clause& clause);
+  [[nodiscard]] BoundCondition bindInQuery(const tsql::InQuery& node,
+                                           const tsql::Position& position, const Clause& clause,
+                                           bool nullIsFalse);
+  [[nodiscard]] BoundCondition bindExists(const tsql::Exists& node, const Clause& clause);
 
   const BindContext& context_;
-  Translation& translation_;
   Constants& constants_;
   Names& names_;
   QueryBinder& queries_;

@@ -53,38 +53,37 @@ BoundExpression Source::column(std::size_t index) const {
 }
 
 BoundExpression Names::columnOf(const Source& source, std::size_t column,
-                                const Scope& scope) const {
-  translation_.touchedLevels |= levelBit(scope.level);
+                                const Clause& clause) const {
   BoundExpression bound = source.column(column);
-  const Grouping& grouping = scope.grouping;
-  if (grouping.active && !grouping.columns.contains(bound.sql)) {
+  bound.reach.levels = levelBit(clause.scope.level);
+  if (clause.grouping != nullptr && !clause.grouping->columns.contains(bound.sql)) {
     const std::string name = source.name + "." + source.columnName(column);
     // The message of ORDER BY quotes the name otherwise than the others.
-    const std::string quoted = grouping.number == 8127 ? '"' + name + '"' : "'" + name + "'";
-    throw SqlError(grouping.number,
-                   "Column " + quoted + " is invalid in the " + std::string(grouping.clause) +
+    const std::string quoted = clause.number == 8127 ? '"' + name + '"' : "'" + name + "'";
+    throw SqlError(clause.number,
+                   "Column " + quoted + " is invalid in the " + std::string(clause.name) +
                        " because it is not contained in either an aggregate function or the GROUP "
                        "BY clause.");
   }
   return bound;
 }
 
-BoundExpression Names::resolve(const tsql::ColumnReference& reference, const Scope& scope) const {
-  return reference.name.parts.size() == 1 ? resolveBare(reference.name.parts.front(), scope)
-                                          : resolveQualified(reference.name, scope);
+BoundExpression Names::resolve(const tsql::ColumnReference& reference, const Clause& clause) const {
+  return reference.name.parts.size() == 1 ? resolveBare(reference.name.parts.front(), clause)
+                                          : resolveQualified(reference.name, clause);
 }
 
-BoundExpression Names::resolveBare(const std::string& name, const Scope& scope) const {
+BoundExpression Names::resolveBare(const std::string& name, const Clause& clause) const {
   const std::string folded = foldText(name);
-  for (const Scope* at = &scope; at != nullptr; at = at->parent) {
+  for (const Clause* at = &clause; at != nullptr; at = at->scope.parent) {
     const Source* found = nullptr;
     std::size_t column = 0;
-    for (std::size_t i = at->visibleFrom; i < at->sources.size(); ++i) {
-      if (const auto match = at->sources[i].find(folded)) {
+    for (std::size_t i = at->scope.visibleFrom; i < at->scope.sources.size(); ++i) {
+      if (const auto match = at->scope.sources[i].find(folded)) {
         if (found != nullptr) {
           throw SqlError(209, "Ambiguous column name '" + name + "'.");
         }
-        found = &at->sources[i];
+        found = &at->scope.sources[i];
         column = *match;
       }
     }
@@ -95,19 +94,19 @@ BoundExpression Names::resolveBare(const std::string& name, const Scope& scope) 
   throw SqlError(207, "Invalid column name '" + name + "'.");
 }
 
-BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Scope& scope) const {
+BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Clause& clause) const {
   const std::vector<std::string> qualifier(name.parts.begin(), name.parts.end() - 1);
   const std::string& column = name.parts.back();
-  for (const Scope* at = &scope; at != nullptr; at = at->parent) {
-    for (std::size_t i = at->visibleFrom; i < at->sources.size(); ++i) {
-      if (!isNamedBy(at->sources[i], qualifier)) {
+  for (const Clause* at = &clause; at != nullptr; at = at->scope.parent) {
+    for (std::size_t i = at->scope.visibleFrom; i < at->scope.sources.size(); ++i) {
+      if (!isNamedBy(at->scope.sources[i], qualifier)) {
         continue;
       }
-      const auto match = at->sources[i].find(foldText(column));
+      const auto match = at->scope.sources[i].find(foldText(column));
       if (!match) {
         throw SqlError(207, "Invalid column name '" + column + "'.");
       }
-      return columnOf(at->sources[i], *match, *at);
+      return columnOf(at->scope.sources[i], *match, *at);
     }
   }
   throw SqlError(4104, "The multi-part identifier \"" + dotted(name) + "\" could not be bound.");
@@ -127,8 +126,7 @@ BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
   if (inFunction_) {
     const auto found = arguments_.find(foldText(variable.name));
     if (found != arguments_.end()) {
-      translation_.touchedArgument = translation_.touchedArgument || found->second.isOfRow;
-      return found->second.value;
+      return found->second;
     }
   }
   BoundExpression bound;
@@ -155,8 +153,8 @@ BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
   return bound;
 }
 
-void Names::addArgument(const std::string& name, BoundExpression value, bool isOfRow) {
-  arguments_[foldText(name)] = {std::move(value), isOfRow};
+void Names::addArgument(const std::string& name, BoundExpression value) {
+  arguments_[foldText(name)] = std::move(value);
 }
 
 std::shared_ptr<const Table> Names::findTable(const tsql::ObjectName& name) const {

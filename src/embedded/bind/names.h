@@ -23,10 +23,10 @@ class Names {
   /// The column of the innermost scope that has it. Throws `SqlError` 207, 209, 4104, and the
   /// message of the clause for a column that is neither grouped nor aggregated.
   [[nodiscard]] BoundExpression resolve(const tsql::ColumnReference& reference,
-                                        const Scope& scope) const;
-  /// A column of a source of `scope`, with the same check of its group.
+                                        const Clause& clause) const;
+  /// A column of a source of the clause's scope, with the same check of its group.
   [[nodiscard]] BoundExpression columnOf(const Source& source, std::size_t column,
-                                         const Scope& scope) const;
+                                         const Clause& clause) const;
   /// A parameter of the function, a variable or a system value. Throws `SqlError` 137.
   [[nodiscard]] BoundExpression bindVariable(const tsql::Variable& variable) const;
   /// Throws `SqlError` 137.
@@ -38,25 +38,19 @@ class Names {
 
   /// From here on the body of a function is bound, which sees none of the variables outside.
   void enterFunction() { inFunction_ = true; }
-  /// A parameter of that function; `isOfRow` when its value differs from row to row of the query
-  /// around the function.
-  void addArgument(const std::string& name, BoundExpression value, bool isOfRow);
+  /// A parameter of that function, with its value already of the parameter's type.
+  void addArgument(const std::string& name, BoundExpression value);
   /// The statement changes the variable from row to row: it is read when a row is evaluated.
   void readForEachRow(std::size_t variable) { liveVariables_.insert(variable); }
 
  private:
-  struct Argument {
-    BoundExpression value;  ///< already of the parameter's type
-    bool isOfRow = false;
-  };
-
-  [[nodiscard]] BoundExpression resolveBare(const std::string& name, const Scope& scope) const;
+  [[nodiscard]] BoundExpression resolveBare(const std::string& name, const Clause& clause) const;
   [[nodiscard]] BoundExpression resolveQualified(const tsql::ObjectName& name,
-                                                 const Scope& scope) const;
+                                                 const Clause& clause) const;
 
   const BindContext& context_;
   Translation& translation_;
-  std::unordered_map<std::string, Argument> arguments_;
+  std::unordered_map<std::string, BoundExpression> arguments_;
   bool inFunction_ = false;
   std::unordered_set<std::size_t> liveVariables_;
 };

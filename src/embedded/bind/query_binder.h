@@ -35,7 +35,7 @@ class QueryBinder {
         translation_(translation),
         constants_(context, translation),
         names_(context, translation),
-        expressions_(context, translation, constants_, names_, *this) {}
+        expressions_(context, constants_, names_, *this) {}
   QueryBinder(const QueryBinder&) = delete;
   QueryBinder(QueryBinder&&) = delete;
   QueryBinder& operator=(const QueryBinder&) = delete;
@@ -46,8 +46,8 @@ class QueryBinder {
   [[nodiscard]] Names& names() { return names_; }
   [[nodiscard]] ExpressionBinder& expressions() { return expressions_; }
 
-  /// A query inside `outer` (null: inside none). Its columns have no final types yet.
-  [[nodiscard]] BoundQuery bindQuery(const tsql::Query& query, const Scope* outer,
+  /// A query that stands at `outer` (null: inside no other). Its columns have no final types yet.
+  [[nodiscard]] BoundQuery bindQuery(const tsql::Query& query, const Clause* outer,
                                      const QueryUse& use);
   /// Gives the columns their types, those of a set operation in common, and their texts.
   void fixTypes(BoundQuery& query);
@@ -55,34 +55,29 @@ class QueryBinder {
   void fixTypesForInsert(BoundQuery& query, const std::vector<Type>& targets);
 
   /// The text of a FROM clause; its sources are added to `scope`.
-  [[nodiscard]] std::string bindSources(const std::vector<tsql::TableSourcePtr>& sources,
-                                        Scope& scope);
+  [[nodiscard]] BoundSources bindSources(const std::vector<tsql::TableSourcePtr>& sources,
+                                         Scope& scope);
   [[nodiscard]] std::string bindTable(const tsql::NamedTable& table, const std::string& alias,
                                       Scope& scope);
 
  private:
   // ---- bind_query.cpp
   [[nodiscard]] BoundQuery bindSetOperation(const tsql::SetOperation& operation,
-                                            const tsql::Query& query, const Scope* outer);
+                                            const tsql::Query& query, const Clause* outer);
   void bindSpecification(const tsql::QuerySpecification& specification, const tsql::Query& query,
-                         const Scope* outer, const QueryUse& use, BoundSelect& select);
-  void bindItems(const tsql::QuerySpecification& specification, const Scope& scope,
+                         const Clause* outer, const QueryUse& use, BoundSelect& select);
+  void bindItems(const tsql::QuerySpecification& specification, const Clause& clause,
                  const QueryUse& use, BoundSelect& select);
-  void expandStar(const tsql::Star& star, const Scope& scope, BoundSelect& select);
-  void bindWhere(const tsql::Expression& condition, const Scope& scope, const QueryUse& use,
+  void expandStar(const tsql::Star& star, const Clause& clause, BoundSelect& select);
+  void bindWhere(const tsql::Expression& condition, Scope& scope, const QueryUse& use,
                  BoundSelect& select);
-  void noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
-                          const Scope& scope);
-  static void addConstantFilters(const Scope* outer, BoundSelect& select);
-  bool bindCorrelation(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
-  bool bindAlternatives(const tsql::Expression& conjunct, const Scope& scope, BoundSelect& select);
-  void bindGroupBy(const tsql::QuerySpecification& specification, Scope& scope,
-                   BoundSelect& select);
-  [[nodiscard]] BoundExpression bindKey(const tsql::Expression& key, const Scope& scope,
+  void bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
+                   Grouping& grouping, BoundSelect& select);
+  [[nodiscard]] BoundExpression bindKey(const tsql::Expression& key, const Clause& clause,
                                         bool groups);
   void bindTop(const tsql::Top& top, BoundSelect& select);
-  void bindOrderBy(const tsql::Query& query, const Scope& scope, BoundSelect& select);
-  [[nodiscard]] std::string bindOrderItem(const tsql::OrderItem& item, const Scope& scope,
+  void bindOrderBy(const tsql::Query& query, const Clause& clause, BoundSelect& select);
+  [[nodiscard]] std::string bindOrderItem(const tsql::OrderItem& item, const Clause& clause,
                                           BoundSelect& select);
   [[nodiscard]] std::optional<std::size_t> outputPosition(const tsql::Expression& expression,
                                                           const std::vector<OutputColumn>& columns);
@@ -95,19 +90,19 @@ class QueryBinder {
                                        Conversion conversion);
 
   // ---- bind_source.cpp, bind_applied.cpp
-  [[nodiscard]] std::string bindSource(const tsql::TableSource& source, Scope& scope);
-  [[nodiscard]] std::string bindDerived(const tsql::DerivedTable& derived, const std::string& alias,
-                                        Scope& scope);
-  [[nodiscard]] std::string bindJoin(const tsql::Join& join, Scope& scope);
-  [[nodiscard]] std::string bindApply(const tsql::Join& join, Scope& scope);
-  [[nodiscard]] std::string bindFunctionTable(const tsql::FunctionTable& function,
-                                              const std::string& alias, Scope& scope);
-  [[nodiscard]] std::string inlineApplied(const tsql::FunctionTable& function,
-                                          const std::string& alias, bool outer, Scope& scope);
+  [[nodiscard]] BoundSources bindSource(const tsql::TableSource& source, Scope& scope);
+  [[nodiscard]] BoundSources bindDerived(const tsql::DerivedTable& derived,
+                                         const std::string& alias, Scope& scope);
+  [[nodiscard]] BoundSources bindJoin(const tsql::Join& join, Scope& scope);
+  [[nodiscard]] BoundSources bindApply(const tsql::Join& join, Scope& scope);
+  [[nodiscard]] BoundSources bindFunctionTable(const tsql::FunctionTable& function,
+                                               const std::string& alias, Scope& scope);
+  [[nodiscard]] BoundSources inlineApplied(const tsql::FunctionTable& function,
+                                           const std::string& alias, bool outer, Scope& scope);
   [[nodiscard]] std::shared_ptr<const Routine> findFunction(
       const tsql::FunctionTable& function) const;
-  void bindArguments(const Routine& routine, const tsql::FunctionTable& function,
-                     const Scope& scope, QueryBinder& body);
+  Reach bindArguments(const Routine& routine, const tsql::FunctionTable& function,
+                      const Clause& clause, QueryBinder& body);
 
   const BindContext& context_;
   Translation& translation_;

@@ -17,6 +17,17 @@
 
 namespace azcoll::embedded {
 
+/// What a bound text takes from the queries around it. Texts are put together from texts, and their
+/// reaches are joined on the way up.
+struct Reach {
+  std::uint64_t levels = 0;  ///< the scopes that its columns were found in, a bit each
+  bool argument = false;     ///< a parameter of a function that stands for a column is in it
+};
+[[nodiscard]] inline Reach operator|(const Reach& left, const Reach& right) {
+  return {left.levels | right.levels, left.argument || right.argument};
+}
+inline Reach& operator|=(Reach& reach, const Reach& more) { return reach = reach | more; }
+
 /// The column of a table that a value comes from unchanged.
 struct Origin {
   std::shared_ptr<const Table> table;
@@ -32,23 +43,33 @@ struct BoundExpression {
   const tsql::Literal* literal = nullptr;  ///< of a pending constant
   bool isColumn = false;                   ///< a plain column: it brings its collation along
   std::optional<Origin> origin;
+  Reach reach;
 };
 
-/// An expression that SQLite reckons.
-[[nodiscard]] inline BoundExpression computed(std::string sql, const Type& type) {
+/// An expression that SQLite evaluates; `reach` is that of its operands.
+[[nodiscard]] inline BoundExpression computed(std::string sql, const Type& type,
+                                              const Reach& reach) {
   BoundExpression bound;
   bound.sql = std::move(sql);
   bound.type = type;
+  bound.reach = reach;
   return bound;
 }
 
 /// A bound condition.
 struct BoundCondition {
   std::string sql;
+  Reach reach;
   std::optional<bool> constant{};  ///< what two constants come to: it never changes
   /// Of `(column …)` with a bare column: the column's text, and what follows it up to the bracket.
   std::string column{};
   std::string test{};
+};
+
+/// The text of a FROM clause, or of a part of one.
+struct BoundSources {
+  std::string sql;
+  Reach reach;
 };
 
 /// A column of a derived table, of an inlined function or of another source that is no table.
@@ -80,13 +101,21 @@ struct Source {
   [[nodiscard]] BoundExpression column(std::size_t index) const;
 };
 
-/// The part of a grouped query that is being bound: what is not in its keys must be aggregated.
+/// The keys of a grouped query.
 struct Grouping {
-  bool active = false;
   std::set<std::string> columns;  ///< SQLite texts of the columns that are keys
-  std::set<std::string> printed;  ///< T-SQL texts of all keys
-  int number = 8120;              ///< message of the clause
-  std::string_view clause = "select list";
+  std::set<std::string> printed;  ///< T-SQL texts of the others
+};
+
+struct Scope;
+
+/// Where in a query an expression stands; it decides what may stand there.
+struct Clause {
+  const Scope& scope;
+  const Grouping* grouping = nullptr;  ///< a column that is none of its keys must be aggregated
+  bool aggregates = false;             ///< aggregates may stand here
+  int number = 8120;                   ///< the message about a column that is no key
+  std::string_view name = "select list";
 };
 
 /// Scopes beyond the last bit of a set of scopes share that bit.
@@ -102,20 +131,17 @@ inline constexpr std::size_t kLastLevelBit = 63;
   return level >= kLastLevelBit ? ~std::uint64_t{0} : levelBit(level) - 1;
 }
 
-/// The sources that names are looked up in, from a query outward.
+/// The sources of a query, in which names are looked up, and then in those around it.
 struct Scope {
-  const Scope* parent = nullptr;
+  const Clause* parent = nullptr;  ///< where the query itself stands
   std::size_t level = 0;
   std::vector<Source> sources;
   std::size_t visibleFrom = 0;  ///< an ON clause sees the sources of its own join only
-  /// Changes while one and the same query is bound, clause by clause.
-  mutable Grouping grouping;
-  mutable bool aggregatesAllowed = false;
-  /// What WHERE demands of a column by constants alone: text of the column → rest of the condition.
-  mutable std::unordered_multimap<std::string, std::string> constantFilters;
+  /// What WHERE demands of a column by constants alone: `test` of a condition by its `column`.
+  std::unordered_multimap<std::string, std::string> constantFilters;
 
-  explicit Scope(const Scope* outer)
-      : parent(outer), level(outer == nullptr ? 0 : outer->level + 1) {}
+  explicit Scope(const Clause* outer)
+      : parent(outer), level(outer == nullptr ? 0 : outer->scope.level + 1) {}
 };
 
 }  // namespace azcoll::embedded

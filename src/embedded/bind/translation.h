@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -18,8 +17,6 @@ struct Translation {
   std::vector<Slot> slots;
   std::vector<Guard>* guards = nullptr;
   std::size_t nextAlias = 1;
-  std::uint64_t touchedLevels = 0;  ///< scopes that a column was found in, a bit each
-  bool touchedArgument = false;     ///< a parameter of a function that stands for a column was used
   std::size_t functionDepth = 0;
   std::size_t queries = 0;  ///< SELECTs bound so far
   /// A constant that does not convert: reported when the statement runs, not when it is compiled.
