@@ -32,8 +32,8 @@ std::string_view arithmeticSymbol(tsql::BinaryOperator op) {
 
 std::string typeCode(const Type& type) { return std::to_string(encodeType(type)); }
 
-/// The type of a sum, difference or product of decimals; nothing where SQL Server would take digits
-/// behind the point away.
+/// The type of a sum, difference or product of decimals; nothing where SQL Server would take
+/// fractional digits away.
 std::optional<Type> decimalResult(tsql::BinaryOperator op, const Type& left, const Type& right) {
   constexpr int kMost = 38;
   if (op == tsql::BinaryOperator::Multiply) {

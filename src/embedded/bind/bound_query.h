@@ -34,14 +34,14 @@ struct BoundSelect {
   std::vector<OutputColumn> columns;
   std::string from;
   std::string where;
-  /// Conditions of which one holds besides `where`: apart, each is looked for by its own index.
+  /// Conditions of which one must hold with `where`: apart, each is found by its own index.
   std::vector<std::string> alternatives;
   std::string groupBy;
   std::string having;
   std::string orderBy;
   std::string limit;
   bool grouped = false;
-  bool oneGroup = false;  ///< one row over all rows, which no column of it shows by an aggregate
+  bool oneGroup = false;  ///< one row over all rows, although no column has an aggregate
   bool atMostOneRow = false;
   bool correlated = false;  ///< what is left depends on the surroundings
   std::vector<Correlation> correlations;

@@ -20,12 +20,14 @@ bool isMarker(const BoundExpression& expression) {
   return expression.pending && expression.pending->source == SlotSource::Marker;
 }
 
-/// Whether a value of `from` in SQLite is not yet one of `to`.
+/// Whether a value of `from` in SQLite is not yet one of `to`. Where it is one already, the text
+/// stays a bare column and an index on it serves.
 bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
   if (from.kind == TypeKind::Null || to.kind == TypeKind::Null || from == to) {
     return false;
   }
   if (conversion == Conversion::Compare) {
+    // Compared are values, whatever lengths and precisions their types allow.
     return !sameForm(from, to);
   }
   if (from.isText() && to.isText()) {
@@ -34,7 +36,7 @@ bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
     return !fits || (to.isPadded() && !(from.isPadded() && from.length == to.length));
   }
   if (from.isInteger() && to.isInteger()) {
-    return to.kind < from.kind;
+    return to.kind < from.kind;  // a narrower type has to refuse what it cannot hold
   }
   if (from.isDecimal() && to.isDecimal()) {
     return !sameForm(from, to) || to.precision < from.precision;
@@ -50,6 +52,7 @@ bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
 BoundExpression Constants::bindLiteral(const tsql::Literal& literal) const {
   BoundExpression bound;
   bound.type = literalType(literal.kind, literal.text);
+  // The word NULL belongs to the shape: it need not be bound, and SQLite sees that it is one.
   if (literal.kind == tsql::LiteralKind::Null &&
       (literal.ordinal == tsql::kNotLifted || context_.constantsInside)) {
     bound.sql = "NULL";
@@ -115,6 +118,7 @@ std::string Constants::inOwnType(BoundExpression& expression) {
   if (expression.type.kind == TypeKind::Null) {
     return "NULL";
   }
+  // Texts and floats of all constants have one type each; a number has the type of its digits.
   if (!expression.type.isText() && !expression.type.isFloat()) {
     guard(expression, Guard::Kind::SameType, expression.type);
   }
@@ -176,6 +180,8 @@ Type Constants::unifyPending(const BoundExpression& pending, const Type& known,
   }
   const bool whole = own.isInteger() || (own.isDecimal() && own.scale == 0 && !own.isWide());
   if (known.isInteger() && whole) {
+    // SQLite's integers have 64 bits whatever the column's type is: any constant of at most 18
+    // digits is compared as it is, and the column needs no conversion.
     guard(pending, Guard::Kind::SmallInteger, {});
     return known;
   }
@@ -183,9 +189,11 @@ Type Constants::unifyPending(const BoundExpression& pending, const Type& known,
     return known;
   }
   if (known.isDecimal() && own.isDecimal() && own.scale <= known.scale) {
+    // More fractional digits than the column has would need a conversion of the column.
     guard(pending, Guard::Kind::Scale, known);
     return known;
   }
+  // Every number becomes a FLOAT where it meets one: its digits do not matter to the plan.
   if (known.isFloat() && own.isNumber()) {
     return kFloat;
   }
@@ -198,6 +206,7 @@ Type Constants::unifyPending(const BoundExpression& pending, const Type& known,
 Type Constants::unify(const std::vector<BoundExpression*>& operands,
                       const tsql::Position& position) {
   Type known;
+  // What has a text decides: a constant can be converted now, a column only row by row.
   for (const BoundExpression* const operand : operands) {
     if (!operand->pending) {
       known = requireCommonType(known, operand->type, position);
@@ -216,7 +225,7 @@ Type Constants::unify(const std::vector<BoundExpression*>& operands,
       known = unifyPending(*operand, known, position);
     }
   }
-  return known.kind == TypeKind::Null ? kInt : known;
+  return known.kind == TypeKind::Null ? kInt : known;  // NULL alone counts as INT
 }
 
 std::string Constants::coerceToCompare(BoundExpression& expression, const Type& common) {
@@ -225,6 +234,8 @@ std::string Constants::coerceToCompare(BoundExpression& expression, const Type& 
   }
   const Type& own = expression.type;
   const bool number = own.isNumber() || isMarker(expression);
+  // A constant is compared as it is: it must be neither cut to the length or precision of what it
+  // meets nor refused for not fitting, only brought into the same form of storage.
   if (common.isText()) {
     return emitSlot(expression, common.isUnicode() ? kNVarChar : kVarChar, Conversion::Compare);
   }
@@ -235,6 +246,7 @@ std::string Constants::coerceToCompare(BoundExpression& expression, const Type& 
     return emitSlot(expression, kBigInt, Conversion::Compare);
   }
   if (common.isDecimal()) {
+    // A text that meets a decimal is read as that decimal, and what does not fit is an error.
     const Type widest = decimalType(common.isWide() ? 38 : 18, common.scale);
     return emitSlot(expression, number ? widest : common,
                     number ? Conversion::Compare : Conversion::Cut);

@@ -28,15 +28,15 @@ std::string renderOperand(const BoundQuery& query, bool isRight) {
   return render(query);
 }
 
-/// From FROM on; `besides` is one more condition, or "".
-std::string renderTail(const BoundSelect& select, const std::string& besides) {
+/// From FROM on; `more` is one more condition, or "".
+std::string renderTail(const BoundSelect& select, const std::string& more) {
   std::string sql;
   if (!select.from.empty()) {
     sql += " FROM " + select.from;
   }
-  if (!select.where.empty() || !besides.empty()) {
+  if (!select.where.empty() || !more.empty()) {
     sql += " WHERE " + select.where;
-    sql += (select.where.empty() || besides.empty() ? "" : " AND ") + besides;
+    sql += (select.where.empty() || more.empty() ? "" : " AND ") + more;
   }
   if (!select.groupBy.empty()) {
     sql += " GROUP BY " + select.groupBy;

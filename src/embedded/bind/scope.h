@@ -126,7 +126,7 @@ inline constexpr std::size_t kLastLevelBit = 63;
   return std::uint64_t{1} << (level < kLastLevelBit ? level : kLastLevelBit);
 }
 
-/// The bits of all scopes outside of `level`; all bits where that cannot be told apart.
+/// The bits of all scopes outside of `level`; all bits where they share one.
 [[nodiscard]] constexpr std::uint64_t outerLevels(std::size_t level) {
   return level >= kLastLevelBit ? ~std::uint64_t{0} : levelBit(level) - 1;
 }

@@ -140,18 +140,18 @@ Node Compiler::compileDeferred(Plan& plan, const tsql::Statement& statement) con
 }
 
 template <typename Bind>
-Piece Compiler::piece(Work& work, Bind bind) const {
+PreparedStatement Compiler::prepare(Work& work, Bind bind) const {
   Translation translation;
   translation.guards = &work.plan.guards;
   const BindContext context{&catalogue_, &work.plan.variables, work.text, work.plan.constantsInside,
                             settings_.rewriteIn};
   Binder binder(context, translation);
-  Piece piece;
-  piece.sql = bind(binder);
-  piece.statement = database_.prepare(piece.sql);
-  piece.slots = std::move(translation.slots);
-  piece.failure = std::move(translation.failure);
-  return piece;
+  PreparedStatement prepared;
+  prepared.sql = bind(binder);
+  prepared.statement = database_.prepare(prepared.sql);
+  prepared.slots = std::move(translation.slots);
+  prepared.failure = std::move(translation.failure);
+  return prepared;
 }
 
 void Compiler::compileAll(Work& work, const std::vector<tsql::StatementPtr>& statements,
@@ -194,7 +194,7 @@ template <typename Bind>
 Node Compiler::compileChange(Work& work, ChangeKind kind, Bind bind) const {
   ChangeNode change;
   change.kind = kind;
-  change.piece = piece(work, [&](Binder& binder) {
+  change.prepared = prepare(work, [&](Binder& binder) {
     BoundChange bound = bind(binder);
     change.table = std::move(bound.table);
     change.computed = std::move(bound.computed);
@@ -227,7 +227,7 @@ Node Compiler::compileNode(Work& work, const tsql::Statement& statement) const {
   } else if (const auto* const branch = std::get_if<tsql::IfStatement>(&statement.node)) {
     IfNode result;
     result.condition =
-        piece(work, [&](Binder& binder) { return binder.bindTest(*branch->condition); });
+        prepare(work, [&](Binder& binder) { return binder.bindTest(*branch->condition); });
     result.then = std::make_unique<Node>(compile(work, *branch->then));
     if (branch->otherwise) {
       result.otherwise = std::make_unique<Node>(compile(work, *branch->otherwise));
@@ -236,7 +236,7 @@ Node Compiler::compileNode(Work& work, const tsql::Statement& statement) const {
   } else if (const auto* const loop = std::get_if<tsql::WhileStatement>(&statement.node)) {
     WhileNode result;
     result.condition =
-        piece(work, [&](Binder& binder) { return binder.bindTest(*loop->condition); });
+        prepare(work, [&](Binder& binder) { return binder.bindTest(*loop->condition); });
     result.body = std::make_unique<Node>(compile(work, *loop->body));
     node.node = std::move(result);
   } else if (const auto* const block = std::get_if<tsql::BlockStatement>(&statement.node)) {
@@ -303,14 +303,14 @@ Node Compiler::compileSelect(Work& work, const tsql::SelectStatement& statement)
   Node node;
   if (assigns(statement)) {
     AssignNode assignment;
-    assignment.piece = piece(work, [&](Binder& binder) {
+    assignment.prepared = prepare(work, [&](Binder& binder) {
       return binder.bindAssignments(*statement.query, assignment.targets);
     });
     node.node = std::move(assignment);
     return node;
   }
   SelectNode select;
-  select.piece = piece(
+  select.prepared = prepare(
       work, [&](Binder& binder) { return binder.bindSelect(*statement.query, select.columns); });
   node.node = std::move(select);
   return node;
@@ -353,7 +353,7 @@ void Compiler::declareTable(Work& work, const tsql::VariableDeclaration& declara
     database_.execute(sql);
   }
   work.plan.makesTempTables = true;
-  Piece clearing;
+  PreparedStatement clearing;
   clearing.sql = "DELETE FROM " + table->sqlName;
   clearing.statement = database_.prepare(clearing.sql);
   work.plan.clearings.push_back(std::move(clearing));
@@ -370,7 +370,8 @@ Node Compiler::assign(Work& work, const std::string& name, const tsql::Expressio
   }
   const Type& type = variables.scalars[found->second].type;
   assignment.targets.push_back({found->second, type});
-  assignment.piece = piece(work, [&](Binder& binder) { return binder.bindValue(value, type); });
+  assignment.prepared =
+      prepare(work, [&](Binder& binder) { return binder.bindValue(value, type); });
   Node node;
   node.node = std::move(assignment);
   return node;

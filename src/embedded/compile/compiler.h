@@ -51,7 +51,7 @@ class Compiler {
   template <typename Bind>
   [[nodiscard]] Node compileChange(Work& work, ChangeKind kind, Bind bind) const;
   template <typename Bind>
-  [[nodiscard]] Piece piece(Work& work, Bind bind) const;
+  [[nodiscard]] PreparedStatement prepare(Work& work, Bind bind) const;
 
   const SqliteDatabase& database_;
   const Catalogue& catalogue_;

@@ -151,10 +151,10 @@ void text(const FunctionCallFrame& frame) {
 
 const std::vector<FunctionEntry>& dateFunctions() {
   static const std::vector<FunctionEntry> kFunctions{
-      {"ts_date_part", 2, guarded<part>},
-      {"ts_date_add", 4, guarded<add>},
-      {"ts_date_difference", 3, guarded<difference>},
-      {"ts_date_text", 3, guarded<text>},
+      {"ts_date_part", 2, reportingErrors<part>},
+      {"ts_date_add", 4, reportingErrors<add>},
+      {"ts_date_difference", 3, reportingErrors<difference>},
+      {"ts_date_text", 3, reportingErrors<text>},
   };
   return kFunctions;
 }

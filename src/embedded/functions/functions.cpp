@@ -51,10 +51,10 @@ void top(const FunctionCallFrame& frame) {
 }
 
 constexpr std::array<FunctionEntry, 4> kGeneral{{
-    {"ts_cast", 4, guarded<castValue>},
-    {"ts_var", 1, guarded<readVariable>, false},
-    {"ts_single", 2, guarded<single>},
-    {"ts_top", 1, guarded<top>},
+    {"ts_cast", 4, reportingErrors<castValue>},
+    {"ts_var", 1, reportingErrors<readVariable>, false},
+    {"ts_single", 2, reportingErrors<single>},
+    {"ts_top", 1, reportingErrors<top>},
 }};
 
 void require(sqlite3* database, int code) {

@@ -75,7 +75,7 @@ struct FunctionEntry {
 
 /// Runs `Body` and turns what it throws into an error of the statement.
 template <void (*Body)(const FunctionCallFrame&)>
-void guarded(sqlite3_context* context, int count, sqlite3_value** arguments) {
+void reportingErrors(sqlite3_context* context, int count, sqlite3_value** arguments) {
   const FunctionCallFrame frame(context, count, arguments);
   try {
     Body(frame);

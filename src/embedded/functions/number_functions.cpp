@@ -194,23 +194,23 @@ void finishAverage(const FunctionCallFrame& frame) {
 
 template <void (*Body)(const FunctionCallFrame&)>
 void finish(sqlite3_context* context) {
-  guarded<Body>(context, 0, nullptr);
+  reportingErrors<Body>(context, 0, nullptr);
 }
 
 }  // namespace
 
 const std::vector<FunctionEntry>& numberFunctions() {
   static const std::vector<FunctionEntry> kFunctions{
-      {"ts_integer", 2, guarded<checkInteger>},
-      {"ts_divide", 3, guarded<divide>},
-      {"ts_modulo", 3, guarded<modulo>},
-      {"ts_float", 1, guarded<checkFloat>},
-      {"ts_float_divide", 2, guarded<divideFloats>},
-      {"ts_wide_negate", 1, guarded<negateWide>},
-      {"ts_wide_abs", 1, guarded<absoluteWide>},
-      {"ts_wide_add", 2, guarded<addWide>},
-      {"ts_wide_subtract", 2, guarded<subtractWide>},
-      {"ts_wide_multiply", 2, guarded<multiplyWide>},
+      {"ts_integer", 2, reportingErrors<checkInteger>},
+      {"ts_divide", 3, reportingErrors<divide>},
+      {"ts_modulo", 3, reportingErrors<modulo>},
+      {"ts_float", 1, reportingErrors<checkFloat>},
+      {"ts_float_divide", 2, reportingErrors<divideFloats>},
+      {"ts_wide_negate", 1, reportingErrors<negateWide>},
+      {"ts_wide_abs", 1, reportingErrors<absoluteWide>},
+      {"ts_wide_add", 2, reportingErrors<addWide>},
+      {"ts_wide_subtract", 2, reportingErrors<subtractWide>},
+      {"ts_wide_multiply", 2, reportingErrors<multiplyWide>},
   };
   return kFunctions;
 }
@@ -225,7 +225,7 @@ void registerAggregates(sqlite3* database, RuntimeState& state) {
         Aggregate{"ts_sum", finish<finishSum>}, Aggregate{"ts_average", finish<finishAverage>}}) {
     const int code = sqlite3_create_function_v2(
         database, aggregate.name, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS | SQLITE_DETERMINISTIC, &state,
-        nullptr, guarded<addToSum>, aggregate.finish, nullptr);
+        nullptr, reportingErrors<addToSum>, aggregate.finish, nullptr);
     if (code != SQLITE_OK) {
       throw SqliteFailure{code, sqlite3_errmsg(database)};
     }

@@ -18,8 +18,8 @@
 
 namespace azcoll::embedded {
 
-/// An SQLite statement and what its parameters are.
-struct Piece {
+/// An SQLite statement with what its parameters are.
+struct PreparedStatement {
   std::string sql;
   SqliteStatement statement;
   std::vector<Slot> slots;
@@ -31,19 +31,19 @@ using NodePtr = std::unique_ptr<Node>;
 
 /// Gives a result set.
 struct SelectNode {
-  Piece piece;
+  PreparedStatement prepared;
   std::vector<ResultColumn> columns;
   ColumnList shown{};  ///< the same for the results; filled at the first run
 };
 /// Gives values to variables, row by row: SELECT @v = …, SET, DECLARE with a first value.
 struct AssignNode {
-  Piece piece;
+  PreparedStatement prepared;
   std::vector<AssignTarget> targets;
   bool isSet = false;  ///< SET, DECLARE: no result means NULL
 };
 enum class ChangeKind : std::uint8_t { Insert, Update, Delete };
 struct ChangeNode {
-  Piece piece;
+  PreparedStatement prepared;
   ChangeKind kind = ChangeKind::Insert;
   Catalogue::TablePtr table;
   std::vector<std::size_t> computed;  ///< columns that an UPDATE computes from the row
@@ -53,12 +53,12 @@ struct DeferredNode {
   const tsql::Statement* statement = nullptr;
 };
 struct IfNode {
-  Piece condition;
+  PreparedStatement condition;
   NodePtr then;
   NodePtr otherwise;
 };
 struct WhileNode {
-  Piece condition;
+  PreparedStatement condition;
   NodePtr body;
 };
 struct BlockNode {
@@ -99,7 +99,7 @@ struct Plan {
   bool constantsInside = false;  ///< constants are part of the SQLite texts: nothing to bind
   std::vector<Guard> guards;
   VariableTable variables;
-  std::vector<Piece> clearings;  ///< empty the table variables
+  std::vector<PreparedStatement> clearings;  ///< empty the table variables
   BlockNode body;
   bool cacheable = true;
   bool changesData = false;  ///< may do more than read

@@ -5,7 +5,7 @@
 
 namespace azcoll::embedded {
 
-/// A column of a result: what callers are told of it, and how its values are read.
+/// A column of a result: what callers learn of it, and how its values are read.
 struct ResultColumn {
   ColumnInfo info;
   Type type;

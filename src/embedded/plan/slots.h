@@ -40,7 +40,7 @@ struct Guard {
     SameText,      ///< it is part of the plan: an ordinal of ORDER BY, the length of a type
     SameType,      ///< its own type is that of a result, or decides about conversions
     SmallInteger,  ///< a whole number of at most 18 digits
-    Scale          ///< a decimal of at most `type.scale` digits behind the point
+    Scale          ///< a decimal of at most `type.scale` fractional digits
   };
   Kind kind = Kind::SameText;
   std::size_t ordinal = 0;

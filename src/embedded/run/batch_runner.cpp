@@ -22,15 +22,15 @@ constexpr std::size_t kDeepestCall = 32;
 /// Ends a statement's execution on every way out, so that it holds no lock.
 class Execution {
  public:
-  explicit Execution(const Piece& piece) : piece_(piece) {}
+  explicit Execution(const PreparedStatement& prepared) : prepared_(prepared) {}
   Execution(const Execution&) = delete;
   Execution(Execution&&) = delete;
   Execution& operator=(const Execution&) = delete;
   Execution& operator=(Execution&&) = delete;
-  ~Execution() { piece_.statement.reset(); }
+  ~Execution() { prepared_.statement.reset(); }
 
  private:
-  const Piece& piece_;
+  const PreparedStatement& prepared_;
 };
 
 /// Lets the functions of statements see the variables of the batch that is running.
@@ -88,7 +88,7 @@ void BatchRunner::run() {
     variables_.resize(plan_.variables.scalars.size());
   }
   const VisibleVariables visible(session_.runtime, variables_);
-  for (const Piece& clearing : plan_.clearings) {
+  for (const PreparedStatement& clearing : plan_.clearings) {
     clearing.statement.run();
   }
   runBlock(plan_.body);
@@ -187,9 +187,9 @@ BatchRunner::Flow BatchRunner::runDeferred(const DeferredNode& deferred) {
 }
 
 void BatchRunner::select(SelectNode& node) {
-  bind(node.piece);
-  const Execution execution(node.piece);
-  sqlite3_stmt* const statement = node.piece.statement.get();
+  bind(node.prepared);
+  const Execution execution(node.prepared);
+  sqlite3_stmt* const statement = node.prepared.statement.get();
   result_.results.emplace_back();
   ResultSet& set = result_.results.back();
   if (node.shown.size() != node.columns.size()) {
@@ -202,7 +202,7 @@ void BatchRunner::select(SelectNode& node) {
   }
   set.columns = node.shown;
   std::int64_t rows = 0;
-  while (node.piece.statement.step()) {
+  while (node.prepared.statement.step()) {
     int index = 0;
     for (const ResultColumn& column : node.columns) {
       set.values.push_back(readColumn(statement, index++, column.type));
@@ -210,15 +210,15 @@ void BatchRunner::select(SelectNode& node) {
     ++rows;
   }
   session_.rowCount = rows;
-  noticeReprepare(node.piece);
+  noticeReprepare(node.prepared);
 }
 
 void BatchRunner::assign(AssignNode& node) {
-  bind(node.piece);
-  const Execution execution(node.piece);
-  sqlite3_stmt* const statement = node.piece.statement.get();
+  bind(node.prepared);
+  const Execution execution(node.prepared);
+  sqlite3_stmt* const statement = node.prepared.statement.get();
   std::int64_t rows = 0;
-  while (node.piece.statement.step()) {
+  while (node.prepared.statement.step()) {
     int index = 0;
     for (const AssignTarget& target : node.targets) {
       variables_[target.variable] = readValue(statement, index++);
@@ -229,9 +229,9 @@ void BatchRunner::assign(AssignNode& node) {
 }
 
 void BatchRunner::change(ChangeNode& node) {
-  bind(node.piece);
+  bind(node.prepared);
   try {
-    node.piece.statement.run();
+    node.prepared.statement.run();
   } catch (const SqliteFailure& failure) {
     constexpr int kPrimaryCode = 0xFF;
     if (session_.runtime.failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
@@ -239,7 +239,7 @@ void BatchRunner::change(ChangeNode& node) {
     }
     throw ConstraintReporter(session_, node).explain(failure);
   }
-  noticeReprepare(node.piece);
+  noticeReprepare(node.prepared);
   countChange(node, sqlite3_changes64(session_.database.get()));
 }
 
@@ -254,10 +254,10 @@ void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {
   }
 }
 
-bool BatchRunner::test(Piece& piece) {
-  bind(piece);
-  const Execution execution(piece);
-  return piece.statement.step() && piece.statement.integer(0) != 0;
+bool BatchRunner::test(PreparedStatement& prepared) {
+  bind(prepared);
+  const Execution execution(prepared);
+  return prepared.statement.step() && prepared.statement.integer(0) != 0;
 }
 
 void BatchRunner::transact(tsql::TransactionVerb verb) {
@@ -325,8 +325,8 @@ void BatchRunner::passBack(const ExecuteNode& node, const BatchRunner& callee) {
 }
 
 /// SQLite prepared a statement anew by itself: the schema changed under the plan.
-void BatchRunner::noticeReprepare(const Piece& piece) {
-  if (sqlite3_stmt_status(piece.statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1) > 0) {
+void BatchRunner::noticeReprepare(const PreparedStatement& prepared) {
+  if (sqlite3_stmt_status(prepared.statement.get(), SQLITE_STMTSTATUS_REPREPARE, 1) > 0) {
     session_.schemaUncertain = true;
   }
 }

@@ -46,13 +46,13 @@ class BatchRunner {
   void passBack(const ExecuteNode& node, const BatchRunner& callee);
   [[nodiscard]] Value argumentValue(const tsql::Expression& expression, const Type& type) const;
   void transact(tsql::TransactionVerb verb);
-  [[nodiscard]] bool test(Piece& piece);
+  [[nodiscard]] bool test(PreparedStatement& prepared);
 
-  void bind(const Piece& piece);
+  void bind(const PreparedStatement& prepared);
   void bindSlot(sqlite3_stmt* statement, int position, const Slot& slot);
   void bindLiteral(sqlite3_stmt* statement, int position, const Slot& slot);
   [[nodiscard]] Value slotValue(const Slot& slot) const;
-  void noticeReprepare(const Piece& piece);
+  void noticeReprepare(const PreparedStatement& prepared);
 
   Surroundings surroundings_;
   Session& session_;

@@ -122,9 +122,9 @@ SqlError ConstraintReporter::explainNull(std::string_view detail) const {
 
 /// Runs the change again, inside a trial: to fail as before, or to see what it leaves.
 void ConstraintReporter::rerun() const {
-  node_.piece.statement.reset();
+  node_.prepared.statement.reset();
   try {
-    node_.piece.statement.run();
+    node_.prepared.statement.run();
   } catch (const SqliteFailure&) {
     // As it did before.
   }
@@ -254,7 +254,7 @@ std::string ConstraintReporter::conflict(std::string_view kind, const Constraint
                      std::string(kind) + " constraint \"" + constraint.name +
                      "\". The conflict occurred in database \"" + session_.databaseName +
                      "\", table \"" + ownName(table) + "\"";
-  // A key of several columns is told without them.
+  // A key of several columns is reported without them.
   if (columns.size() == 1) {
     text += ", column '" + table.columns[columns.front()].name + "'";
   }
@@ -280,7 +280,7 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
   }
   const std::int64_t id = rows.integer(0);
   rows.reset();
-  // SQLite numbers the keys by itself: they are told apart by their columns.
+  // SQLite numbers the keys by itself: they are distinguished by their columns.
   const SqliteStatement parts =
       database.prepare("SELECT \"table\", \"from\" FROM pragma_foreign_key_list(" +
                        quoteText(child.storeName) + ") WHERE id = ?1 ORDER BY seq");

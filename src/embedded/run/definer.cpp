@@ -168,7 +168,8 @@ void Definer::createRoutine(const std::string& source) {
     }
   }
   atomically([&] {
-    // What is wrong inside is told now, except for objects that may be made until the first call.
+    // What is wrong inside is reported now, except for objects that may be made until the first
+    // call.
     surroundings_.plans.checkRoutine(*routine);
     CatalogueStore(session_.database)
         .add(routine->isFunction ? "FUNCTION" : "PROCEDURE", routine->name, "", source);

@@ -38,13 +38,13 @@ bool isAlready(const Type& from, const Type& to) {
 
 }  // namespace
 
-void BatchRunner::bind(const Piece& piece) {
-  if (piece.failure) {
-    throw *piece.failure;
+void BatchRunner::bind(const PreparedStatement& prepared) {
+  if (prepared.failure) {
+    throw *prepared.failure;
   }
   int position = 0;
-  for (const Slot& slot : piece.slots) {
-    bindSlot(piece.statement.get(), ++position, slot);
+  for (const Slot& slot : prepared.slots) {
+    bindSlot(prepared.statement.get(), ++position, slot);
   }
 }
 

@@ -193,8 +193,8 @@ Value toFloat(const Value& value, const Type& from, const Type& to) {
 
 // ---------------------------------------------------------------- to dates and texts
 
-/// The moment `digits` (with `scale` of them behind the point) days after 1 January 1900, to the
-/// nearest 1/300 second; nothing outside the calendar.
+/// The moment `digits` (`scale` of them fractional) days after 1 January 1900, to the nearest 1/300
+/// second; nothing outside the calendar.
 std::optional<Date> momentOfDays(Int128 digits, int scale) {
   constexpr Int128 kTicks = 25'920'000;  // of a day
   constexpr int kTickZeros = 4;          // that a number of ticks ends in

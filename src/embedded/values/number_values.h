@@ -32,7 +32,7 @@ struct IntegerRange {
 /// The digits at `scale` of a double, by its 17 significant digits; nothing beyond 38 digits.
 [[nodiscard]] std::optional<Int128> digitsOfDouble(double number, int scale);
 
-/// A double with six digits behind the point, as messages show it.
+/// A double with six fractional digits, as messages show it.
 [[nodiscard]] std::string fixedText(double number);
 
 /// A wide decimal as the 16 bytes that sort as the numbers do, and back.

@@ -17,7 +17,7 @@ class SqlError : public std::runtime_error {
   SqlError(int number, const std::string& message) : std::runtime_error(message), number_(number) {}
 
   [[nodiscard]] int number() const { return number_; }
-  /// Whether SQL Server tells besides that the statement was terminated (message 3621).
+  /// Whether SQL Server also reports that the statement was terminated (message 3621).
   [[nodiscard]] bool terminatesStatement() const;
 
  private:

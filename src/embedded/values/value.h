@@ -8,7 +8,7 @@
 
 namespace azcoll::embedded {
 
-/// A value of the engine. What it stands for is told by the `Type` that goes with it: an integer is
+/// A value of the engine. The `Type` that goes with it says what it stands for: an integer is
 /// a number, a bit or the digits of a decimal of up to 18 digits (without its point); `Wide` the
 /// digits of a longer decimal; a text is a text, or a date as `yyyy-mm-dd[ hh:mm:ss.fff]`.
 struct Value {
