@@ -80,13 +80,21 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
     }
     return computed((name == "MIN" ? "min" : "max") + list, type, operand.reach);
   }
+  return bindTotal(name == "SUM", list, operand, position);
+}
+
+/// SUM or AVG; `list` is the argument in brackets.
+BoundExpression ExpressionBinder::bindTotal(bool sum, const std::string& list,
+                                            const BoundExpression& operand,
+                                            const tsql::Position& position) const {
+  const Type& type = operand.type;
   if (!type.isNumber() || type.kind == TypeKind::Bit) {
     throw SqlError(8117, "Operand data type " + std::string(typeName(type)) + " is invalid for " +
-                             (name == "SUM" ? "sum" : "avg") + " operator.");
+                             (sum ? "sum" : "avg") + " operator.");
   }
   // Small integers are summed as INT.
   const Type sumType = type.kind == TypeKind::BigInt ? kBigInt : kInt;
-  if (name == "SUM") {
+  if (sum) {
     if (type.isDecimal()) {
       return computed("ts_sum_decimal" + list, decimalType(38, type.scale), operand.reach);
     }

@@ -34,6 +34,15 @@ char partCode(const tsql::Expression& expression) {
   return 0;
 }
 
+/// The same as a constant of SQLite; `text` is the batch, for messages.
+std::string partText(const tsql::Expression& expression, std::string_view text) {
+  const char code = partCode(expression);
+  if (code == 0) {
+    refuse(text, expression.position, "this part of a date");
+  }
+  return "'" + std::string(1, code) + "'";
+}
+
 }  // namespace
 
 std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view name,
@@ -48,13 +57,6 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
     type = date.type.isDate() ? date.type : kDateTime;
     constants_.requireConvertible(date.type, type, position);
     return constants_.coerce(date, type, Conversion::Compare);
-  };
-  const auto part = [&] {
-    const char code = partCode(*call.arguments.front());
-    if (code == 0) {
-      refuse(context_.text, call.arguments.front()->position, "this part of a date");
-    }
-    return "'" + std::string(1, code) + "'";
   };
   Type type;
   if (name == "GETDATE" || name == "CURRENT_TIMESTAMP") {
@@ -73,13 +75,13 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
   }
   if (name == "DATEPART") {
     requireArguments(call, 2, 2);
-    const std::string code = part();
+    const std::string code = partText(*call.arguments.front(), context_.text);
     const std::string date = bindDate(*call.arguments[1], type);
     return computed("ts_date_part(" + code + "," + date + ")", kInt, reach);
   }
   if (name == "DATEADD") {
     requireArguments(call, 3, 3);
-    const std::string code = part();
+    const std::string code = partText(*call.arguments.front(), context_.text);
     BoundExpression count = bind(*call.arguments[1], clause);
     reach |= count.reach;
     const std::string number = constants_.coerce(count, kInt, Conversion::Cut);
@@ -90,7 +92,7 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
   }
   if (name == "DATEDIFF") {
     requireArguments(call, 3, 3);
-    const std::string code = part();
+    const std::string code = partText(*call.arguments.front(), context_.text);
     const std::string from = bindDate(*call.arguments[1], type);
     const std::string to = bindDate(*call.arguments[2], type);
     return computed("ts_date_difference(" + code + "," + from + "," + to + ")", kInt, reach);

@@ -256,11 +256,11 @@ BoundExpression ExpressionBinder::evaluateFloats(tsql::BinaryOperator op, BoundE
                   left.reach | right.reach);
 }
 
-BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::Position& position,
-                                           const Clause& clause) {
-  std::string sql = "CASE";
-  Reach reach;
-  std::vector<BoundExpression> results;
+/// What stands between WHEN and THEN; what stands before the first WHEN is added to `sql`.
+std::vector<std::string> ExpressionBinder::bindTests(const tsql::Case& node,
+                                                     const tsql::Position& position,
+                                                     const Clause& clause, std::string& sql,
+                                                     Reach& reach) {
   std::vector<std::string> tests;
   if (node.operand) {
     BoundExpression operand = bind(*node.operand, clause);
@@ -289,6 +289,15 @@ BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::P
       tests.push_back(std::move(test.sql));
     }
   }
+  return tests;
+}
+
+BoundExpression ExpressionBinder::bindCase(const tsql::Case& node, const tsql::Position& position,
+                                           const Clause& clause) {
+  std::string sql = "CASE";
+  Reach reach;
+  std::vector<BoundExpression> results;
+  const std::vector<std::string> tests = bindTests(node, position, clause, sql, reach);
   for (const tsql::CaseBranch& branch : node.branches) {
     results.push_back(bind(*branch.then, clause));
   }

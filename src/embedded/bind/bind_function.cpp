@@ -20,6 +20,38 @@ Type textResult(const Type& type, std::int32_t length) {
   return {type.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar, length, 0, 0};
 }
 
+/// A function of texts and what it is in SQLite.
+struct TextFunction {
+  std::string_view name;
+  std::string_view sqlName;
+  std::size_t least;
+  std::size_t most;
+  std::size_t texts;  ///< leading arguments that are texts; the others are whole numbers
+  bool isNumber;      ///< gives a whole number
+};
+
+constexpr std::size_t kMany = 254;
+
+constexpr std::array<TextFunction, 17> kTextFunctions{{
+    {"LEN", "ts_len", 1, 1, 1, true},
+    {"LEFT", "ts_left", 2, 2, 1, false},
+    {"RIGHT", "ts_right", 2, 2, 1, false},
+    {"SUBSTRING", "ts_substring", 3, 3, 1, false},
+    {"UPPER", "ts_upper", 1, 1, 1, false},
+    {"LOWER", "ts_lower", 1, 1, 1, false},
+    {"LTRIM", "ts_ltrim", 1, 1, 1, false},
+    {"RTRIM", "ts_rtrim", 1, 1, 1, false},
+    {"TRIM", "ts_trim", 1, 1, 1, false},
+    {"REPLACE", "ts_replace", 3, 3, 3, false},
+    {"CHARINDEX", "ts_charindex", 2, 3, 2, true},
+    {"REPLICATE", "ts_replicate", 2, 2, 1, false},
+    {"SPACE", "ts_space", 1, 1, 0, false},
+    {"REVERSE", "ts_reverse", 1, 1, 1, false},
+    {"CONCAT", "ts_concat", 2, kMany, kMany, false},
+    {"CHAR", "ts_char", 1, 1, 0, false},
+    {"ASCII", "ts_ascii", 1, 1, 1, true},
+}};
+
 }  // namespace
 
 void ExpressionBinder::requireArguments(const tsql::FunctionCall& call, std::size_t least,
@@ -48,52 +80,16 @@ BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
     refuse(context_.text, position, "DISTINCT in the function " + name);
   }
   if (name == "ISNULL") {
-    requireArguments(call, 2, 2);
-    BoundExpression checked = bind(*call.arguments[0], clause);
-    BoundExpression replacement = bind(*call.arguments[1], clause);
-    if (checked.type.kind == TypeKind::Null) {
-      replacement.reach |= checked.reach;
-      return replacement;
-    }
-    const Type type = checked.type;
-    const std::string first = constants_.inOwnType(checked);
-    return computed(
-        "ifnull(" + first + "," + constants_.coerce(replacement, type, Conversion::Cut) + ")", type,
-        checked.reach | replacement.reach);
+    return bindIsNull(call, clause);
   }
   if (name == "COALESCE") {
     return bindCoalesce(call, position, clause);
   }
   if (name == "NULLIF") {
-    requireArguments(call, 2, 2);
-    BoundExpression value = bind(*call.arguments[0], clause);
-    BoundExpression other = bind(*call.arguments[1], clause);
-    const Type type = value.type;
-    const Type common = constants_.unify({&value, &other}, position);
-    if (!sameForm(type, common)) {
-      refuse(context_.text, position, "NULLIF of different types");
-    }
-    const bool collate = common.isText() && !value.isColumn;
-    const std::string first = value.pending ? constants_.inOwnType(value) : value.sql;
-    return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
-                        constants_.coerceToCompare(other, common) + ")",
-                    type, value.reach | other.reach);
+    return bindNullIf(call, position, clause);
   }
   if (name == "ABS") {
-    requireArguments(call, 1, 1);
-    BoundExpression value = bind(*call.arguments[0], clause);
-    if (!value.type.isNumber()) {
-      refuse(context_.text, position, "ABS of what is no number");
-    }
-    const std::string sql = constants_.inOwnType(value);
-    if (value.type.isWide()) {
-      return computed("ts_wide_abs(" + sql + ")", value.type, value.reach);
-    }
-    const std::string absolute = "abs(" + sql + ")";
-    return value.type.isInteger() ? computed("ts_integer(" + absolute + "," +
-                                                 std::to_string(encodeType(value.type)) + ")",
-                                             value.type, value.reach)
-                                  : computed(absolute, value.type, value.reach);
+    return bindAbs(call, position, clause);
   }
   if (name == "SCOPE_IDENTITY") {
     requireArguments(call, 0, 0);
@@ -107,6 +103,56 @@ BoundExpression ExpressionBinder::bindCall(const tsql::FunctionCall& call,
     return *date;
   }
   return bindTextCall(name, call, position, clause);
+}
+
+BoundExpression ExpressionBinder::bindIsNull(const tsql::FunctionCall& call, const Clause& clause) {
+  requireArguments(call, 2, 2);
+  BoundExpression checked = bind(*call.arguments[0], clause);
+  BoundExpression replacement = bind(*call.arguments[1], clause);
+  if (checked.type.kind == TypeKind::Null) {
+    replacement.reach |= checked.reach;
+    return replacement;
+  }
+  const Type type = checked.type;
+  const std::string first = constants_.inOwnType(checked);
+  return computed(
+      "ifnull(" + first + "," + constants_.coerce(replacement, type, Conversion::Cut) + ")", type,
+      checked.reach | replacement.reach);
+}
+
+BoundExpression ExpressionBinder::bindNullIf(const tsql::FunctionCall& call,
+                                             const tsql::Position& position, const Clause& clause) {
+  requireArguments(call, 2, 2);
+  BoundExpression value = bind(*call.arguments[0], clause);
+  BoundExpression other = bind(*call.arguments[1], clause);
+  const Type type = value.type;
+  const Type common = constants_.unify({&value, &other}, position);
+  if (!sameForm(type, common)) {
+    refuse(context_.text, position, "NULLIF of different types");
+  }
+  const bool collate = common.isText() && !value.isColumn;
+  const std::string first = value.pending ? constants_.inOwnType(value) : value.sql;
+  return computed("nullif(" + first + (collate ? std::string(kCollateClause) : "") + "," +
+                      constants_.coerceToCompare(other, common) + ")",
+                  type, value.reach | other.reach);
+}
+
+BoundExpression ExpressionBinder::bindAbs(const tsql::FunctionCall& call,
+                                          const tsql::Position& position, const Clause& clause) {
+  requireArguments(call, 1, 1);
+  BoundExpression value = bind(*call.arguments[0], clause);
+  if (!value.type.isNumber()) {
+    refuse(context_.text, position, "ABS of what is no number");
+  }
+  const std::string sql = constants_.inOwnType(value);
+  if (value.type.isWide()) {
+    return computed("ts_wide_abs(" + sql + ")", value.type, value.reach);
+  }
+  const std::string absolute = "abs(" + sql + ")";
+  return value.type.isInteger() ? computed("ts_integer(" + absolute + "," +
+                                               std::to_string(encodeType(value.type)) + ")",
+                                           value.type, value.reach)
+                                : computed(absolute, value.type, value.reach);
 }
 
 BoundExpression ExpressionBinder::bindCoalesce(const tsql::FunctionCall& call,
@@ -197,37 +243,9 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
                                                const tsql::FunctionCall& call,
                                                const tsql::Position& position,
                                                const Clause& clause) {
-  struct TextFunction {
-    std::string_view name;
-    std::string_view sqlName;
-    std::size_t least;
-    std::size_t most;
-    std::size_t texts;  ///< leading arguments that are texts; the others are whole numbers
-    bool isNumber;      ///< gives a whole number
-  };
-  constexpr std::size_t kMany = 254;
-  constexpr std::array<TextFunction, 17> kFunctions{{
-      {"LEN", "ts_len", 1, 1, 1, true},
-      {"LEFT", "ts_left", 2, 2, 1, false},
-      {"RIGHT", "ts_right", 2, 2, 1, false},
-      {"SUBSTRING", "ts_substring", 3, 3, 1, false},
-      {"UPPER", "ts_upper", 1, 1, 1, false},
-      {"LOWER", "ts_lower", 1, 1, 1, false},
-      {"LTRIM", "ts_ltrim", 1, 1, 1, false},
-      {"RTRIM", "ts_rtrim", 1, 1, 1, false},
-      {"TRIM", "ts_trim", 1, 1, 1, false},
-      {"REPLACE", "ts_replace", 3, 3, 3, false},
-      {"CHARINDEX", "ts_charindex", 2, 3, 2, true},
-      {"REPLICATE", "ts_replicate", 2, 2, 1, false},
-      {"SPACE", "ts_space", 1, 1, 0, false},
-      {"REVERSE", "ts_reverse", 1, 1, 1, false},
-      {"CONCAT", "ts_concat", 2, kMany, kMany, false},
-      {"CHAR", "ts_char", 1, 1, 0, false},
-      {"ASCII", "ts_ascii", 1, 1, 1, true},
-  }};
-  const auto* const found = std::find_if(kFunctions.begin(), kFunctions.end(),
+  const auto* const found = std::find_if(kTextFunctions.begin(), kTextFunctions.end(),
                                          [name](const auto& each) { return each.name == name; });
-  if (found == kFunctions.end()) {
+  if (found == kTextFunctions.end()) {
     refuse(context_.text, position, "the function " + std::string(name));
   }
   requireArguments(call, found->least, found->most);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "embedded/bind/constants.h"
 #include "embedded/bind/names.h"
@@ -51,6 +52,10 @@ class ExpressionBinder {
                                                const tsql::Position& position);
   [[nodiscard]] BoundExpression bindCase(const tsql::Case& node, const tsql::Position& position,
                                          const Clause& clause);
+  [[nodiscard]] std::vector<std::string> bindTests(const tsql::Case& node,
+                                                   const tsql::Position& position,
+                                                   const Clause& clause, std::string& sql,
+                                                   Reach& reach);
   [[nodiscard]] BoundExpression bindScalarQuery(const tsql::ScalarQuery& node,
                                                 const Clause& clause);
 
@@ -62,12 +67,20 @@ class ExpressionBinder {
   [[nodiscard]] BoundExpression bindAggregated(const tsql::Expression& argument,
                                                const tsql::Position& position,
                                                const Clause& clause);
+  [[nodiscard]] BoundExpression bindTotal(bool sum, const std::string& list,
+                                          const BoundExpression& operand,
+                                          const tsql::Position& position) const;
   [[nodiscard]] BoundExpression bindTextCall(std::string_view name, const tsql::FunctionCall& call,
                                              const tsql::Position& position, const Clause& clause);
   [[nodiscard]] std::optional<BoundExpression> bindDateCall(std::string_view name,
                                                             const tsql::FunctionCall& call,
                                                             const tsql::Position& position,
                                                             const Clause& clause);
+  [[nodiscard]] BoundExpression bindIsNull(const tsql::FunctionCall& call, const Clause& clause);
+  [[nodiscard]] BoundExpression bindNullIf(const tsql::FunctionCall& call,
+                                           const tsql::Position& position, const Clause& clause);
+  [[nodiscard]] BoundExpression bindAbs(const tsql::FunctionCall& call,
+                                        const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundExpression bindCoalesce(const tsql::FunctionCall& call,
                                              const tsql::Position& position, const Clause& clause);
   [[nodiscard]] BoundExpression bindCast(const tsql::Cast& node, const tsql::Position& position,
