@@ -1,6 +1,8 @@
 #include "embedded/bind/in_rewrite.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
 #include <utility>
 
 namespace azcoll::embedded {
