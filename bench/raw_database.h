@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "embedded/functions.h"
+#include "embedded/functions/functions.h"
 
 /// The floor: SQLite as a program uses it that has prepared its statements by hand.
 namespace azcoll::bench {

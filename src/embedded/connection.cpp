@@ -4,7 +4,8 @@
 
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
-#include "embedded/sql_error.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/types.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {

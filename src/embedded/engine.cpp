@@ -4,10 +4,14 @@
 #include <utility>
 
 #include "data/text.h"
-#include "embedded/batch_runner.h"
-#include "embedded/catalogue_store.h"
-#include "embedded/collation.h"
-#include "embedded/sql_error.h"
+#include "embedded/catalogue/store.h"
+#include "embedded/plan/guards.h"
+#include "embedded/plan/slots.h"
+#include "embedded/run/batch_runner.h"
+#include "embedded/values/collation.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/sql_error.h"
+#include "embedded/values/value.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {
@@ -30,8 +34,8 @@ Engine::Engine(const ConnectionSettings& settings, const EngineOptions& options)
     : options_(options),
       compilerSettings_{options.rewriteIn},
       path_(settings.dataSource),
-      databaseName_(nameOfDatabase(settings.dataSource)),
       cache_(kCachedShapes) {
+  session_.databaseName = nameOfDatabase(settings.dataSource);
   try {
     openFile(settings);
     configure(settings);
@@ -54,21 +58,21 @@ void Engine::openFile(const ConnectionSettings& settings) {
   if (memory || settings.create) {
     flags |= SQLITE_OPEN_CREATE;
   }
-  database_ = SqliteDatabase(path_, flags);
-  sqlite3_busy_timeout(database_.get(), settings.timeoutSeconds * 1000);
-  const CatalogueStore store(database_);
+  session_.database = SqliteDatabase(path_, flags);
+  sqlite3_busy_timeout(session_.database.get(), settings.timeoutSeconds * 1000);
+  const CatalogueStore store(session_.database);
   switch (store.inspect()) {
     case CatalogueStore::FileKind::Ours:
       break;
     case CatalogueStore::FileKind::Empty:
       if (memory || settings.create) {
-        database_.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
-        database_.execute("BEGIN IMMEDIATE");
+        session_.database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+        session_.database.execute("BEGIN IMMEDIATE");
         // Another process may have been quicker.
         if (store.inspect() == CatalogueStore::FileKind::Empty) {
           store.create();
         }
-        database_.execute("COMMIT");
+        session_.database.execute("COMMIT");
         break;
       }
       [[fallthrough]];
@@ -81,52 +85,43 @@ void Engine::openFile(const ConnectionSettings& settings) {
 }
 
 void Engine::configure(const ConnectionSettings& settings) {
-  sqlite3* const handle = database_.get();
+  sqlite3* const handle = session_.database.get();
   // A name in double quotes that is no column must never be taken for a text.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  registerFunctions(handle, *runtime_);
+  registerFunctions(handle, session_.runtime);
   if (!settings.readOnly) {
-    database_.execute("PRAGMA journal_mode = WAL");
+    session_.database.execute("PRAGMA journal_mode = WAL");
   }
-  database_.execute(
+  session_.database.execute(
       "PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA temp_store = MEMORY");
   if (!options_.optimizer) {
     constexpr unsigned kAllOptimizations = 0xFFFFFFFF;
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, handle, kAllOptimizations);
   }
-  sqlite3_progress_handler(handle, kStepsBetweenClockReadings, watchClock, this);
-  catalogueVersion_ = database_.prepare("PRAGMA user_version");
-}
-
-int Engine::watchClock(void* engine) {
-  auto& self = *static_cast<Engine*>(engine);
-  if (self.timeout_.count() == 0) {
-    return 0;
-  }
-  const auto now = std::chrono::steady_clock::now();
-  if (!self.started_) {
-    self.started_ = now;
-  }
-  return now - *self.started_ > self.timeout_ ? 1 : 0;
+  sqlite3_progress_handler(
+      handle, kStepsBetweenClockReadings,
+      [](void* limit) { return static_cast<TimeLimit*>(limit)->isOver() ? 1 : 0; },
+      &session_.timeLimit);
+  catalogueVersion_ = session_.database.prepare("PRAGMA user_version");
 }
 
 // ---------------------------------------------------------------- catalogue
 
 void Engine::reloadCatalogue() {
   forgetPlans();
-  CatalogueStore(database_).load(catalogue_);
+  CatalogueStore(session_.database).load(session_.catalogue);
   knownVersion_ = catalogueVersion_.step() ? catalogueVersion_.integer(0) : 0;
   catalogueVersion_.reset();
-  uncertain_ = false;
+  session_.schemaUncertain = false;
 }
 
 void Engine::refreshCatalogue() {
   if (isStale()) {
     reloadCatalogue();
   }
-  uncertain_ = false;
+  session_.schemaUncertain = false;
 }
 
 void Engine::definitionsChanged() {
@@ -145,10 +140,10 @@ void Engine::forgetPlans() {
 
 template <typename Action>
 auto Engine::translated(Action action) {
-  started_.reset();
-  runtime_->failure.reset();
+  session_.timeLimit.restart();
+  session_.runtime.failure.reset();
   try {
-    if (uncertain_) {
+    if (session_.schemaUncertain) {
       refreshCatalogue();
     }
     return action();
@@ -217,11 +212,11 @@ ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant
   }
   try {
     ExecutionResult result = runPlan(*plan, parameters);
-    if (!uncertain_ || !isStale()) {
+    if (!session_.schemaUncertain || !isStale()) {
       return result;
     }
   } catch (const SqliteFailure&) {
-    if (runtime_->failure || !isStale()) {
+    if (session_.runtime.failure || !isStale()) {
       throw;
     }
   }
@@ -231,7 +226,7 @@ ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant
 
 ExecutionResult Engine::runPlan(Plan& plan, const std::vector<Variant>* parameters) {
   ExecutionResult result;
-  BatchRunner runner(*this, plan, result);
+  BatchRunner runner(surroundings(), plan, result);
   runner.setConstants(&shape_);
   runner.setParameters(parameters);
   runner.run();
@@ -257,7 +252,7 @@ std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
     if (bare.size() >= 2 && bare.front() == '[' && bare.back() == ']') {
       bare = bare.substr(1, bare.size() - 2);
     }
-    auto routine = catalogue_.findRoutine(bare);
+    auto routine = session_.catalogue.findRoutine(bare);
     if (!routine || routine->isFunction) {
       throw SqlError(2812, "Could not find stored procedure '" + std::string(name) + "'.");
     }
@@ -277,6 +272,12 @@ std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
   return plan;
 }
 
+Node Engine::compileDeferred(Plan& plan, const tsql::Statement& statement) {
+  return compiler().compileDeferred(plan, statement);
+}
+
+void Engine::checkRoutine(const Routine& routine) { compiler().checkRoutine(routine); }
+
 ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& values) {
   return translated([&] {
     requireTransaction();
@@ -284,7 +285,7 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& value
       refreshCatalogue();
     }
     // The procedure may have been dropped or made anew since its parameters were asked for.
-    const auto current = catalogue_.findRoutine(routine.name);
+    const auto current = session_.catalogue.findRoutine(routine.name);
     if (!current || current->isFunction) {
       throw SqlError(2812, "Could not find stored procedure '" + routine.name + "'.");
     }
@@ -294,7 +295,7 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& value
     }
     ExecutionResult result;
     const std::shared_ptr<Plan> plan = planOf(*current);
-    BatchRunner runner(*this, *plan, result);
+    BatchRunner runner(surroundings(), *plan, result);
     std::vector<std::optional<Value>> arguments(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
       if (!values[i].isEmpty()) {
@@ -312,7 +313,7 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& value
 }
 
 std::vector<std::string> Engine::definitions() {
-  return translated([&] { return CatalogueStore(database_).definitions(); });
+  return translated([&] { return CatalogueStore(session_.database).definitions(); });
 }
 
 // ---------------------------------------------------------------- transactions
@@ -331,9 +332,9 @@ void Engine::begin() {
     throw SqlError(0, "Cannot start more transactions on this session.");
   }
   translated([&] {
-    const bool readOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
+    const bool readOnly = sqlite3_db_readonly(session_.database.get(), "main") == 1;
     // Taking the lock for writing now saves a transaction from being refused half-way.
-    database_.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+    session_.database.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     begun_ = true;
     definedInTransaction_ = false;
     refreshCatalogue();
@@ -345,7 +346,7 @@ void Engine::commit() {
     throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
   }
   translated([&] {
-    database_.execute("COMMIT");
+    session_.database.execute("COMMIT");
     begun_ = false;
     definedInTransaction_ = false;
   });
@@ -358,7 +359,7 @@ void Engine::rollback() {
   }
   translated([&] {
     if (inTransaction()) {
-      database_.execute("ROLLBACK");
+      session_.database.execute("ROLLBACK");
     }
     begun_ = false;
     if (definedInTransaction_) {
@@ -371,8 +372,8 @@ void Engine::rollback() {
 // ---------------------------------------------------------------- failures
 
 SqlError Engine::translate(const SqliteFailure& failure) const {
-  if (runtime_->failure) {
-    return *runtime_->failure;
+  if (session_.runtime.failure) {
+    return *session_.runtime.failure;
   }
   const std::string file = "\"" + path_ + "\"";
   constexpr int kPrimaryCode = 0xFF;
@@ -382,7 +383,7 @@ SqlError Engine::translate(const SqliteFailure& failure) const {
       return {1222, "Lock request time out period exceeded. Il database " + file +
                         " è occupato da un altro processo."};
     case SQLITE_READONLY:
-      return {3906, "Failed to update database \"" + databaseName_ +
+      return {3906, "Failed to update database \"" + session_.databaseName +
                         "\" because the database is read-only."};
     case SQLITE_NOTADB:
       return {4060, "Il file " + file + " non è un database."};

@@ -1,23 +1,22 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "cursor/result_set.h"
-#include "embedded/catalogue.h"
-#include "embedded/compiler.h"
+#include "embedded/catalogue/catalogue.h"
+#include "embedded/compile/compiler.h"
 #include "embedded/connection_string.h"
-#include "embedded/functions.h"
-#include "embedded/plan.h"
-#include "embedded/plan_cache.h"
-#include "embedded/sqlite_handle.h"
+#include "embedded/plan/plan.h"
+#include "embedded/plan/plan_cache.h"
+#include "embedded/run/session.h"
+#include "embedded/sqlite/handle.h"
+#include "embedded/values/sql_error.h"
+#include "tsql/parser.h"
 
 namespace azcoll::embedded {
 
@@ -32,7 +31,7 @@ struct EngineOptions {
 ///
 /// Failures are `SqlError`, `tsql::SyntaxError` (text that is not understood) and `Error` (a file
 /// that cannot be used). A failed statement leaves no trace; an open transaction stays open.
-class Engine {
+class Engine final : private Plans, private Transactions {
  public:
   /// Opens the database; throws `SqlError` or `Error`.
   Engine(const ConnectionSettings& settings, const EngineOptions& options);
@@ -49,39 +48,35 @@ class Engine {
   /// The CREATE statements of what the database holds, in the order of creation.
   [[nodiscard]] std::vector<std::string> definitions();
 
-  void begin();
-  void commit();
-  void rollback();
-  [[nodiscard]] bool inTransaction() const { return database_.inTransaction(); }
+  void begin() override;
+  void commit() override;
+  void rollback() override;
+  [[nodiscard]] bool inTransaction() const { return session_.database.inTransaction(); }
   /// Whether SQLite has undone the transaction by itself (a broken off change, a full disk).
   /// Nothing runs then until its owner has ended it: each statement would be committed by itself.
   [[nodiscard]] bool isTransactionLost() const { return begun_ && !inTransaction(); }
 
   /// Seconds after which a text is broken off; 0 for never.
-  void setTimeout(int seconds) { timeout_ = std::chrono::seconds(seconds); }
+  void setTimeout(int seconds) { session_.timeLimit.setTimeout(seconds); }
 
   [[nodiscard]] const PlanCache& cache() const { return cache_; }
 
  private:
-  friend class BatchRunner;
-  friend class ConstraintReporter;
-  friend class Definer;
-  friend std::optional<std::int64_t> updateWithLateKeys(
-      Engine& engine, const ChangeNode& update, const std::function<void(const Piece&)>& bind);
-
   void configure(const ConnectionSettings& settings);
   void openFile(const ConnectionSettings& settings);
   [[nodiscard]] std::shared_ptr<Plan> planFor(std::string_view text);
-  [[nodiscard]] std::shared_ptr<Plan> planOf(const Routine& routine);
   [[nodiscard]] Compiler compiler() {
-    return Compiler(database_, catalogue_, compilerSettings_, tempTables_);
+    return Compiler(session_.database, session_.catalogue, compilerSettings_, tempTables_);
   }
+  [[nodiscard]] Surroundings surroundings() { return {session_, *this, *this}; }
+  [[nodiscard]] std::shared_ptr<Plan> planOf(const Routine& routine) override;
+  [[nodiscard]] Node compileDeferred(Plan& plan, const tsql::Statement& statement) override;
+  void checkRoutine(const Routine& routine) override;
+  void forgetPlans() override;
+  void definitionsChanged() override;
   /// Reads the catalogue again when another connection has changed it.
   void refreshCatalogue();
   void reloadCatalogue();
-  /// After a definition: nothing compiled before is valid any longer.
-  void definitionsChanged();
-  void forgetPlans();
   [[nodiscard]] bool isStale();
   [[nodiscard]] ExecutionResult runText(std::string_view text,
                                         const std::vector<Variant>* parameters);
@@ -91,29 +86,19 @@ class Engine {
   /// SQLite's failure as one that callers understand.
   [[nodiscard]] SqlError translate(const SqliteFailure& failure) const;
   void requireTransaction() const;
-  static int watchClock(void* engine);
 
   EngineOptions options_;
   Compiler::Settings compilerSettings_;
   std::string path_;
-  std::string databaseName_;
-  std::unique_ptr<RuntimeState> runtime_ = std::make_unique<RuntimeState>();
-  SqliteDatabase database_;
-  Catalogue catalogue_;
+  Session session_;
   std::size_t tempTables_ = 0;
   PlanCache cache_;
   std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;
   SqliteStatement catalogueVersion_;
   std::int64_t knownVersion_ = 0;
-  bool uncertain_ = false;             ///< the schema may have changed under the plans
   bool begun_ = false;                 ///< a transaction, which its owner has not ended
   bool definedInTransaction_ = false;  ///< a rollback takes definitions or table variables back
   tsql::Shape shape_;
-  std::int64_t rowCount_ = 0;
-  std::optional<std::int64_t> lastIdentity_;
-  std::chrono::seconds timeout_{0};
-  std::optional<std::chrono::steady_clock::time_point> started_;
-  std::size_t depth_ = 0;  ///< of procedure calls
 };
 
 }  // namespace azcoll::embedded

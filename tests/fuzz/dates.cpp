@@ -10,7 +10,7 @@
 #include "data/date.h"
 #include "data/error.h"
 #include "data/text.h"
-#include "embedded/date_values.h"
+#include "embedded/values/date_values.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
 
@@ -99,21 +99,23 @@ void checkTypes(const Date& date) {
 void checkStyles(const Date& date) {
   constexpr int kMostStyle = 140;
   for (int style = -1; style <= kMostStyle; ++style) {
-    const auto text = embedded::styledDate(date, embedded::kDateTime, style);
-    require(!text || embedded::isDateStyle(style), "a style that is known", std::to_string(style));
+    if (!embedded::isDateStyle(style)) {
+      continue;
+    }
+    const std::string text = embedded::styledDate(date, embedded::kDateTime, style);
     switch (style) {
       case 112:
-        require(readByEngine(*text) == embedded::withTime(date, 0), "style 112", *text);
+        require(readByEngine(text) == embedded::withTime(date, 0), "style 112", text);
         break;
       case 120:
-        require(readByEngine(*text) == withoutMilliseconds(date), "style 120", *text);
+        require(readByEngine(text) == withoutMilliseconds(date), "style 120", text);
         break;
       case 121:
       case 126:
-        require(readByEngine(*text) == date, "the ISO styles", *text);
+        require(readByEngine(text) == date, "the ISO styles", text);
         break;
       case 103:
-        require(Date::parse(*text) == embedded::withTime(date, 0), "style 103", *text);
+        require(Date::parse(text) == embedded::withTime(date, 0), "style 103", text);
         break;
       default:
         break;

@@ -6,9 +6,10 @@
 #include <optional>
 
 #include "data/text.h"
-#include "embedded/conversions.h"
-#include "embedded/number_values.h"
-#include "embedded/sql_error.h"
+#include "embedded/sqlite/sql_text.h"
+#include "embedded/values/conversions.h"
+#include "embedded/values/number_values.h"
+#include "embedded/values/sql_error.h"
 #include "fuzz/check.h"
 #include "fuzz/constants.h"
 #include "tsql/utf8.h"

@@ -4,7 +4,7 @@
 #include <sqlite3.h>
 #include <string>
 
-#include "embedded/functions.h"
+#include "embedded/functions/functions.h"
 #include "support/picture.h"
 #include "support/scratch_folder.h"
 #include "support/test_database.h"

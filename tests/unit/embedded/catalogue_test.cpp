@@ -1,10 +1,10 @@
-#include "embedded/catalogue.h"
+#include "embedded/catalogue/catalogue.h"
 
 #include "gtest/gtest.h"
 
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
-#include "embedded/types.h"
+#include "embedded/values/types.h"
 #include "engine_fixture.h"
 
 namespace azcoll::embedded::test {

@@ -1,4 +1,4 @@
-#include "embedded/collation.h"
+#include "embedded/values/collation.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,7 +1,8 @@
-#include "embedded/date_values.h"
+#include "embedded/values/date_values.h"
 
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "gtest/gtest.h"
 
@@ -93,24 +94,20 @@ TEST(DateText, CountsDays) {
 
 TEST(DateText, WritesTheStyles) {
   const Date date = *Date::of(2024, 3, 5, 13, 7, 9, 40);
-  const auto styled = [&](int style) { return styledDate(date, kDateTime, style).value_or("?"); };
+  const auto styled = [&](int style) { return styledDate(date, kDateTime, style); };
   EXPECT_EQ(styled(0), "Mar  5 2024  1:07PM");
-  EXPECT_EQ(styled(3), "05/03/24");
-  EXPECT_EQ(styled(8), "13:07:09");
-  EXPECT_EQ(styled(12), "240305");
-  EXPECT_EQ(styled(23), "2024-03-05");
-  EXPECT_EQ(styled(101), "03/05/2024");
-  EXPECT_EQ(styled(102), "2024.03.05");
   EXPECT_EQ(styled(103), "05/03/2024");
-  EXPECT_EQ(styled(104), "05.03.2024");
-  EXPECT_EQ(styled(105), "05-03-2024");
-  EXPECT_EQ(styled(110), "03-05-2024");
-  EXPECT_EQ(styled(111), "2024/03/05");
   EXPECT_EQ(styled(112), "20240305");
   EXPECT_EQ(styled(120), "2024-03-05 13:07:09");
   EXPECT_EQ(styled(121), "2024-03-05 13:07:09.040");
   EXPECT_EQ(styled(126), "2024-03-05T13:07:09.040");
-  EXPECT_EQ(styled(999), "?");
+  std::vector<int> known;
+  for (int style = -1; style < 1000; ++style) {
+    if (isDateStyle(style)) {
+      known.push_back(style);
+    }
+  }
+  EXPECT_EQ(known, (std::vector<int>{0, 103, 112, 120, 121, 126}));
   EXPECT_EQ(styledDate(date, {TypeKind::Date, 0, 0, 0}, 0), "Mar  5 2024");
   EXPECT_EQ(styledDate(date, {TypeKind::Date, 0, 0, 0}, 126), "2024-03-05");
 }

@@ -41,6 +41,18 @@ TEST_F(ErrorTexts, DuplicateKeys) {
             "2601 Cannot insert duplicate key row in object 'dbo.C' with unique index 'IX_C'. The "
             "duplicate key value is (<NULL>, <NULL>).");
   EXPECT_EQ(rows(*db_, "SELECT COUNT(*) FROM P"), "1");
+  // A row that breaks a key and an index is refused for the key.
+  db_->run("CREATE UNIQUE INDEX IX_Q ON Q (V) UPDATE Q SET V = 8");
+  EXPECT_EQ(
+      refusal("INSERT INTO Q (K, V) VALUES ('b', 9), ('A', 8)"),
+      "2627 Violation of PRIMARY KEY constraint 'PK_Q'. Cannot insert duplicate key in object "
+      "'dbo.Q'. The duplicate key value is (A ).");
+  EXPECT_EQ(refusal("INSERT INTO Q (K, D, V) SELECT 'b', D, V FROM Q"),
+            "2627 Violation of UNIQUE KEY constraint 'UQ_Q'. Cannot insert duplicate key in object "
+            "'dbo.Q'. The duplicate key value is (Jan  2 2024 12:00AM).");
+  EXPECT_EQ(refusal("INSERT INTO Q (K, V) VALUES ('b', 8)"),
+            "2601 Cannot insert duplicate key row in object 'dbo.Q' with unique index 'IX_Q'. The "
+            "duplicate key value is (8).");
 }
 
 TEST_F(ErrorTexts, ForeignKeys) {

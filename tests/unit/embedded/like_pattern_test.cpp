@@ -1,4 +1,4 @@
-#include "embedded/like_pattern.h"
+#include "embedded/functions/like_pattern.h"
 
 #include <string>
 

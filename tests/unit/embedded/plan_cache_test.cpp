@@ -1,10 +1,12 @@
-#include "embedded/plan_cache.h"
+#include "embedded/plan/plan_cache.h"
 
 #include <list>
 
 #include "gtest/gtest.h"
 
+#include "embedded/plan/guards.h"
 #include "engine_fixture.h"
+#include "tsql/parser.h"
 
 namespace azcoll::embedded::test {
 namespace {

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "embedded/bind/bound_query.h"
+#include "embedded/bind/expression_binder.h"
+#include "embedded/bind/names.h"
+#include "embedded/bind/scope.h"
+#include "tsql/ast.h"
+
+namespace azcoll::embedded {
+
+/// Turns the correlated query of an IN into one that SQLite answers once: its equalities with the
+/// query around it become parts of a row value,
+/// `A IN (SELECT B FROM T WHERE K = outer.K)` → `(A, outer.K) IN (SELECT B, K FROM T)`.
+class InRewrite {
+ public:
+  InRewrite(const Names& names, ExpressionBinder& expressions)
+      : names_(names), expressions_(expressions) {}
+
+  /// Takes a part of the query's WHERE out of it where that is possible; nothing is bound where
+  /// not.
+  bool take(const tsql::Expression& conjunct, const Clause& clause, BoundSelect& select) {
+    return takeCorrelation(conjunct, clause, select) || takeAlternatives(conjunct, clause, select);
+  }
+
+  /// When the whole query is bound: what cannot stay out of the condition goes back into it.
+  static void putBack(BoundSelect& select);
+
+  /// Keeps in mind, in the scope of any query, what a part of its WHERE demands of a column.
+  static void noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
+                                 Scope& scope);
+  /// Tells a query inside what is demanded of the columns outside that its own must equal.
+  static void addConstantFilters(const Clause* outer, BoundSelect& select);
+
+ private:
+  bool takeCorrelation(const tsql::Expression& conjunct, const Clause& clause, BoundSelect& select);
+  bool takeAlternatives(const tsql::Expression& conjunct, const Clause& clause,
+                        BoundSelect& select);
+
+  const Names& names_;
+  ExpressionBinder& expressions_;
+};
+
+}  // namespace azcoll::embedded
