@@ -52,7 +52,7 @@ bool needsConversion(const Type& from, const Type& to, Conversion conversion) {
 BoundExpression Constants::bindLiteral(const tsql::Literal& literal) const {
   BoundExpression bound;
   bound.type = literalType(literal.kind, literal.text);
-  // The word NULL belongs to the shape: it need not be bound, and SQLite sees that it is one.
+  // A NULL that is part of the shape need not be bound, and SQLite sees that it is one.
   if (literal.kind == tsql::LiteralKind::Null &&
       (literal.ordinal == tsql::kNotLifted || context_.constantsInside)) {
     bound.sql = "NULL";
@@ -118,7 +118,7 @@ std::string Constants::inOwnType(BoundExpression& expression) {
   if (expression.type.kind == TypeKind::Null) {
     return "NULL";
   }
-  // Texts and floats of all constants have one type each; a number has the type of its digits.
+  // All texts have one type, and so have all floats; that of a number depends on its digits.
   if (!expression.type.isText() && !expression.type.isFloat()) {
     guard(expression, Guard::Kind::SameType, expression.type);
   }

@@ -53,6 +53,13 @@ struct Session {
 /// Where plans come from and go. What compiling throws comes through.
 class Plans {
  public:
+  Plans() = default;
+  Plans(const Plans&) = delete;
+  Plans(Plans&&) = delete;
+  Plans& operator=(const Plans&) = delete;
+  Plans& operator=(Plans&&) = delete;
+  virtual ~Plans() = default;
+
   /// The plan of a procedure.
   [[nodiscard]] virtual std::shared_ptr<Plan> planOf(const Routine& routine) = 0;
   /// A statement of `plan` that was put off, now that it is reached.
@@ -63,21 +70,22 @@ class Plans {
   virtual void forgetPlans() = 0;
   /// After a definition: nothing compiled before is valid any longer.
   virtual void definitionsChanged() = 0;
-
- protected:
-  ~Plans() = default;
 };
 
 /// The transaction of the connection. Each throws `SqlError` when there is none to end, or one
 /// already.
 class Transactions {
  public:
+  Transactions() = default;
+  Transactions(const Transactions&) = delete;
+  Transactions(Transactions&&) = delete;
+  Transactions& operator=(const Transactions&) = delete;
+  Transactions& operator=(Transactions&&) = delete;
+  virtual ~Transactions() = default;
+
   virtual void begin() = 0;
   virtual void commit() = 0;
   virtual void rollback() = 0;
-
- protected:
-  ~Transactions() = default;
 };
 
 /// What a plan needs around it to run.
