@@ -46,6 +46,7 @@ done < <(grep -rnE '^#include "' src --include='*.h' --include='*.cpp' || true)
 for room in "${!allowed[@]}"; do
   [ "$room" = "${room%/*}" ] || continue
   row=$(grep -F "| \`src/$room\` |" CONTRIBUTING.md || true)
+  # shellcheck disable=SC2016 # the marks of Markdown
   named=$(cut -d'|' -f3 <<<"$row" | { grep -oE '`[a-z]+`' || true; } | tr -d '\`' | sort | tr '\n' ' ')
   wanted=$(tr ' ' '\n' <<<"${allowed[$room]}" | sed '/^$/d' | sort | tr '\n' ' ')
   [ -n "$row" ] || complain "CONTRIBUTING.md: no row for src/$room"
