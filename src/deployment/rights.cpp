@@ -33,7 +33,7 @@ class GrantReader {
  private:
   [[nodiscard]] bool isWord(std::string_view word) const {
     return (token_.kind == tsql::TokenKind::Word || token_.kind == tsql::TokenKind::Reserved) &&
-           sameName(token_.raw, word);
+           equalsIgnoringCase(token_.raw, word);
   }
   bool acceptWord(std::string_view word) {
     const bool here = isWord(word);
@@ -76,7 +76,7 @@ class GrantReader {
     const std::string object = takeName();
     require(acceptWord("TO"));
     const std::string role = takeName();
-    require(rights.role.empty() || sameName(rights.role, role));
+    require(rights.role.empty() || equalsIgnoringCase(rights.role, role));
     rights.role = role;
     for (std::string& verb : verbs) {
       rights.grants.push_back({std::move(verb), owner, object});

@@ -31,7 +31,7 @@ SchemaColumn columnOf(const tsql::ColumnDefinition& written,
   const bool inKey = std::ranges::any_of(table.constraints, [&](const auto& constraint) {
     return constraint.kind == tsql::ConstraintKind::PrimaryKey &&
            std::ranges::any_of(constraint.columns, [&](const std::string& column) {
-             return sameName(column, written.name);
+             return equalsIgnoringCase(column, written.name);
            });
   });
   SchemaColumn column{.name = written.name,
@@ -100,7 +100,7 @@ struct Adder {
   }
   void operator()(const tsql::CreateIndexStatement& index) const {
     for (SchemaTable& table : schema.tables) {
-      if (sameName(table.name, index.table.parts.back())) {
+      if (equalsIgnoringCase(table.name, index.table.parts.back())) {
         table.definitions.push_back(text);
       }
     }
@@ -123,8 +123,8 @@ struct Adder {
 
 template <typename Named>
 const Named* named(const std::vector<Named>& all, std::string_view name) {
-  const auto found =
-      std::ranges::find_if(all, [&](const Named& each) { return sameName(each.name, name); });
+  const auto found = std::ranges::find_if(
+      all, [&](const Named& each) { return equalsIgnoringCase(each.name, name); });
   return found == all.end() ? nullptr : &*found;
 }
 
@@ -143,12 +143,6 @@ std::string ColumnType::text() const {
 const SchemaTable* Schema::table(std::string_view name) const { return named(tables, name); }
 
 const SchemaRoutine* Schema::routine(std::string_view name) const { return named(routines, name); }
-
-bool sameName(std::string_view left, std::string_view right) {
-  return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
-    return std::tolower(a) == std::tolower(b);
-  });
-}
 
 void addDefinitions(Schema& schema, std::string_view batch) {
   const tsql::Batch parsed = tsql::parse(batch);

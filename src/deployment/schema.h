@@ -66,9 +66,6 @@ struct Schema {
   [[nodiscard]] const SchemaRoutine* routine(std::string_view name) const;
 };
 
-/// Whether two names of database objects are the same: letter case does not count.
-[[nodiscard]] bool sameName(std::string_view left, std::string_view right);
-
 /// Adds what the CREATE statements of one batch define; other statements are passed over. Throws
 /// `tsql::SyntaxError`.
 void addDefinitions(Schema& schema, std::string_view batch);

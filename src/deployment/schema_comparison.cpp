@@ -54,7 +54,7 @@ class Comparison {
     }
     for (const SchemaColumn& column : expected.columns) {
       const auto there = std::ranges::find_if(found->columns, [&](const SchemaColumn& each) {
-        return sameName(each.name, column.name);
+        return equalsIgnoringCase(each.name, column.name);
       });
       if (there == found->columns.end()) {
         add("colonna", expected.name + "." + column.name,
@@ -85,7 +85,7 @@ class Comparison {
       for (const SchemaColumn& column : expected.columns) {
         if (found->columnsKnown &&
             std::ranges::none_of(found->columns, [&](const SchemaColumn& each) {
-              return sameName(each.name, column.name);
+              return equalsIgnoringCase(each.name, column.name);
             })) {
           faults.push_back(fmt::format("non restituisce la colonna {}", column.name));
         }
@@ -124,7 +124,7 @@ class Comparison {
   static std::string grantsOn(const LimitedUser& user, const std::string& name) {
     std::string lines;
     for (const Grant& grant : user.needed) {
-      if (sameName(grant.object, name)) {
+      if (equalsIgnoringCase(grant.object, name)) {
         lines += fmt::format("{}GRANT {} ON {}.{} TO {}", lines.empty() ? "" : "\n", grant.right,
                              grant.owner, grant.object, user.grantee);
       }
@@ -200,7 +200,7 @@ class Comparison {
     std::vector<std::string> faults;
     for (const SchemaParameter& parameter : expected.parameters) {
       const auto there = std::ranges::find_if(found.parameters, [&](const SchemaParameter& each) {
-        return sameName(each.name, parameter.name);
+        return equalsIgnoringCase(each.name, parameter.name);
       });
       if (there == found.parameters.end()) {
         faults.push_back(fmt::format("manca il parametro {}", parameter.name));

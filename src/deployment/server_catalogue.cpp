@@ -116,7 +116,7 @@ class Answer {
   [[nodiscard]] Variant value(std::string_view column) const {
     Fields& fields = rows_->fields();
     for (std::size_t i = 0; i < fields.count(); ++i) {
-      if (sameName(fields.item(i).name(), column)) {
+      if (equalsIgnoringCase(fields.item(i).name(), column)) {
         return fields.item(i).value();
       }
     }
@@ -176,10 +176,10 @@ void addObject(Schema& schema, const Answer& answer, const ServerUser& user) {
   const std::string kind = answer.text("TIPO");
   const auto put = [&](auto& all, auto object) {
     for (auto& there : all) {
-      if (sameName(there.name, name)) {
+      if (equalsIgnoringCase(there.name, name)) {
         // The statements name the function with its schema.
-        const bool isMeant =
-            sameName(owner, kind == "IF" || kind == "TF" ? std::string{"dbo"} : user.defaultSchema);
+        const bool isMeant = equalsIgnoringCase(
+            owner, kind == "IF" || kind == "TF" ? std::string{"dbo"} : user.defaultSchema);
         if (isMeant) {
           there = std::move(object);
         }
@@ -198,8 +198,8 @@ void addObject(Schema& schema, const Answer& answer, const ServerUser& user) {
 template <typename Objects>
 auto* ownedObject(Objects& all, const Answer& answer) {
   const auto found = std::ranges::find_if(all, [&](const auto& each) {
-    return sameName(each.name, answer.text("OGGETTO")) &&
-           sameName(each.owner, answer.text("PROPRIETARIO"));
+    return equalsIgnoringCase(each.name, answer.text("OGGETTO")) &&
+           equalsIgnoringCase(each.owner, answer.text("PROPRIETARIO"));
   });
   return found == all.end() ? nullptr : &*found;
 }
@@ -261,7 +261,7 @@ bool canRead(Connection& connection, const SchemaRoutine& function) {
 void describeFunction(Connection& connection, Schema& found, const SchemaRoutine& expected,
                       std::vector<std::string>& unchecked) {
   const auto listed = std::ranges::find_if(found.routines, [&](const SchemaRoutine& each) {
-    return sameName(each.name, expected.name);
+    return equalsIgnoringCase(each.name, expected.name);
   });
   if (listed == found.routines.end() && found.tables.empty()) {
     return;  // nothing of the company's is shown to this user

@@ -7,13 +7,14 @@
 
 #include "data/error.h"
 #include "data/text.h"
+#include "text/letter_case.h"
 #include "tsql/characters.h"
 
 namespace azcoll::embedded {
 
 namespace {
 
-using tsql::equalsIgnoringCase;
+using ascii::equalsIgnoringCase;
 
 [[noreturn]] void fail(const std::string& what) {
   throw Error("Stringa di connessione non valida: " + what);
@@ -105,7 +106,7 @@ int readSeconds(const std::string& key, const std::string& value) {
 std::string upper(std::string_view text) {
   std::string result(text);
   for (char& c : result) {
-    c = tsql::upperAscii(c);
+    c = ascii::upper(c);
   }
   return result;
 }

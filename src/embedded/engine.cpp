@@ -246,7 +246,7 @@ std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
     requireTransaction();
     refreshCatalogue();
     std::string_view bare = trim(name);
-    if (foldText(bare.substr(0, 4)) == "dbo.") {
+    if (foldCase(bare.substr(0, 4)) == "dbo.") {
       bare.remove_prefix(4);
     }
     if (bare.size() >= 2 && bare.front() == '[' && bare.back() == ']') {
@@ -261,7 +261,7 @@ std::shared_ptr<const Routine> Engine::findProcedure(std::string_view name) {
 }
 
 std::shared_ptr<Plan> Engine::planOf(const Routine& routine) {
-  const std::string folded = foldText(routine.name);
+  const std::string folded = foldCase(routine.name);
   const auto found = procedures_.find(folded);
   if (found != procedures_.end()) {
     return found->second;

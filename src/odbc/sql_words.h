@@ -23,8 +23,8 @@ struct SqlWord {
   [[nodiscard]] bool isName() const { return kind == Kind::Name || kind == Kind::QuotedName; }
 };
 
-/// The words of a text, comments left out. Total: malformed text gives words too (an open quote
-/// reaches to the end).
+/// The words of a text, comments left out. An open quote reaches to the end; a text that is not
+/// UTF-8 has none.
 [[nodiscard]] std::vector<SqlWord> wordsOf(std::string_view text);
 
 }  // namespace azcoll::odbc

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "text/letter_case.h"
 #include "tsql/ast.h"
 
 /// The character rules of T-SQL, written once for the lexer and the shape scanner: what both call a
@@ -56,23 +57,6 @@ constexpr char byteAt(std::string_view text, std::size_t at) {
 
 constexpr bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
 
-constexpr char upperAscii(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-}
-
-/// Whether `word` is `upper` (upper-case ASCII) but for the case of its letters.
-constexpr bool equalsIgnoringCase(std::string_view word, std::string_view upper) {
-  if (word.size() != upper.size()) {
-    return false;
-  }
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    if (upperAscii(word[i]) != upper[i]) {
-      return false;
-    }
-  }
-  return true;
-}
-
 /// Offset of the first byte from `at` on that is no part of a word.
 constexpr std::size_t wordEnd(std::string_view text, std::size_t at) {
   while (at < text.size() && hasClass(text[at], kWordPart)) {
@@ -103,14 +87,14 @@ struct NumberSpan {
 /// whatever follows (`0AND` is 0 and AND); an E behind the digits always belongs to it, as the
 /// exponent, even when no digits follow (`1E` is a float).
 constexpr NumberSpan scanNumber(std::string_view text, std::size_t at) {
-  if (text[at] == '0' && upperAscii(byteAt(text, at + 1)) == 'X') {
+  if (text[at] == '0' && ascii::upper(byteAt(text, at + 1)) == 'X') {
     return {classEnd(text, at + 2, kHexDigit), LiteralKind::Binary};
   }
   NumberSpan number{classEnd(text, at, kDigit), LiteralKind::Integer};
   if (byteAt(text, number.end) == '.') {
     number = {classEnd(text, number.end + 1, kDigit), LiteralKind::Decimal};
   }
-  if (upperAscii(byteAt(text, number.end)) == 'E') {
+  if (ascii::upper(byteAt(text, number.end)) == 'E') {
     std::size_t end = number.end + 1;
     if (byteAt(text, end) == '+' || byteAt(text, end) == '-') {
       ++end;

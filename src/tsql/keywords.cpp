@@ -215,7 +215,7 @@ constexpr std::size_t longestWord() {
 constexpr std::size_t hashOf(std::string_view word) {
   std::uint32_t hash = 2166136261U;
   for (const char c : word) {
-    hash = (hash ^ static_cast<unsigned char>(upperAscii(c))) * 16777619U;
+    hash = (hash ^ static_cast<unsigned char>(ascii::upper(c))) * 16777619U;
   }
   return (hash ^ (hash >> 15U)) & (kSlots - 1);
 }
@@ -245,7 +245,7 @@ Keyword findKeyword(std::string_view word) {
   }
   for (std::size_t slot = hashOf(word); kSlotTable[slot] != 0; slot = (slot + 1) & (kSlots - 1)) {
     const Entry& entry = kEntries[kSlotTable[slot] - 1U];
-    if (equalsIgnoringCase(word, entry.first)) {
+    if (ascii::equalsIgnoringCase(word, entry.first)) {
       return entry.second;
     }
   }

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
+#include "text/utf8.h"
+#include "tsql/letters.h"
 #include "tsql/position.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 
@@ -50,7 +51,7 @@ Token Lexer::next() {
     return takeNumber();
   }
   if (hasClass(c, kWordStart)) {
-    if (upperAscii(c) == 'N' && byteAt(text_, at_ + 1) == '\'') {
+    if (ascii::upper(c) == 'N' && byteAt(text_, at_ + 1) == '\'') {
       return takeQuoted(TokenKind::NationalText, at_ + 1, '\'');
     }
     return takeWord();

@@ -114,7 +114,7 @@ bool Parser::parseColumnOption(CreateTableStatement& table, ColumnDefinition& co
   }
   for (const std::string_view option : {"ENCRYPTED", "FILESTREAM", "GENERATED", "HIDDEN", "INDEX",
                                         "MASKED", "PERSISTED", "ROWGUIDCOL", "SPARSE"}) {
-    if (equalsIgnoringCase(current_.raw, option)) {
+    if (ascii::equalsIgnoringCase(current_.raw, option)) {
       failOutside("the column option " + nearText());
     }
   }

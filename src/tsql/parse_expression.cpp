@@ -372,8 +372,9 @@ ExpressionPtr Parser::parseNamePrimary() {
 ExpressionPtr Parser::parseCall(ObjectName name) {
   const Nesting nesting(*this);
   const Position position = name.position;
-  const bool counts = name.parts.size() == 1 && (equalsIgnoringCase(name.parts[0], "COUNT") ||
-                                                 equalsIgnoringCase(name.parts[0], "COUNT_BIG"));
+  const bool counts =
+      name.parts.size() == 1 && (ascii::equalsIgnoringCase(name.parts[0], "COUNT") ||
+                                 ascii::equalsIgnoringCase(name.parts[0], "COUNT_BIG"));
   FunctionCall call;
   call.name = std::move(name);
   expect(Symbol::LeftParenthesis);

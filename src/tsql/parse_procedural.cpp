@@ -169,7 +169,7 @@ SetOptionStatement Parser::parseSetOption() {
   }
   set.option = std::string(current_.raw);
   for (char& c : set.option) {
-    c = upperAscii(c);
+    c = ascii::upper(c);
   }
   advance();
   if (is(Keyword::On) || is(Keyword::Off)) {

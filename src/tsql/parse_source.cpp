@@ -32,8 +32,9 @@ constexpr std::array<std::string_view, 23> kHints = {"FORCESCAN",
                                                      "XLOCK"};
 
 bool isHint(std::string_view word) {
-  return std::any_of(kHints.begin(), kHints.end(),
-                     [word](std::string_view hint) { return equalsIgnoringCase(word, hint); });
+  return std::any_of(kHints.begin(), kHints.end(), [word](std::string_view hint) {
+    return ascii::equalsIgnoringCase(word, hint);
+  });
 }
 
 TableSourcePtr makeSource(const Position& position) {
@@ -293,7 +294,7 @@ void Parser::parseHintList(std::vector<std::string>& hints) {
     }
     std::string hint(current_.raw);
     for (char& c : hint) {
-      c = upperAscii(c);
+      c = ascii::upper(c);
     }
     hints.push_back(std::move(hint));
     advance();

@@ -2,10 +2,10 @@
 
 #include <charconv>
 
+#include "text/utf8.h"
 #include "tsql/parser_core.h"
 #include "tsql/position.h"
 #include "tsql/syntax_error.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 
@@ -50,7 +50,7 @@ const Token& Parser::peek(std::size_t ahead) {
 }
 
 bool Parser::isWord(std::string_view upper) const {
-  return current_.kind == TokenKind::Word && equalsIgnoringCase(current_.raw, upper);
+  return current_.kind == TokenKind::Word && ascii::equalsIgnoringCase(current_.raw, upper);
 }
 
 bool Parser::isName() const {
@@ -105,7 +105,7 @@ const Token& Parser::placeOfError() const {
 }
 
 std::string Parser::nearText() const {
-  return std::string(firstCharacters(placeOfError().value(), kMaxShown));
+  return std::string(leftCharacters(placeOfError().value(), kMaxShown));
 }
 
 void Parser::failAt(int number, const std::string& message, const Token& token) {
@@ -176,9 +176,9 @@ std::string Parser::takeAnyName(const Token& token) {
   if (name.find('\0') != std::string::npos) {
     failAt(0, "Outside the supported T-SQL: a name with a zero character.", token);
   }
-  if (name.size() > kMaxShown && firstCharacters(name, kMaxShown).size() < name.size()) {
+  if (name.size() > kMaxShown && leftCharacters(name, kMaxShown).size() < name.size()) {
     failAt(103,
-           "The identifier that starts with '" + std::string(firstCharacters(name, kMaxShown)) +
+           "The identifier that starts with '" + std::string(leftCharacters(name, kMaxShown)) +
                "' is too long. Maximum length is 128.",
            token);
   }
@@ -236,7 +236,7 @@ TypeName Parser::parseType() {
   type.position = current_.position;
   type.name = takeName();
   for (char& c : type.name) {
-    c = upperAscii(c);
+    c = ascii::upper(c);
   }
   if (is(Symbol::Dot)) {
     failOutside("a data type with a schema");

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <string_view>
 
+#include "text/utf8.h"
 #include "tsql/ast.h"
 #include "tsql/characters.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 

@@ -1,9 +1,10 @@
 #include "tsql/printer.h"
 
+#include "text/utf8.h"
 #include "tsql/characters.h"
 #include "tsql/keywords.h"
+#include "tsql/letters.h"
 #include "tsql/printer_core.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 
@@ -28,7 +29,7 @@ bool isBareName(std::string_view name) {
 /// The words that the grammar takes as calls of their own kind when a parenthesis follows.
 bool isSpecialCall(std::string_view name) {
   for (const std::string_view special : {"CAST", "IIF", "TRY_CAST", "PARSE", "TRY_PARSE"}) {
-    if (equalsIgnoringCase(name, special)) {
+    if (ascii::equalsIgnoringCase(name, special)) {
       return true;
     }
   }

@@ -16,7 +16,7 @@ std::size_t skipSpaces(std::string_view text, std::size_t at) {
 /// Whether the line that starts at `at` holds nothing but GO; then `end` is the start of the next.
 bool isGoLine(std::string_view script, std::size_t at, std::size_t& end) {
   at = skipSpaces(script, at);
-  if (!equalsIgnoringCase(script.substr(at, 2), "GO")) {
+  if (!ascii::equalsIgnoringCase(script.substr(at, 2), "GO")) {
     return false;
   }
   at = skipSpaces(script, at + 2);

@@ -2,9 +2,9 @@
 #include <array>
 #include <cstring>
 
+#include "text/utf8.h"
 #include "tsql/characters.h"
 #include "tsql/parser.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 
@@ -74,17 +74,17 @@ class ShapeScanner {
   }
 
   void word() {
-    if (upperAscii(text_[at_]) == 'N' && byteAt(text_, at_ + 1) == '\'') {
+    if (ascii::upper(text_[at_]) == 'N' && byteAt(text_, at_ + 1) == '\'') {
       quotedText(LiteralKind::NationalText, at_ + 1);
       return;
     }
     const std::size_t end = wordEnd(text_, at_);
     const std::string_view found = text_.substr(at_, end - at_);
-    if (values_.atValue() && equalsIgnoringCase(found, "NULL")) {
+    if (values_.atValue() && ascii::equalsIgnoringCase(found, "NULL")) {
       literal(LiteralKind::Null, {}, end);
       return;
     }
-    if (equalsIgnoringCase(found, "VALUES")) {
+    if (ascii::equalsIgnoringCase(found, "VALUES")) {
       values_.onValuesWord();
     } else {
       values_.onOther();

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "text/utf8.h"
 #include "tsql/characters.h"
 #include "tsql/parser.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::tsql {
 
@@ -51,7 +51,7 @@ void appendShown(std::string& out, std::string_view part) {
 /// At most `limit` characters of `text`, not beyond its first line break; `…` for the rest.
 void appendStart(std::string& out, std::string_view text, std::size_t limit) {
   // No character has more than four bytes; bytes that are no UTF-8 could go on without end.
-  const std::string_view shown = firstCharacters(text.substr(0, 4 * limit), limit);
+  const std::string_view shown = leftCharacters(text.substr(0, 4 * limit), limit);
   const auto* const lineEnd = std::find_if(shown.begin(), shown.end(), isLineBreak);
   const auto length = static_cast<std::size_t>(lineEnd - shown.begin());
   appendShown(out, shown.substr(0, length));

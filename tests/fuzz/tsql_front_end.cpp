@@ -10,10 +10,10 @@
 #include "fuzz/check.h"
 #include "fuzz/constants.h"
 #include "fuzz/targets.h"
+#include "text/utf8.h"
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
-#include "tsql/utf8.h"
 
 namespace azcoll::fuzz {
 namespace {
@@ -31,8 +31,8 @@ void checkRefusal(const SyntaxError& error, std::string_view text) {
   require(error.fragment().find("»") != std::string::npos, "a fragment marks the place", text);
   constexpr std::size_t kLongestFragment = 1000;
   require(error.fragment().size() <= kLongestFragment, "a fragment is short", error.fragment());
-  require(tsql::findMalformedUtf8(error.located()) == std::string_view::npos,
-          "a message can be shown", text);
+  require(findMalformedUtf8(error.located()) == std::string_view::npos, "a message can be shown",
+          text);
 }
 
 std::optional<Batch> parsed(std::string_view text) {
@@ -157,8 +157,7 @@ void tsqlFrontEnd(std::string_view input) {
   if (!batch) {
     return;
   }
-  require(tsql::findMalformedUtf8(input) == std::string_view::npos, "what is understood is UTF-8",
-          input);
+  require(findMalformedUtf8(input) == std::string_view::npos, "what is understood is UTF-8", input);
   require(shapeOf(input).literals.size() == batch->literalCount,
           "shape and tree count the same constants", input);
   require(std::is_sorted(batch->structuralLiterals.begin(), batch->structuralLiterals.end()),

@@ -12,7 +12,7 @@
 #include "embedded/values/sql_error.h"
 #include "fuzz/check.h"
 #include "fuzz/constants.h"
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 
 namespace azcoll::fuzz {
 namespace {
@@ -118,7 +118,7 @@ void checkTypedText(const std::string& text) {
     checkDigits(*number, text);
   }
   checkFloat(text);
-  if (tsql::findMalformedUtf8(text) != std::string_view::npos) {
+  if (findMalformedUtf8(text) != std::string_view::npos) {
     return;  // no such text is let into the engine
   }
   for (const Type& type : kTypes) {

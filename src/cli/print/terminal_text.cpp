@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 
 namespace azcoll::cli {
 namespace {
@@ -16,7 +16,7 @@ std::u32string decodeUtf8(std::string_view text) {
   result.reserve(text.size());
   std::size_t i = 0;
   while (i < text.size()) {
-    const tsql::CodePoint point = tsql::decodeUtf8(text, i);
+    const CodePoint point = azcoll::decodeUtf8(text, i);
     result += point.length == 0 ? kReplacement : static_cast<char32_t>(point.value);
     i += std::max<std::size_t>(point.length, 1);
   }
@@ -26,23 +26,8 @@ std::u32string decodeUtf8(std::string_view text) {
 std::string encodeUtf8(std::u32string_view text) {
   std::string result;
   result.reserve(text.size());
-  const auto put = [&result](char32_t byte) { result += static_cast<char>(byte); };
   for (const char32_t c : text) {
-    if (c < 0x80) {
-      put(c);
-    } else if (c < 0x800) {
-      put(0xC0U | (c >> 6U));
-      put(0x80U | (c & 0x3FU));
-    } else if (c < 0x10000) {
-      put(0xE0U | (c >> 12U));
-      put(0x80U | ((c >> 6U) & 0x3FU));
-      put(0x80U | (c & 0x3FU));
-    } else {
-      put(0xF0U | (c >> 18U));
-      put(0x80U | ((c >> 12U) & 0x3FU));
-      put(0x80U | ((c >> 6U) & 0x3FU));
-      put(0x80U | (c & 0x3FU));
-    }
+    appendUtf8(result, c);
   }
   return result;
 }

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "embedded/values/collation.h"
+#include "text/letter_case.h"
 #include "tsql/characters.h"
 
 namespace azcoll::embedded {
@@ -122,7 +123,7 @@ bool isAggregate(const tsql::FunctionCall& call) {
     return false;
   }
   for (const std::string_view name : kNames) {
-    if (tsql::equalsIgnoringCase(call.name.parts.front(), name)) {
+    if (ascii::equalsIgnoringCase(call.name.parts.front(), name)) {
       return true;
     }
   }
@@ -155,7 +156,7 @@ bool dependsOnRow(const tsql::Expression& expression) {
 
 bool mentionsVariable(const tsql::Expression& expression, std::string_view name) {
   if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
-    return foldText(variable->name) == name;
+    return foldCase(variable->name) == name;
   }
   if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
     if (queryMentions(*query->query, name)) {

@@ -76,7 +76,7 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   }
   if (name == "MIN" || name == "MAX") {
     if (type.kind == TypeKind::Bit) {
-      throw SqlError(8117, "Operand data type bit is invalid for " + foldText(name) + " operator.");
+      throw SqlError(8117, "Operand data type bit is invalid for " + foldCase(name) + " operator.");
     }
     return computed((name == "MIN" ? "min" : "max") + list, type, operand.reach);
   }

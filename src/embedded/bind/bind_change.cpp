@@ -63,7 +63,7 @@ std::string updateByKey(const Table& table, const std::string& source, const std
 std::size_t ChangeBinder::findTarget(const tsql::NamedTable& target, Scope& scope,
                                      std::string& from) {
   const std::string& name = target.name.parts.back();
-  const std::string folded = foldText(name);
+  const std::string folded = foldCase(name);
   if (target.name.parts.size() == 1) {
     for (std::size_t i = 0; i < scope.sources.size(); ++i) {
       if (scope.sources[i].folded == folded) {

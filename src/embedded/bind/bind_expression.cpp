@@ -54,7 +54,7 @@ std::optional<Type> decimalResult(tsql::BinaryOperator op, const Type& left, con
 
 BoundExpression ExpressionBinder::bind(const tsql::Expression& expression, const Clause& clause) {
   if (clause.grouping != nullptr && !clause.grouping->printed.empty() &&
-      clause.grouping->printed.contains(foldText(tsql::print(expression)))) {
+      clause.grouping->printed.contains(foldCase(tsql::print(expression)))) {
     // The same as a key of GROUP BY: it has one value in every group.
     Clause key = clause;
     key.grouping = nullptr;

@@ -60,7 +60,7 @@ void ExpressionBinder::requireArguments(const tsql::FunctionCall& call, std::siz
   if (count >= least && count <= most) {
     return;
   }
-  const std::string name = foldText(call.name.parts.back());
+  const std::string name = foldCase(call.name.parts.back());
   throw SqlError(174, "The " + name + " function requires " +
                           (least == most ? std::to_string(least)
                                          : std::to_string(least) + " to " + std::to_string(most)) +

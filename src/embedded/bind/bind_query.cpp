@@ -150,7 +150,7 @@ void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const
     } else if (reference != nullptr) {
       column.name = reference->name.parts.back();
     }
-    column.printed = foldText(tsql::print(*item.expression));
+    column.printed = foldCase(tsql::print(*item.expression));
     if (use.assigns) {
       select.assigned.push_back(names_.variableIndex(item.assignTo));
     }
@@ -160,7 +160,7 @@ void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const
 
 void QueryBinder::expandStar(const tsql::Star& star, const Clause& clause, BoundSelect& select) {
   const std::string wanted =
-      star.qualifier.parts.empty() ? "" : foldText(star.qualifier.parts.back());
+      star.qualifier.parts.empty() ? "" : foldCase(star.qualifier.parts.back());
   bool found = false;
   for (const Source& source : clause.scope.sources) {
     if (!wanted.empty() && source.folded != wanted) {
@@ -173,7 +173,7 @@ void QueryBinder::expandStar(const tsql::Star& star, const Clause& clause, Bound
       select.reach |= column.expression.reach;
       column.name = source.columnName(i);
       column.named = true;
-      column.printed = source.folded + "." + foldText(column.name);
+      column.printed = source.folded + "." + foldCase(column.name);
       select.columns.push_back(std::move(column));
     }
   }
@@ -230,7 +230,7 @@ void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, con
     if (bound.isColumn) {
       grouping.columns.insert(sql);
     } else {
-      grouping.printed.insert(foldText(tsql::print(*key)));
+      grouping.printed.insert(foldCase(tsql::print(*key)));
       if (bound.type.isText()) {
         sql += std::string(kCollateClause);
       }
@@ -281,10 +281,10 @@ std::optional<std::size_t> QueryBinder::outputPosition(const tsql::Expression& e
   if (reference == nullptr || reference->name.parts.size() != 1) {
     return std::nullopt;
   }
-  const std::string wanted = foldText(reference->name.parts.front());
+  const std::string wanted = foldCase(reference->name.parts.front());
   std::optional<std::size_t> found;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (columns[i].named && foldText(columns[i].name) == wanted) {
+    if (columns[i].named && foldCase(columns[i].name) == wanted) {
       const bool same = found && columns[i].expression.isColumn &&
                         columns[*found].expression.sql == columns[i].expression.sql;
       if (found && !same) {
@@ -302,7 +302,7 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
     return std::to_string(*position + 1);
   }
   const bool checks = select.distinct;
-  const std::string printed = checks ? foldText(tsql::print(*item.expression)) : "";
+  const std::string printed = checks ? foldCase(tsql::print(*item.expression)) : "";
   BoundExpression bound = bindKey(*item.expression, clause, false);
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");

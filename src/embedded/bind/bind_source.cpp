@@ -32,7 +32,7 @@ bool isJoin(const tsql::TableSource& source) {
 }  // namespace
 
 void addSource(Scope& scope, Source source) {
-  source.folded = foldText(source.name);
+  source.folded = foldCase(source.name);
   for (const Source& other : scope.sources) {
     if (other.folded == source.folded && other.hasAlias && source.hasAlias) {
       throw SqlError(1011, "The correlation name '" + source.name +
@@ -55,7 +55,7 @@ void describeDerived(BoundQuery& query, Source& source) {
       throw SqlError(8155, "No column name was specified for column " + std::to_string(number) +
                                " of '" + source.name + "'.");
     }
-    if (!source.byName.emplace(foldText(column.name), number - 1).second) {
+    if (!source.byName.emplace(foldCase(column.name), number - 1).second) {
       throw SqlError(8156, "The column '" + column.name + "' was specified multiple times for '" +
                                source.name + "'.");
     }

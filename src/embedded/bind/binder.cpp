@@ -27,7 +27,7 @@ void countTables(const tsql::Query& query, TableCounts& counts);
 /// Counts how often each table stands in FROM, queries inside FROM included.
 void countTables(const tsql::TableSource& source, TableCounts& counts) {
   if (const auto* const named = std::get_if<tsql::NamedTable>(&source.node)) {
-    ++counts[foldText(named->name.parts.back())];
+    ++counts[foldCase(named->name.parts.back())];
   } else if (const auto* const derived = std::get_if<tsql::DerivedTable>(&source.node)) {
     countTables(*derived->query, counts);
   } else if (const auto* const join = std::get_if<tsql::Join>(&source.node)) {
@@ -50,7 +50,7 @@ void describeBase(const OutputColumn& column, const TableCounts& counts, ColumnI
   if (!origin || origin->table->isVariable) {
     return;
   }
-  const auto found = counts.find(foldText(origin->table->name));
+  const auto found = counts.find(foldCase(origin->table->name));
   if (found == counts.end() || found->second != 1) {
     return;  // of a table that stands there twice it is not known which row is meant
   }
@@ -110,7 +110,7 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
     if (specification.items[i].assignTo.empty()) {
       continue;
     }
-    const std::string name = foldText(specification.items[i].assignTo);
+    const std::string name = foldCase(specification.items[i].assignTo);
     for (std::size_t j = 0; j < specification.items.size(); ++j) {
       if (mentionsVariable(*specification.items[j].expression, name)) {
         if (j > i) {
@@ -195,7 +195,7 @@ void Binder::checkFunction(const Routine& routine) {
                      "column " +
                          std::to_string(number) + ".");
     }
-    if (!names.insert(foldText(column.name)).second) {
+    if (!names.insert(foldCase(column.name)).second) {
       throw SqlError(4506, "Column names in each view or function must be unique. Column name '" +
                                column.name + "' in view or function '" + routine.name +
                                "' is specified more than once.");
@@ -209,7 +209,7 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   Source source;
   source.table = std::make_shared<const Table>(table);
   source.name = table.name;
-  source.folded = foldText(table.name);
+  source.folded = foldCase(table.name);
   scope.sources.push_back(std::move(source));
   std::string sql = queries.expressions().bindCondition(condition, Clause{scope}, false).sql;
   if (!translation_.slots.empty()) {

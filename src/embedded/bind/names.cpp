@@ -6,6 +6,7 @@
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/letter_case.h"
 #include "tsql/characters.h"
 
 namespace azcoll::embedded {
@@ -23,10 +24,10 @@ std::string dotted(const tsql::ObjectName& name) {
 /// Whether `qualifier` (the parts in front of the column) names the source.
 bool isNamedBy(const Source& source, const std::vector<std::string>& qualifier) {
   if (qualifier.size() == 2 &&
-      (source.hasAlias || !tsql::equalsIgnoringCase(qualifier.front(), "DBO"))) {
+      (source.hasAlias || !ascii::equalsIgnoringCase(qualifier.front(), "DBO"))) {
     return false;
   }
-  return qualifier.size() <= 2 && source.folded == foldText(qualifier.back());
+  return qualifier.size() <= 2 && source.folded == foldCase(qualifier.back());
 }
 
 }  // namespace
@@ -74,7 +75,7 @@ BoundExpression Names::resolve(const tsql::ColumnReference& reference, const Cla
 }
 
 BoundExpression Names::resolveBare(const std::string& name, const Clause& clause) const {
-  const std::string folded = foldText(name);
+  const std::string folded = foldCase(name);
   for (const Clause* at = &clause; at != nullptr; at = at->scope.parent) {
     const Source* found = nullptr;
     std::size_t column = 0;
@@ -102,7 +103,7 @@ BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Clau
       if (!isNamedBy(at->scope.sources[i], qualifier)) {
         continue;
       }
-      const auto match = at->scope.sources[i].find(foldText(column));
+      const auto match = at->scope.sources[i].find(foldCase(column));
       if (!match) {
         throw SqlError(207, "Invalid column name '" + column + "'.");
       }
@@ -114,7 +115,7 @@ BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Clau
 
 std::size_t Names::variableIndex(const std::string& name) const {
   if (context_.variables != nullptr && !inFunction_) {
-    const auto found = context_.variables->scalarByName.find(foldText(name));
+    const auto found = context_.variables->scalarByName.find(foldCase(name));
     if (found != context_.variables->scalarByName.end()) {
       return found->second;
     }
@@ -124,20 +125,20 @@ std::size_t Names::variableIndex(const std::string& name) const {
 
 BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
   if (inFunction_) {
-    const auto found = arguments_.find(foldText(variable.name));
+    const auto found = arguments_.find(foldCase(variable.name));
     if (found != arguments_.end()) {
       return found->second;
     }
   }
   BoundExpression bound;
   bound.pending.emplace();
-  if (tsql::equalsIgnoringCase(variable.name, "@@ROWCOUNT")) {
+  if (ascii::equalsIgnoringCase(variable.name, "@@ROWCOUNT")) {
     bound.pending->source = SlotSource::RowCount;
     bound.type = kInt;
-  } else if (tsql::equalsIgnoringCase(variable.name, "@@TRANCOUNT")) {
+  } else if (ascii::equalsIgnoringCase(variable.name, "@@TRANCOUNT")) {
     bound.pending->source = SlotSource::TransactionCount;
     bound.type = kInt;
-  } else if (tsql::equalsIgnoringCase(variable.name, "@@IDENTITY")) {
+  } else if (ascii::equalsIgnoringCase(variable.name, "@@IDENTITY")) {
     bound.pending->source = SlotSource::Identity;
     bound.type = decimalType(38, 0);
   } else {
@@ -154,13 +155,13 @@ BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
 }
 
 void Names::addArgument(const std::string& name, BoundExpression value) {
-  arguments_[foldText(name)] = std::move(value);
+  arguments_[foldCase(name)] = std::move(value);
 }
 
 std::shared_ptr<const Table> Names::findTable(const tsql::ObjectName& name) const {
   if (name.parts.back().starts_with('@')) {
     if (context_.variables != nullptr) {
-      const auto found = context_.variables->tables.find(foldText(name.parts.back()));
+      const auto found = context_.variables->tables.find(foldCase(name.parts.back()));
       if (found != context_.variables->tables.end()) {
         return found->second;
       }

@@ -6,6 +6,7 @@
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/letter_case.h"
 #include "tsql/characters.h"
 #include "tsql/parser.h"
 
@@ -33,7 +34,7 @@ std::string defaultConstraintName(const Table& table, const Constraint& constrai
 
 /// SQLite's name of a table. It keeps some names for itself, and one is that of the catalogue.
 std::string storeNameOf(const std::string& name) {
-  const std::string folded = foldText(name);
+  const std::string folded = foldCase(name);
   const bool reserved = folded.starts_with("sqlite_") || folded.starts_with("azcoll_catalogue");
   return reserved ? "~" + name : name;
 }
@@ -73,15 +74,15 @@ class TableDescriber {
     column.identity = definition.identity;
     column.defaultValue = definition.defaultValue.get();
     if (!definition.collation.empty() &&
-        !tsql::equalsIgnoringCase(definition.collation, "LATIN1_GENERAL_CI_AS") &&
-        !tsql::equalsIgnoringCase(definition.collation, "DATABASE_DEFAULT")) {
+        !ascii::equalsIgnoringCase(definition.collation, "LATIN1_GENERAL_CI_AS") &&
+        !ascii::equalsIgnoringCase(definition.collation, "DATABASE_DEFAULT")) {
       refuse(text_, definition.position, "the collation " + definition.collation);
     }
     if (definition.identity) {
       checkIdentity(definition, column);
       table_->identity = table_->columns.size();
     }
-    if (!table_->byName.emplace(foldText(column.name), table_->columns.size()).second) {
+    if (!table_->byName.emplace(foldCase(column.name), table_->columns.size()).second) {
       throw SqlError(2705, "Column names in each table must be unique. Column name '" +
                                column.name + "' in table '" + table_->name +
                                "' is specified more than once.");
@@ -163,43 +164,43 @@ class TableDescriber {
 }  // namespace
 
 std::optional<std::size_t> Table::find(std::string_view column) const {
-  const auto found = byName.find(foldText(column));
+  const auto found = byName.find(foldCase(column));
   return found == byName.end() ? std::nullopt : std::optional(found->second);
 }
 
 Catalogue::TablePtr Catalogue::findTable(std::string_view name) const {
-  const auto found = tables_.find(foldText(name));
+  const auto found = tables_.find(foldCase(name));
   return found == tables_.end() ? nullptr : found->second;
 }
 
 Catalogue::RoutinePtr Catalogue::findRoutine(std::string_view name) const {
-  const auto found = routines_.find(foldText(name));
+  const auto found = routines_.find(foldCase(name));
   return found == routines_.end() ? nullptr : found->second;
 }
 
-void Catalogue::add(TablePtr table) { tables_[foldText(table->name)] = std::move(table); }
+void Catalogue::add(TablePtr table) { tables_[foldCase(table->name)] = std::move(table); }
 
-void Catalogue::add(RoutinePtr routine) { routines_[foldText(routine->name)] = std::move(routine); }
+void Catalogue::add(RoutinePtr routine) { routines_[foldCase(routine->name)] = std::move(routine); }
 
 void Catalogue::addIndex(std::string_view table, Index index) {
   // Plans share the tables: a changed one is a new one.
-  TablePtr& place = tables_.at(foldText(table));
+  TablePtr& place = tables_.at(foldCase(table));
   auto changed = std::make_shared<Table>(*place);
   changed->indexes.push_back(std::move(index));
   place = std::move(changed);
 }
 
 void Catalogue::removeIndex(std::string_view table, std::string_view index) {
-  TablePtr& place = tables_.at(foldText(table));
+  TablePtr& place = tables_.at(foldCase(table));
   auto changed = std::make_shared<Table>(*place);
   std::erase_if(changed->indexes,
-                [&](const Index& each) { return foldText(each.name) == foldText(index); });
+                [&](const Index& each) { return foldCase(each.name) == foldCase(index); });
   place = std::move(changed);
 }
 
-void Catalogue::removeTable(std::string_view name) { tables_.erase(foldText(name)); }
+void Catalogue::removeTable(std::string_view name) { tables_.erase(foldCase(name)); }
 
-void Catalogue::removeRoutine(std::string_view name) { routines_.erase(foldText(name)); }
+void Catalogue::removeRoutine(std::string_view name) { routines_.erase(foldCase(name)); }
 
 void Catalogue::clear() {
   tables_.clear();
@@ -251,7 +252,7 @@ const std::string& objectName(const tsql::ObjectName& name, std::string_view tex
   if (parts > 2) {
     refuse(text, name.position, "names with a database or a server");
   }
-  if (parts == 2 && !tsql::equalsIgnoringCase(name.parts[0], "DBO")) {
+  if (parts == 2 && !ascii::equalsIgnoringCase(name.parts[0], "DBO")) {
     throw SqlError(208, "Invalid object name '" + name.parts[0] + "." + name.parts[1] + "'.");
   }
   return name.parts.back();

@@ -86,8 +86,8 @@ std::vector<std::string> CatalogueStore::definitions() const {
 
 void CatalogueStore::add(std::string_view kind, std::string_view name, std::string_view parent,
                          std::string_view definition) const {
-  const std::string foldedName = foldText(name);
-  const std::string foldedParent = foldText(parent);
+  const std::string foldedName = foldCase(name);
+  const std::string foldedParent = foldCase(parent);
   const SqliteStatement insert =
       database_->prepare("INSERT INTO " + std::string(kCatalogueTable) +
                          " (kind, name, parent, definition) VALUES (?1, ?2, ?3, ?4)");
@@ -100,8 +100,8 @@ void CatalogueStore::add(std::string_view kind, std::string_view name, std::stri
 
 void CatalogueStore::remove(std::string_view kind, std::string_view name,
                             std::string_view parent) const {
-  const std::string foldedName = foldText(name);
-  const std::string foldedParent = foldText(parent);
+  const std::string foldedName = foldCase(name);
+  const std::string foldedParent = foldCase(parent);
   const SqliteStatement removal =
       database_->prepare("DELETE FROM " + std::string(kCatalogueTable) +
                          " WHERE kind = ?1 AND name = ?2 AND parent = ?3");
@@ -112,7 +112,7 @@ void CatalogueStore::remove(std::string_view kind, std::string_view name,
 }
 
 void CatalogueStore::removeIndexesOf(std::string_view table) const {
-  const std::string folded = foldText(table);
+  const std::string folded = foldCase(table);
   const SqliteStatement removal = database_->prepare("DELETE FROM " + std::string(kCatalogueTable) +
                                                      " WHERE kind = 'INDEX' AND parent = ?1");
   removal.bind(1, folded);

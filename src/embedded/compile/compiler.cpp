@@ -67,15 +67,15 @@ bool assigns(const tsql::SelectStatement& statement) {
 }
 
 void addVariable(VariableTable& variables, const std::string& name, const Type& type) {
-  const auto found = variables.scalarByName.find(foldText(name));
+  const auto found = variables.scalarByName.find(foldCase(name));
   const bool taken = found != variables.scalarByName.end();
-  if (taken || variables.tables.contains(foldText(name))) {
+  if (taken || variables.tables.contains(foldCase(name))) {
     throw SqlError(134, "The variable name '" +
                             (taken ? variables.scalars[found->second].name : name) +
                             "' has already been declared. Variable names must be unique within a "
                             "query batch or stored procedure.");
   }
-  variables.scalarByName.emplace(foldText(name), variables.scalars.size());
+  variables.scalarByName.emplace(foldCase(name), variables.scalars.size());
   variables.scalars.push_back({name, type});
 }
 
@@ -338,7 +338,7 @@ void Compiler::declare(Work& work, const tsql::DeclareStatement& statement,
 /// plan runs: making it anew each time would cost more than all that is done with it.
 void Compiler::declareTable(Work& work, const tsql::VariableDeclaration& declaration) const {
   VariableTable& variables = work.plan.variables;
-  const std::string folded = foldText(declaration.name);
+  const std::string folded = foldCase(declaration.name);
   if (variables.scalarByName.contains(folded) || variables.tables.contains(folded)) {
     throw SqlError(134, "The variable name '" + declaration.name +
                             "' has already been declared. Variable names must be unique within a "
@@ -364,7 +364,7 @@ Node Compiler::assign(Work& work, const std::string& name, const tsql::Expressio
   AssignNode assignment;
   assignment.isSet = true;
   const auto& variables = work.plan.variables;
-  const auto found = variables.scalarByName.find(foldText(name));
+  const auto found = variables.scalarByName.find(foldCase(name));
   if (found == variables.scalarByName.end()) {
     throw SqlError(137, "Must declare the scalar variable \"" + name + "\".");
   }
@@ -394,7 +394,7 @@ Node Compiler::compileExecute(Work& work, const tsql::ExecuteStatement& statemen
     if (!argument.name.empty()) {
       bound.parameter = 0;
       while (bound.parameter < parameters.size() &&
-             foldText(parameters[bound.parameter].name) != foldText(argument.name)) {
+             foldCase(parameters[bound.parameter].name) != foldCase(argument.name)) {
         ++bound.parameter;
       }
       if (bound.parameter == parameters.size()) {
@@ -414,7 +414,7 @@ Node Compiler::compileExecute(Work& work, const tsql::ExecuteStatement& statemen
     if (bound.value != nullptr) {
       const auto* const variable = std::get_if<tsql::Variable>(&bound.value->node);
       if (variable != nullptr &&
-          !work.plan.variables.scalarByName.contains(foldText(variable->name))) {
+          !work.plan.variables.scalarByName.contains(foldCase(variable->name))) {
         throw SqlError(137, "Must declare the scalar variable \"" + variable->name + "\".");
       }
     }

@@ -112,7 +112,7 @@ void checkForeignKey(const Table& table, const Constraint& constraint, const Tab
 
 std::string foreignKey(const Table& table, const Constraint& constraint,
                        const Catalogue& catalogue) {
-  const bool self = foldText(constraint.referencedTable) == foldText(table.name);
+  const bool self = foldCase(constraint.referencedTable) == foldCase(table.name);
   const Catalogue::TablePtr found =
       self ? nullptr : catalogue.findTable(constraint.referencedTable);
   if (!self && !found) {

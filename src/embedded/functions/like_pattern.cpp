@@ -23,7 +23,7 @@ std::vector<std::uint32_t> characters(std::string_view text) {
   result.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {
     const DecodedCharacter character = characterAt(text, at);
-    result.push_back(foldCodePoint(character.codePoint));
+    result.push_back(foldCase(character.codePoint));
     at += character.length;
   }
   return result;
@@ -57,7 +57,7 @@ std::vector<Element> compile(std::string_view text, std::optional<char32_t> esca
     const std::uint32_t c = pattern[at++];
     Element element;
     element.character = c;
-    if (escape && c == foldCodePoint(*escape) && at < pattern.size()) {
+    if (escape && c == foldCase(*escape) && at < pattern.size()) {
       element.character = pattern[at++];
     } else if (c == '%') {
       element.kind = Element::Kind::Many;

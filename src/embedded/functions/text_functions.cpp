@@ -5,7 +5,7 @@
 #include "embedded/functions/like_pattern.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 
 namespace azcoll::embedded {
 
@@ -25,11 +25,11 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
 }
 
 std::int64_t characterCountOf(std::string_view text) {
-  return std::count_if(text.begin(), text.end(), [](char c) { return !tsql::isContinuation(c); });
+  return std::count_if(text.begin(), text.end(), [](char c) { return !isContinuation(c); });
 }
 
 std::string_view skipCharacters(std::string_view text, std::size_t count) {
-  return text.substr(tsql::firstCharacters(text, count).size());
+  return text.substr(leftCharacters(text, count).size());
 }
 
 template <void (*Body)(const FunctionCallFrame&)>
@@ -54,7 +54,7 @@ void length(const FunctionCallFrame& frame) {
 
 void left(const FunctionCallFrame& frame) {
   const auto count = static_cast<std::size_t>(requireCount(frame.integer(1)));
-  frame.give(tsql::firstCharacters(frame.text(0), count));
+  frame.give(leftCharacters(frame.text(0), count));
 }
 
 void right(const FunctionCallFrame& frame) {
@@ -76,14 +76,14 @@ void substring(const FunctionCallFrame& frame) {
   const std::int64_t first = std::max(start, std::int64_t{1});
   const auto skipped = static_cast<std::size_t>(first - 1);
   const auto wanted = static_cast<std::size_t>(std::max(end - first, std::int64_t{0}));
-  frame.give(tsql::firstCharacters(skipCharacters(frame.text(0), skipped), wanted));
+  frame.give(leftCharacters(skipCharacters(frame.text(0), skipped), wanted));
 }
 
 void upper(const FunctionCallFrame& frame) {
   frame.give(std::string_view(upperText(frame.text(0))));
 }
 void lower(const FunctionCallFrame& frame) {
-  frame.give(std::string_view(lowerText(frame.text(0))));
+  frame.give(std::string_view(foldCase(frame.text(0))));
 }
 void leftTrim(const FunctionCallFrame& frame) { frame.give(withoutLeadingBlanks(frame.text(0))); }
 void rightTrim(const FunctionCallFrame& frame) { frame.give(withoutTrailingBlanks(frame.text(0))); }
@@ -94,11 +94,11 @@ void trimBoth(const FunctionCallFrame& frame) {
 /// Calls `found(position)` for every place of `wanted`, letter case ignored; folding keeps the
 /// number of characters but not of bytes, so the places are counted in characters.
 std::size_t findFolded(std::string_view text, std::string_view wanted, std::size_t from) {
-  const std::string pattern = foldText(wanted);
+  const std::string pattern = foldCase(wanted);
   for (std::size_t at = from; at < text.size(); at += characterAt(text, at).length) {
     const std::string_view candidate =
-        tsql::firstCharacters(text.substr(at), static_cast<std::size_t>(characterCountOf(wanted)));
-    if (foldText(candidate) == pattern) {
+        leftCharacters(text.substr(at), static_cast<std::size_t>(characterCountOf(wanted)));
+    if (foldCase(candidate) == pattern) {
       return at;
     }
   }
@@ -119,7 +119,7 @@ void replace(const FunctionCallFrame& frame) {
        found = findFolded(text, wanted, at)) {
     result += text.substr(at, found - at);
     result += frame.text(2);
-    at = found + tsql::firstCharacters(text.substr(found), characters).size();
+    at = found + leftCharacters(text.substr(found), characters).size();
   }
   frame.give(std::string_view(result += text.substr(at)));
 }
@@ -127,7 +127,7 @@ void replace(const FunctionCallFrame& frame) {
 void charIndex(const FunctionCallFrame& frame) {
   const std::string_view text = frame.text(1);
   const std::int64_t start = frame.count() > 2 ? std::max(frame.integer(2), std::int64_t{1}) : 1;
-  const std::size_t from = tsql::firstCharacters(text, static_cast<std::size_t>(start - 1)).size();
+  const std::size_t from = leftCharacters(text, static_cast<std::size_t>(start - 1)).size();
   const std::size_t found =
       frame.text(0).empty() ? std::string_view::npos : findFolded(text, frame.text(0), from);
   frame.give(found == std::string_view::npos ? std::int64_t{0}
@@ -188,7 +188,7 @@ void character(const FunctionCallFrame& frame) {
     throw SqlError(0, "Outside the supported T-SQL: CHAR between 128 and 159.");
   }
   std::string text;
-  appendCharacter(text, static_cast<std::uint32_t>(code));
+  appendUtf8(text, static_cast<std::uint32_t>(code));
   frame.give(std::string_view(text));
 }
 

@@ -278,7 +278,7 @@ void BatchRunner::transact(tsql::TransactionVerb verb) {
 
 Value BatchRunner::argumentValue(const tsql::Expression& expression, const Type& type) const {
   if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
-    const std::size_t index = plan_.variables.scalarByName.at(foldText(variable->name));
+    const std::size_t index = plan_.variables.scalarByName.at(foldCase(variable->name));
     return convert(variables_[index], plan_.variables.scalars[index].type, type, Conversion::Cut);
   }
   std::optional<Value> value;
@@ -316,7 +316,7 @@ void BatchRunner::passBack(const ExecuteNode& node, const BatchRunner& callee) {
     const auto* const variable =
         argument.output ? std::get_if<tsql::Variable>(&argument.value->node) : nullptr;
     if (variable != nullptr) {
-      const std::size_t index = plan_.variables.scalarByName.at(foldText(variable->name));
+      const std::size_t index = plan_.variables.scalarByName.at(foldCase(variable->name));
       variables_[index] = convert(callee.variables_[argument.parameter],
                                   node.routine->parameters[argument.parameter].type,
                                   plan_.variables.scalars[index].type, Conversion::Cut);

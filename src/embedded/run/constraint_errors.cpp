@@ -288,7 +288,7 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
   std::string parent;
   std::vector<std::size_t> columns;
   while (parts.step()) {
-    parent = foldText(parts.text(0));
+    parent = foldCase(parts.text(0));
     columns.push_back(child.find(parts.text(1)).value_or(0));
   }
   for (const Constraint& constraint : child.constraints) {
@@ -296,7 +296,7 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
       continue;
     }
     const Catalogue::TablePtr table = session_.catalogue.findTable(constraint.referencedTable);
-    const std::string parentName = table ? foldText(table->storeName) : "";
+    const std::string parentName = table ? foldCase(table->storeName) : "";
     if (constraint.columns == columns && parentName == parent) {
       return &constraint;
     }
@@ -305,7 +305,7 @@ const Constraint* ConstraintReporter::findViolated(const Table& child) const {
 }
 
 SqlError ConstraintReporter::violated(const Table& child, const Constraint& constraint) const {
-  const bool self = foldText(constraint.referencedTable) == foldText(child.name);
+  const bool self = foldCase(constraint.referencedTable) == foldCase(child.name);
   const bool changedIsChild = &child == node_.table.get();
   if (changedIsChild && node_.kind != ChangeKind::Delete) {
     const Catalogue::TablePtr parent = session_.catalogue.findTable(constraint.referencedTable);
@@ -328,7 +328,7 @@ std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
     const bool refers = std::any_of(
         child->constraints.begin(), child->constraints.end(), [this](const Constraint& each) {
           return each.kind == tsql::ConstraintKind::ForeignKey &&
-                 foldText(each.referencedTable) == foldText(node_.table->name);
+                 foldCase(each.referencedTable) == foldCase(node_.table->name);
         });
     if (refers && child != node_.table) {
       if (const Constraint* const constraint = findViolated(*child)) {

@@ -65,11 +65,11 @@ bool Definer::define(const tsql::Statement& statement, std::string_view text) {
 }
 
 void Definer::requireFreeName(const std::string& name) const {
-  const std::string folded = foldText(name);
+  const std::string folded = foldCase(name);
   bool taken = session_.catalogue.findTable(name) || session_.catalogue.findRoutine(name);
   for (const auto& [key, table] : session_.catalogue.tables()) {
     for (const Constraint& constraint : table->constraints) {
-      taken = taken || foldText(constraint.name) == folded;
+      taken = taken || foldCase(constraint.name) == folded;
     }
   }
   if (taken) {
@@ -111,7 +111,7 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
   }
   const Index index = describeIndex(statement, *table);
   for (const Index& other : table->indexes) {
-    if (foldText(other.name) == foldText(index.name)) {
+    if (foldCase(other.name) == foldCase(index.name)) {
       throw SqlError(1913, "The operation failed because an index or statistics with name '" +
                                index.name + "' already exists on table '" + table->name + "'.");
     }
@@ -201,7 +201,7 @@ void Definer::dropTable(const std::string& name, bool ifExists) {
   for (const auto& [key, other] : session_.catalogue.tables()) {
     for (const Constraint& constraint : other->constraints) {
       if (other != table && constraint.kind == tsql::ConstraintKind::ForeignKey &&
-          foldText(constraint.referencedTable) == foldText(table->name)) {
+          foldCase(constraint.referencedTable) == foldCase(table->name)) {
         throw SqlError(3726, "Could not drop object '" + name +
                                  "' because it is referenced by a FOREIGN KEY constraint.");
       }
@@ -225,7 +225,7 @@ void Definer::dropIndex(const tsql::DropStatement& statement) {
   const Index* found = nullptr;
   if (table) {
     for (const Index& each : table->indexes) {
-      if (foldText(each.name) == foldText(index)) {
+      if (foldCase(each.name) == foldCase(index)) {
         found = &each;
       }
     }

@@ -4,7 +4,7 @@
 #include <array>
 #include <string_view>
 
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 
 namespace azcoll::embedded {
 
@@ -62,45 +62,11 @@ constexpr std::uint32_t primaryWeight(std::uint32_t folded) {
   }
 }
 
-constexpr std::uint32_t foldLatin(std::uint32_t c) {
-  if (isWithin(c, 0xC0, 0xDE) && c != 0xD7) {
-    return c + 0x20;
-  }
-  if (c == 0x178) {
-    return 0xFF;
-  }
-  const bool evenUpper = isWithin(c, 0x100, 0x137) || isWithin(c, 0x14A, 0x177);
-  const bool oddUpper = isWithin(c, 0x139, 0x148) || isWithin(c, 0x179, 0x17E);
-  if (c == 0x130 || c == 0x131 || c == 0x138) {
-    return c;  // Turkish dotted and dotless i, kra: no other case
-  }
-  if ((evenUpper && c % 2 == 0) || (oddUpper && c % 2 == 1)) {
-    return c + 1;
-  }
-  return c;
-}
-
-constexpr std::uint32_t foldBeyondLatin(std::uint32_t c) {
-  if ((isWithin(c, 0x391, 0x3A9) && c != 0x3A2) || isWithin(c, 0x410, 0x42F)) {
-    return c + 0x20;
-  }
-  if (isWithin(c, 0x400, 0x40F)) {
-    return c + 0x50;
-  }
-  return c;
-}
-
-constexpr std::uint32_t foldOne(std::uint32_t c) {
-  if (c < 0x80) {
-    return isWithin(c, 'A', 'Z') ? c + 0x20 : c;
-  }
-  return c < 0x180 ? foldLatin(c) : foldBeyondLatin(c);
-}
-
 constexpr std::array<std::uint16_t, 128> makeAsciiWeights() {
   std::array<std::uint16_t, 128> weights{};
   for (std::uint32_t c = 0; c < 128; ++c) {
-    weights[c] = static_cast<std::uint16_t>(primaryWeight(foldOne(c)));
+    weights[c] =
+        static_cast<std::uint16_t>(primaryWeight(isWithin(c, 'A', 'Z') ? c + ('a' - 'A') : c));
   }
   return weights;
 }
@@ -123,7 +89,7 @@ class WeightReader {
     }
     const DecodedCharacter character = characterAt(text_, at_);
     at_ += character.length;
-    return foldOne(character.codePoint);
+    return foldCase(character.codePoint);
   }
 
  private:
@@ -184,49 +150,15 @@ int compareText(std::string_view left, std::string_view right) {
   return 0;
 }
 
-std::uint32_t foldCodePoint(std::uint32_t codePoint) { return foldOne(codePoint); }
-
 DecodedCharacter characterAt(std::string_view text, std::size_t at) {
   const auto byte = static_cast<unsigned char>(text[at]);
   if (byte < 0x80) {
     return {byte, 1};
   }
-  const tsql::CodePoint decoded = tsql::decodeUtf8(text, at);
+  const CodePoint decoded = decodeUtf8(text, at);
   return decoded.length == 0 ? DecodedCharacter{byte, 1}
                              : DecodedCharacter{decoded.value, decoded.length};
 }
-
-void appendCharacter(std::string& text, std::uint32_t codePoint) {
-  const auto put = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (codePoint < 0x80) {
-    put(codePoint);
-  } else if (codePoint < 0x800) {
-    put(0xC0U | (codePoint >> 6U));
-    put(0x80U | (codePoint & 0x3FU));
-  } else if (codePoint < 0x10000) {
-    put(0xE0U | (codePoint >> 12U));
-    put(0x80U | ((codePoint >> 6U) & 0x3FU));
-    put(0x80U | (codePoint & 0x3FU));
-  } else {
-    put(0xF0U | (codePoint >> 18U));
-    put(0x80U | ((codePoint >> 12U) & 0x3FU));
-    put(0x80U | ((codePoint >> 6U) & 0x3FU));
-    put(0x80U | (codePoint & 0x3FU));
-  }
-}
-
-std::string foldText(std::string_view text) {
-  std::string folded;
-  folded.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const DecodedCharacter character = characterAt(text, at);
-    appendCharacter(folded, foldOne(character.codePoint));
-    at += character.length;
-  }
-  return folded;
-}
-
-std::string lowerText(std::string_view text) { return foldText(text); }
 
 std::string upperText(std::string_view text) {
   std::string result;
@@ -238,12 +170,12 @@ std::string upperText(std::string_view text) {
     // An upper-case letter lies at one of these distances below the lower-case one.
     constexpr std::array<std::uint32_t, 3> kDistances{0x20, 1, 0x50};
     for (const std::uint32_t distance : kDistances) {
-      if (c >= distance && c - distance != c && foldOne(c - distance) == c && foldOne(c) == c) {
+      if (c >= distance && c - distance != c && foldCase(c - distance) == c && foldCase(c) == c) {
         upper = c - distance;
         break;
       }
     }
-    appendCharacter(result, c == 0xFF ? 0x178 : upper);
+    appendUtf8(result, c == 0xFF ? 0x178 : upper);
     at += character.length;
   }
   return result;

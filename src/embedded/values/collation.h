@@ -5,6 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "text/letter_case.h"
+#include "text/utf8.h"
+
 namespace azcoll::embedded {
 
 /// Name of the collation of every text column: letter case does not count, accents do, blanks at
@@ -16,14 +19,7 @@ inline constexpr std::string_view kCollateClause = " COLLATE TSQL";
 /// Compares as the collation does: negative, 0, positive.
 [[nodiscard]] int compareText(std::string_view left, std::string_view right);
 
-/// One code point without its letter case.
-[[nodiscard]] std::uint32_t foldCodePoint(std::uint32_t codePoint);
-
-/// `text` without letter case: the form in which names are looked up.
-[[nodiscard]] std::string foldText(std::string_view text);
-
 [[nodiscard]] std::string upperText(std::string_view text);
-[[nodiscard]] std::string lowerText(std::string_view text);
 
 /// The code point at `at`, and its bytes; a malformed byte is taken for one of Latin-1.
 struct DecodedCharacter {
@@ -31,7 +27,6 @@ struct DecodedCharacter {
   std::size_t length = 1;
 };
 [[nodiscard]] DecodedCharacter characterAt(std::string_view text, std::size_t at);
-void appendCharacter(std::string& text, std::uint32_t codePoint);
 
 /// Characters as SQL Server counts them (UTF-16 units).
 [[nodiscard]] std::size_t utf16Length(std::string_view text);

@@ -15,7 +15,7 @@
 #include "embedded/values/date_values.h"
 #include "embedded/values/number_values.h"
 #include "embedded/values/sql_error.h"
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 
 namespace azcoll::embedded {
 
@@ -391,7 +391,7 @@ Value valueFromVariant(const Variant& variant, const Type& type, Conversion conv
                      conversion);
     }
     case Variant::Kind::Text:
-      if (tsql::findMalformedUtf8(*variant.get<std::string>()) != std::string_view::npos) {
+      if (findMalformedUtf8(*variant.get<std::string>()) != std::string_view::npos) {
         throw SqlError(0, "Il testo di un parametro non è in UTF-8.");
       }
       return convert(Value::ofText(*variant.get<std::string>()), kNVarChar, type, conversion);

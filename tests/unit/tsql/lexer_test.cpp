@@ -1,6 +1,6 @@
 #include "tsql/lexer.h"
 
-#include "tsql/utf8.h"
+#include "text/utf8.h"
 #include "unit/tsql/support.h"
 
 namespace azcoll::tsql::test {
@@ -132,9 +132,9 @@ TEST(Utf8, DecodesEveryLengthAndRefusesWhatIsNone) {
 }
 
 TEST(Utf8, CutsBetweenCharacters) {
-  EXPECT_EQ(firstCharacters("àèì", 2), "àè");
-  EXPECT_EQ(firstCharacters("àèì", 3), "àèì");
-  EXPECT_EQ(firstCharacters("", 3), "");
+  EXPECT_EQ(leftCharacters("àèì", 2), "àè");
+  EXPECT_EQ(leftCharacters("àèì", 3), "àèì");
+  EXPECT_EQ(leftCharacters("", 3), "");
 }
 
 }  // namespace
