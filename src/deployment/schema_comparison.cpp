@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "text/letter_case.h"
+
 namespace azcoll::deployment {
 namespace {
 

@@ -13,6 +13,7 @@
 #include "data/recordset.h"
 #include "data/text.h"
 #include "deployment/failure.h"
+#include "text/letter_case.h"
 
 namespace azcoll::deployment {
 namespace {
