@@ -72,6 +72,18 @@ bool queryMentions(const tsql::Query& query, std::string_view name) {
                      [&](const tsql::OrderItem& item) { return mentions(item.expression, name); });
 }
 
+/// Whether the query that the expression itself is, or looks into, mentions the variable.
+bool ownQueryMentions(const tsql::Expression& expression, std::string_view name) {
+  if (const auto* const in = std::get_if<tsql::InQuery>(&expression.node)) {
+    return queryMentions(*in->query, name);
+  }
+  if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
+    return queryMentions(*exists->query, name);
+  }
+  const auto* const scalar = std::get_if<tsql::ScalarQuery>(&expression.node);
+  return scalar != nullptr && queryMentions(*scalar->query, name);
+}
+
 }  // namespace
 
 void forEachOperand(const tsql::Expression& expression,
@@ -158,18 +170,17 @@ bool mentionsVariable(const tsql::Expression& expression, std::string_view name)
   if (const auto* const variable = std::get_if<tsql::Variable>(&expression.node)) {
     return foldCase(variable->name) == name;
   }
-  if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
-    if (queryMentions(*query->query, name)) {
-      return true;
-    }
-  } else if (const auto* const exists = std::get_if<tsql::Exists>(&expression.node)) {
-    return queryMentions(*exists->query, name);
-  } else if (const auto* const scalar = std::get_if<tsql::ScalarQuery>(&expression.node)) {
-    return queryMentions(*scalar->query, name);
-  }
-  bool found = false;
+  bool found = ownQueryMentions(expression, name);
   forEachOperand(expression, [&](const tsql::Expression& operand) {
     found = found || mentionsVariable(operand, name);
+  });
+  return found;
+}
+
+bool queryInsideMentions(const tsql::Expression& expression, std::string_view name) {
+  bool found = ownQueryMentions(expression, name);
+  forEachOperand(expression, [&](const tsql::Expression& operand) {
+    found = found || queryInsideMentions(operand, name);
   });
   return found;
 }

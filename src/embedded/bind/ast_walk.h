@@ -24,4 +24,7 @@ void forEachOperand(const tsql::Expression& expression,
 /// Whether the variable `name` (folded) stands anywhere in the expression, queries included.
 [[nodiscard]] bool mentionsVariable(const tsql::Expression& expression, std::string_view name);
 
+/// Whether it stands in a query inside the expression.
+[[nodiscard]] bool queryInsideMentions(const tsql::Expression& expression, std::string_view name);
+
 }  // namespace azcoll::embedded

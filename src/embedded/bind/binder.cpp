@@ -117,6 +117,12 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
           refuse(context_.text, specification.items[j].position,
                  "a variable that the same SELECT has given a value before");
         }
+        if (!specification.from.empty() &&
+            queryInsideMentions(*specification.items[j].expression, name)) {
+          // SQLite runs a query that no column correlates once, with the value of the first row.
+          refuse(context_.text, specification.items[j].position,
+                 "a query that reads the variable which is built up row by row");
+        }
         accumulates = true;
         queries.names().readForEachRow(
             queries.names().variableIndex(specification.items[i].assignTo));
