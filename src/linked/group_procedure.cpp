@@ -8,8 +8,7 @@ constexpr std::int16_t flag(bool value) { return value ? 1 : 0; }
 }  // namespace
 
 std::shared_ptr<Command> groupCommand(const std::shared_ptr<Connection>& connection,
-                                      const Variant& company, const Date& start,
-                                      std::int16_t duplicating, const GroupFilter& filter) {
+                                      const Variant& company, const Date& start) {
   std::shared_ptr<Command> command = connection->newCommand();
   command->setActiveConnection(connection);
   command->setCommandText("PC_GetDitteCollegate");
@@ -19,13 +18,17 @@ std::shared_ptr<Command> groupCommand(const std::shared_ptr<Connection>& connect
   Parameters& parameters = command->parameters();
   parameters.item("@CodiceDitta").setValue(company);
   parameters.item("@DataInizioElaborazione").setValue(start);
+  return command;
+}
+
+void selectCompanies(Command& command, std::int16_t duplicating, const GroupFilter& filter) {
+  Parameters& parameters = command.parameters();
   parameters.item("@GestioneDuplicazioneCliFor").setValue(duplicating);
   parameters.item("@EscludiDittaPrincipale").setValue(flag(filter.withoutMain));
   parameters.item("@EscludiDittaCorrente").setValue(flag(filter.withoutCurrent));
   parameters.item("@TipoCF").setValue(filter.kind);
   parameters.item("@CodIntermedio").setValue(filter.intermediary);
   parameters.item("@CodSede").setValue(filter.branch);
-  return command;
 }
 
 }  // namespace azcoll::linked

@@ -18,13 +18,14 @@ struct GroupFilter {
   Variant branch = kNull;        ///< only companies that have it
 };
 
-/// The command for the stored procedure that knows the group of `company` in the year of `start`,
-/// with its parameters set. `duplicating` is handed over as it is. Executed, it gives one row a
-/// company (`DITTA`, `PRINCIPALE`, `CG86_INDTIPOCONT`), the main one first, and their list in
-/// `@DitteCollegate`. Throws `Error` when the database does not know the procedure.
+/// The command for the stored procedure that knows the group of `company` in the year of `start`;
+/// `selectCompanies` completes it. Executed, it gives one row a company (`DITTA`, `PRINCIPALE`,
+/// `CG86_INDTIPOCONT`), the main one first, and their list in `@DitteCollegate`. Throws `Error` when
+/// the database does not know the procedure.
 [[nodiscard]] std::shared_ptr<Command> groupCommand(const std::shared_ptr<Connection>& connection,
-                                                    const Variant& company, const Date& start,
-                                                    std::int16_t duplicating,
-                                                    const GroupFilter& filter);
+                                                    const Variant& company, const Date& start);
+
+/// Tells the command which companies to give. `duplicating` is handed over as it is. Throws `Error`.
+void selectCompanies(Command& command, std::int16_t duplicating, const GroupFilter& filter);
 
 }  // namespace azcoll::linked

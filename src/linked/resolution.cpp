@@ -16,8 +16,11 @@ std::shared_ptr<Command> groupOfCall(Call& call, const GroupFilter& filter) {
   if (!start) {
     throw Error("Anno di riferimento non valido");
   }
-  return groupCommand(call.sharedConnection(), call.input().Pvar_Ditta, *start,
-                      call.ValoreGestioneDuplicazioneCliFor(), filter);
+  std::shared_ptr<Command> command =
+      groupCommand(call.sharedConnection(), call.input().Pvar_Ditta, *start);
+  // Looked up behind the first parameters: a value that cannot be read leaves its mark in `Stato`.
+  selectCompanies(*command, call.ValoreGestioneDuplicazioneCliFor(), filter);
+  return command;
 }
 
 }  // namespace

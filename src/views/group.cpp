@@ -56,7 +56,8 @@ Memberships membershipsOf(const std::vector<Link>& links, std::int32_t year) {
 Rows procedureRows(const std::shared_ptr<Connection>& connection, std::int32_t main,
                    std::int32_t year) {
   const std::shared_ptr<Command> command =
-      linked::groupCommand(connection, main, Date::of(year, 1, 1).value_or(Date{}), 0, {});
+      linked::groupCommand(connection, main, Date::of(year, 1, 1).value_or(Date{}));
+  linked::selectCompanies(*command, 0, {});
   std::int64_t affected = 0;
   const std::shared_ptr<Recordset> recordset =
       command->execute(affected, CommandOption::StoredProcedure);
