@@ -20,7 +20,7 @@ constexpr int kYear = 2024;
 constexpr int kOtherYears = 19;
 constexpr int kFirstOther = 2000;  // of the other companies
 
-/// What the table of activities holds besides the example.
+/// What the table of activities holds beyond the example.
 struct Filling {
   int rows = 100;         ///< activities of the company in the year that is asked for
   int table = 10'000;     ///< the same with those of the nineteen years before

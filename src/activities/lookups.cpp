@@ -120,8 +120,8 @@ bool VerificaEsistenzaAttivita(Call& call) noexcept {
     if (!call.isMissing(call.output().CodiceAttività)) {
       return;
     }
-    // Callers rely on it: a look-up that failed counts as a missing activity, and is told in the
-    // end whatever came of it.
+    // Callers rely on it: a look-up that failed counts as a missing activity, and is reported in
+    // the end whatever came of it.
     const Variant lookup = call.Stato;
     switch (LeggiFlagIvaQuater(call)) {
       case regimes::kOneActivity:

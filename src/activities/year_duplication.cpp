@@ -63,7 +63,7 @@ std::string lowestCodeUpdate(const Variant& company, const Variant& year) {
 /// One duplication of a year: what its steps hand on to each other.
 class YearDuplication {
  public:
-  /// `begun` tells whether its transaction is open, and outlives it.
+  /// `begun` says whether its transaction is open, and outlives it.
   YearDuplication(Call& call, bool& begun)
       : call_{call},
         in_{call.input()},
@@ -245,7 +245,7 @@ void YearDuplication::restoreMainActivity(Recordset& remembered) {
   for (; !remembered.atEnd(); remembered.moveNext()) {
     const Variant code = remembered.fields().item("CG86_CODATTIVITA").value();
     if (call_.isMissing(code)) {
-      continue;  // a link without activity cannot be told by its code
+      continue;  // a link without activity cannot be recognized by its code
     }
     tried = true;
     call_.run(

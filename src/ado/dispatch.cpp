@@ -14,7 +14,7 @@ namespace {
 
 constexpr WORD kCallForResult = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
 
-/// What the called object tells about its failure; its texts are ours to free.
+/// What the called object reports about its failure; its texts are ours to free.
 class Exception {
  public:
   Exception() = default;

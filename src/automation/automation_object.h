@@ -13,19 +13,19 @@
 
 namespace azcoll::automation {
 
-/// A slot of an interface table: the address of a function.
-using Slot = const void*;
+/// An entry of an interface table: the address of a function.
+using VtableEntry = const void*;
 
 template <typename Function>
-Slot slotOf(Function* function) {
-  return reinterpret_cast<Slot>(function);
+VtableEntry entryOf(Function* function) {
+  return reinterpret_cast<VtableEntry>(function);
 }
 
 /// One object of the library: its interface table is built from the members that `Members`
 /// describes, in interface order, so that nothing lists them again.
 ///
-/// `Members` has: `kIndex`, its class; `list()`, its members; `slots<Object>()`, their functions in
-/// the order of the interface, each `HRESULT STDMETHODCALLTYPE f(Object* self, …)`; and whatever
+/// `Members` has: `kIndex`, its class; `list()`, its members; `entries<Object>()`, their functions
+/// in the order of the interface, each `HRESULT STDMETHODCALLTYPE f(Object* self, …)`; and whatever
 /// data the object holds. An object is made by `create` with one reference and ends with its last.
 template <typename Members>
 class AutomationObject {
@@ -44,7 +44,7 @@ class AutomationObject {
 
   /// The object behind an interface of this class and module; null for anything else.
   static AutomationObject* behind(IDispatch* given) {
-    if (given == nullptr || *reinterpret_cast<Slot const* const*>(given) != table()) {
+    if (given == nullptr || *reinterpret_cast<VtableEntry const* const*>(given) != table()) {
       return nullptr;
     }
     return reinterpret_cast<AutomationObject*>(given);
@@ -78,13 +78,13 @@ class AutomationObject {
     static HRESULT STDMETHODCALLTYPE supports(ErrorSupport* self, REFIID identifier) {
       return self->owner->answersTo(identifier) ? S_OK : S_FALSE;
     }
-    static const Slot* table() {
-      static const std::array<Slot, 4> slots{slotOf(&queryInterface), slotOf(&addRef),
-                                             slotOf(&release), slotOf(&supports)};
-      return slots.data();
+    static const VtableEntry* table() {
+      static const std::array<VtableEntry, 4> entries{entryOf(&queryInterface), entryOf(&addRef),
+                                                      entryOf(&release), entryOf(&supports)};
+      return entries.data();
     }
 
-    const Slot* slots;  // first: what callers see
+    const VtableEntry* entries;  // first: what callers see
     AutomationObject* owner;
   };
 
@@ -166,21 +166,21 @@ class AutomationObject {
                         identifier, flags, parameters, result, exception, badArgument);
   }
 
-  static const Slot* table() {
-    static const std::vector<Slot> slots = [] {
-      std::vector<Slot> all{slotOf(&queryInterface), slotOf(&addRef),
-                            slotOf(&release),        slotOf(&getTypeInfoCount),
-                            slotOf(&getTypeInfo),    slotOf(&getIdsOfNames),
-                            slotOf(&invoke)};
-      const std::vector<Slot> own = Members::template slots<AutomationObject>();
+  static const VtableEntry* table() {
+    static const std::vector<VtableEntry> entries = [] {
+      std::vector<VtableEntry> all{entryOf(&queryInterface), entryOf(&addRef),
+                                   entryOf(&release),        entryOf(&getTypeInfoCount),
+                                   entryOf(&getTypeInfo),    entryOf(&getIdsOfNames),
+                                   entryOf(&invoke)};
+      const std::vector<VtableEntry> own = Members::template entries<AutomationObject>();
       all.insert(all.end(), own.begin(), own.end());
       return all;
     }();
-    return slots.data();
+    return entries.data();
   }
 
   // First of all members: an interface is a pointer to a pointer to its table.
-  const Slot* table_ = table();
+  const VtableEntry* table_ = table();
   ErrorSupport errorSupport_{ErrorSupport::table(), this};
   std::atomic<ULONG> references_{1};
   ModuleUse use_;

@@ -26,7 +26,7 @@ HRESULT reportFailure(const Origin& origin, HRESULT code, std::string_view descr
 
 /// Runs the work of a member called from outside.
 template <typename Work>
-HRESULT guarded(const Origin& origin, const Work& work) noexcept {
+HRESULT atBoundary(const Origin& origin, const Work& work) noexcept {
   try {
     work();
     return S_OK;

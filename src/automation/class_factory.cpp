@@ -72,14 +72,14 @@ class Factory {
     return S_OK;
   }
 
-  static const Slot* table() {
-    static const std::array<Slot, 5> slots{slotOf(&queryInterface), slotOf(&addRef),
-                                           slotOf(&release), slotOf(&createInstance),
-                                           slotOf(&lockServer)};
-    return slots.data();
+  static const VtableEntry* table() {
+    static const std::array<VtableEntry, 5> entries{entryOf(&queryInterface), entryOf(&addRef),
+                                                    entryOf(&release), entryOf(&createInstance),
+                                                    entryOf(&lockServer)};
+    return entries.data();
   }
 
-  const Slot* slots_ = table();  // first: what callers see
+  const VtableEntry* entries_ = table();  // first: what callers see
   const Creatable& creatable_;
   Origin origin_;
   std::atomic<ULONG> references_{1};

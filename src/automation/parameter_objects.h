@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "automation/automation_object.h"
-#include "automation/field_slots.h"
+#include "automation/vtable_fields.h"
 #include "service/members.h"
 
 namespace azcoll::automation {
@@ -22,8 +22,8 @@ class ParameterMembers {
     return members;
   }
   template <typename Object>
-  static std::vector<Slot> slots() {
-    return fieldSlots<Object, kFields>();
+  static std::vector<VtableEntry> entries() {
+    return fieldEntries<Object, kFields>();
   }
 
   [[nodiscard]] Data& data() { return *data_; }

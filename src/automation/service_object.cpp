@@ -35,20 +35,20 @@ HRESULT giveObject(const ado::ComPtr<IDispatch>& held, IDispatch** value) {
   return S_OK;
 }
 
-struct FixedSlots {
+struct FixedEntries {
   using Object = ServiceObject;
 
   static HRESULT STDMETHODCALLTYPE getInput(Object* self, IDispatch** value) {
     return giveObject(self->members().input, value);
   }
   static HRESULT STDMETHODCALLTYPE putInput(Object* self, IDispatch* value) {
-    return guarded(self->origin(), [&] { self->members().setInput(value); });
+    return atBoundary(self->origin(), [&] { self->members().setInput(value); });
   }
   static HRESULT STDMETHODCALLTYPE getOutput(Object* self, IDispatch** value) {
     return giveObject(self->members().output, value);
   }
   static HRESULT STDMETHODCALLTYPE putOutput(Object* self, IDispatch* value) {
-    return guarded(self->origin(), [&] { self->members().setOutput(value); });
+    return atBoundary(self->origin(), [&] { self->members().setOutput(value); });
   }
 
   template <Variant CLSCO_AZIENDECOLL::*kField>
@@ -57,18 +57,18 @@ struct FixedSlots {
       return E_POINTER;
     }
     *value = VARIANT{};
-    return guarded(self->origin(), [&] { writeOut(self->members().service().*kField, value); });
+    return atBoundary(self->origin(), [&] { writeOut(self->members().service().*kField, value); });
   }
   template <Variant CLSCO_AZIENDECOLL::*kField>
   static HRESULT STDMETHODCALLTYPE putVariant(Object* self, VARIANT value) {
-    return guarded(self->origin(), [&] { readIn(self->members().service().*kField, value); });
+    return atBoundary(self->origin(), [&] { readIn(self->members().service().*kField, value); });
   }
 
   template <Variant CLSCO_AZIENDECOLL::*kField>
-  static void appendVariant(std::vector<Slot>& slots) {
-    slots.push_back(slotOf(&getVariant<kField>));
-    slots.push_back(slotOf(&putVariant<kField>));
-    slots.push_back(slotOf(&putVariant<kField>));
+  static void appendVariant(std::vector<VtableEntry>& entries) {
+    entries.push_back(entryOf(&getVariant<kField>));
+    entries.push_back(entryOf(&putVariant<kField>));
+    entries.push_back(entryOf(&putVariant<kField>));
   }
 };
 
@@ -84,7 +84,7 @@ class Kept {
 
 /// The function behind one method of the table, by what the method gives back.
 template <std::size_t kMethod>
-struct MethodSlot {
+struct MethodEntry {
   static constexpr const MethodEntry& kEntry = kMethods[kMethod];
 
   template <typename Result>
@@ -112,17 +112,18 @@ struct MethodSlot {
     }
     *result = nullptr;
     const Kept kept{self};
-    return guarded(self->origin(),
-                   [&] { writeOut((self->members().service().*member<std::string>())(), result); });
+    return atBoundary(self->origin(), [&] {
+      writeOut((self->members().service().*member<std::string>())(), result);
+    });
   }
 
-  static Slot slot() {
+  static VtableEntry entry() {
     if constexpr (kEntry.result == MethodResult::Boolean) {
-      return slotOf(&runForTruth);
+      return entryOf(&runForTruth);
     } else if constexpr (kEntry.result == MethodResult::Text) {
-      return slotOf(&runForText);
+      return entryOf(&runForText);
     } else {
-      return slotOf(&run);
+      return entryOf(&run);
     }
   }
 };
@@ -164,16 +165,17 @@ const MemberList& ServiceMembers::list() {
 }
 
 template <typename Object>
-std::vector<Slot> ServiceMembers::slots() {
-  std::vector<Slot> slots{slotOf(&FixedSlots::getInput), slotOf(&FixedSlots::putInput),
-                          slotOf(&FixedSlots::getOutput), slotOf(&FixedSlots::putOutput)};
-  FixedSlots::appendVariant<&CLSCO_AZIENDECOLL::Stato>(slots);
-  FixedSlots::appendVariant<&CLSCO_AZIENDECOLL::Errore>(slots);
+std::vector<VtableEntry> ServiceMembers::entries() {
+  std::vector<VtableEntry> entries{
+      entryOf(&FixedEntries::getInput), entryOf(&FixedEntries::putInput),
+      entryOf(&FixedEntries::getOutput), entryOf(&FixedEntries::putOutput)};
+  FixedEntries::appendVariant<&CLSCO_AZIENDECOLL::Stato>(entries);
+  FixedEntries::appendVariant<&CLSCO_AZIENDECOLL::Errore>(entries);
   [&]<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
-    (slots.push_back(MethodSlot<kIndexes>::slot()), ...);
+    (entries.push_back(MethodEntry<kIndexes>::entry()), ...);
   }
   (std::make_index_sequence<kMethods.size()>{});
-  return slots;
+  return entries;
 }
 
 ado::ComPtr<IDispatch> newService(std::shared_ptr<Platform> platform) {

@@ -19,7 +19,7 @@ class ServiceMembers {
 
   static const MemberList& list();
   template <typename Object>
-  static std::vector<Slot> slots();
+  static std::vector<VtableEntry> entries();
 
   [[nodiscard]] CLSCO_AZIENDECOLL& service() { return service_; }
 

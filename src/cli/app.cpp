@@ -179,7 +179,8 @@ ExitCode CommandLine::run(const std::vector<std::string>& args, Console& console
   return work_(console);
 }
 
-ExitCode guarded(const std::vector<std::string>& args, Console& console) {
+/// Every failure becomes its line on standard error and its exit code.
+ExitCode runReported(const std::vector<std::string>& args, Console& console) {
   try {
     return CommandLine{}.run(args, console);
   } catch (const UsageError& error) {
@@ -203,7 +204,7 @@ ExitCode guarded(const std::vector<std::string>& args, Console& console) {
 int run(const std::vector<std::string>& args, std::istream& in, std::ostream& out,
         std::ostream& err) {
   Console console{in, out, err, &in == &std::cin && isatty(STDIN_FILENO) == 1};
-  ExitCode code = guarded(args, console);
+  ExitCode code = runReported(args, console);
   out.flush();
   if (!out && code == ExitCode::Ok) {
     err << "azcoll: il risultato non è stato scritto per intero.\n";

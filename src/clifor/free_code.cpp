@@ -76,7 +76,7 @@ bool CodiceCliForLibero(Call& call, const Group& group, Variant& code) {
     const Variant previous = code;
     ignoreErrors([&] { code = code.plusOne(); });
     if (code == previous) {
-      break;  // it cannot be counted up: the caller's statements will tell
+      break;  // it cannot be counted up: the caller's statements will report it
     }
   } while (taken());
   return false;

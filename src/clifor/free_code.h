@@ -17,7 +17,7 @@ struct Group {
 /// Finds the first code, counting up from `code`, that no company of the group but the current one
 /// holds for the kind. Returns true when `code` itself was free, else false with the new code in
 /// it. A failing statement counts as "not taken": the caller's next statement then fails with the
-/// message that tells why.
+/// message that says why.
 [[nodiscard]] bool CodiceCliForLibero(Call& call, const Group& group, Variant& code);
 
 /// Records the code in the numbering of every company of the group but the current one. What cannot

@@ -130,7 +130,8 @@ void carryToGroup(Call& call) {
     return;
   }
   const Variant intermediary = IntermedioCliFor(call);
-  // Callers rely on it: the transaction is the method's own even when the caller tells of one.
+  // Callers rely on it: the transaction is the method's own even when the caller reports an open
+  // one.
   beginTransaction(call);
   std::string refusal;
   while (!companies->atEnd()) {

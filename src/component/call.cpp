@@ -97,7 +97,7 @@ Variant Call::ValoreDefault(const Variant& value, const Variant& fallback) {
     }
     return fallback;
   } catch (...) {
-    // Callers rely on it: the state tells of the failure, the message stays the previous one.
+    // Callers rely on it: the state reports the failure, the message stays the previous one.
     Stato = kTrapped;
     return {};
   }

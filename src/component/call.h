@@ -91,7 +91,7 @@ class Call {
   Session& session_;
 };
 
-/// Whether there is no recordset, or one without rows, or one that cannot tell.
+/// Whether there is no recordset, or one without rows, or one that cannot say.
 [[nodiscard]] bool RecordsetVuoto(const std::shared_ptr<Recordset>& rs) noexcept;
 
 /// The text of `value`, without surrounding blanks, cut or filled with blanks to `width`

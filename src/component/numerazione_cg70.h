@@ -12,7 +12,7 @@ class NumerazioneCG70 final : public NumerazioneDocumenti {
   /// Values of `Stato`.
   enum class Esito : std::int32_t {
     Riuscita = 0,         ///< recorded
-    DatiMancanti = 1,     ///< no connection, or company or number that is no whole number
+    DatiMancanti = 1,     ///< no connection, or company or number that is not a whole number
     ModoNonPrevisto = 2,  ///< another mode than 3
     ErroreDatabase = 3    ///< a statement was refused
   };

@@ -42,11 +42,11 @@ void ignoreErrors(const Step& step) noexcept {
 /// and everything else stand for no number.
 [[nodiscard]] bool equalsNumber(const Variant& value, std::int64_t number) noexcept;
 
-/// Whether `value` is a number above 0. Throws `Error` for Null and for what is no number.
+/// Whether `value` is a number above 0. Throws `Error` for Null and for what is not a number.
 [[nodiscard]] bool isPositive(const Variant& value);
 
 /// A day of `year`, a value that stands for a year; nothing when the calendar has no such year.
-/// Throws `Error` for what is no number.
+/// Throws `Error` for what is not a number.
 [[nodiscard]] std::optional<Date> dayOf(const Variant& year, int month, int day);
 
 /// Puts a value into a field of the input object for as long as it lives, then puts the old one

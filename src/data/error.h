@@ -20,7 +20,7 @@ struct ErrorInfo {
 
 /// The one exception type of the system.
 ///
-/// `fromProvider` tells whether the database (or its driver) refused an operation; only then has
+/// `fromProvider` says whether the database (or its driver) refused an operation; only then has
 /// the connection's `Errors` collection an entry for it. Every other failure (a value that does not
 /// convert, an object that is not set) leaves that collection alone, and the traps of the public
 /// methods depend on the difference.

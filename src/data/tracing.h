@@ -27,7 +27,7 @@ struct TraceEntry {
 /// Receives every operation, in order: after it ended, or before it starts.
 using TraceSink = std::function<void(const TraceEntry&)>;
 
-/// Who is told of the operations; either may be empty.
+/// Who hears of the operations; either may be empty.
 struct TraceHooks {
   TraceSink after{};
   /// What this one throws is the failure of the operation, which then does not run.

@@ -74,7 +74,7 @@ class Variant {
 
   /// The value as a 64-bit integer. True is -1; numbers are rounded half to even; a text must hold
   /// a whole or decimal number; Empty is 0. Throws `Error` for Null, a date, an object, a text that
-  /// is no number, or a number that does not fit.
+  /// is not a number, or a number that does not fit.
   [[nodiscard]] std::int64_t toInt64() const;
 
   /// Like `toInt64`, limited to the range of 16 and 32 bits (throws `Error` on overflow).

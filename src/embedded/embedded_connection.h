@@ -20,7 +20,7 @@ namespace azcoll::embedded {
 /// ends with the connection; further keys: `Create=True` (make the file when it is missing;
 /// otherwise a missing file is an error), `Read Only=True`, `Timeout=SECONDS` (wait for another
 /// process's lock, default 30; a database still busy then is an error that says so). Unknown keys
-/// are errors, and so is a file that is no database.
+/// are errors, and so is a file that is not a database.
 [[nodiscard]] std::shared_ptr<Connection> newConnection();
 
 /// The CREATE statements, as T-SQL, of everything that the database of an open connection holds, in

@@ -57,7 +57,7 @@ constexpr char byteAt(std::string_view text, std::size_t at) {
 
 constexpr bool isLineBreak(char c) { return c == '\n' || c == '\r'; }
 
-/// Offset of the first byte from `at` on that is no part of a word.
+/// Offset of the first byte from `at` on that is not part of a word.
 constexpr std::size_t wordEnd(std::string_view text, std::size_t at) {
   while (at < text.size() && hasClass(text[at], kWordPart)) {
     ++at;
@@ -169,7 +169,7 @@ inline CommentSpan scanComment(std::string_view text, std::size_t at) {
   return {text.size(), false};
 }
 
-/// Follows the tokens of a text and tells where a value of a VALUES row begins. The lexer and the
+/// Follows the tokens of a text and finds where a value of a VALUES row begins. The lexer and the
 /// shape scanner feed it alike, so that both give the word NULL an ordinal in the same places.
 class ValuesTracker {
  public:

@@ -207,7 +207,7 @@ Token Lexer::takeSymbol() {
     case '!':
       return takeComparison();
     case '$':
-      // It opens a constant of money or a special column: the whole word is told.
+      // It opens a constant of money or a special column: the whole word is reported.
       return take(TokenKind::Unexpected, wordEnd(text_, at_));
     default:
       return takeOperator();

@@ -72,7 +72,7 @@ struct Token {
 };
 
 /// Cuts a text into tokens, one at a time. It never fails: what is wrong comes as a token of its
-/// own, so that an error in front of it is told first. The text must be UTF-8 and outlive the
+/// own, so that an error in front of it is reported first. The text must be UTF-8 and outlive the
 /// lexer.
 class Lexer {
  public:

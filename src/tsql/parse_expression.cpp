@@ -74,7 +74,7 @@ ExpressionPtr Parser::parseScalar() {
   return parseArithmetic(kReadsAdditive, false);
 }
 
-/// Inside parentheses, where only what follows tells a condition from a value.
+/// Inside parentheses, where only what follows distinguishes a condition from a value.
 ExpressionPtr Parser::parseEither() {
   const Part part(*this);
   return parseOr(Wanted::Either);
@@ -213,7 +213,7 @@ std::vector<ExpressionPtr> Parser::parseScalarList() {
 }
 
 /// Operators of at least the precedence `minimum`, all of them left-associative. A condition in
-/// parentheses is handed back as it is: nothing can be reckoned with it.
+/// parentheses is handed back as it is: nothing can be evaluated with it.
 ExpressionPtr Parser::parseArithmetic(int minimum, bool conditionAllowed) {
   ExpressionPtr left = parseUnary(conditionAllowed);
   if (conditionAllowed && isCondition(*left)) {

@@ -196,7 +196,7 @@ TableSourcePtr Parser::parseNamedSource() {
   return source;
 }
 
-/// From an opening parenthesis on. Only what follows the closing one tells whether a query in
+/// From an opening parenthesis on. Only what follows the closing one shows whether a query in
 /// parentheses is a derived table or an operand of UNION: that is left to the caller.
 Parser::SourceOrQuery Parser::parseInParentheses() {
   const Nesting nesting(*this);

@@ -36,7 +36,7 @@ void Parser::advance() {
     ahead_[0] = ahead_[1];
     --aheadCount_;
   }
-  // An open quote is told only when the parser has accepted everything in front of it.
+  // An open quote is reported only when the parser has accepted everything in front of it.
   if (current_.kind == TokenKind::UnclosedQuote || current_.kind == TokenKind::UnclosedComment) {
     fail();
   }

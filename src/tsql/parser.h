@@ -62,7 +62,7 @@ struct LiteralToken {
   bool hasDoubledQuotes = false;  ///< `raw` still holds apostrophes written twice
 };
 
-/// The shape of a text: the text with every constant replaced by a byte that tells its class, and
+/// The shape of a text: the text with every constant replaced by a byte for its class, and
 /// the constants taken out. Two texts with equal shapes have equal trees but for their constants.
 ///
 /// Constants are all numbers, quoted texts and binary constants, wherever they stand (lengths of
@@ -75,7 +75,7 @@ struct LiteralToken {
 /// shape whatever its missing values.
 ///
 /// Malformed texts have a shape too (the parser then refuses them). Not cacheable, which means that
-/// the key tells nothing, are texts with comments, with an open quote, with bytes that are no UTF-8
+/// the key says nothing, are texts with comments, with an open quote, with bytes that are not UTF-8
 /// (in constants too), or with the control characters that mark the classes.
 struct Shape {
   std::string key;

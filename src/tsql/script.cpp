@@ -62,7 +62,7 @@ class ScriptSplitter {
     if (startsComment(script_, at_)) {
       const CommentSpan comment = scanComment(script_, at_);
       at_ = comment.end;
-      hasStatement_ = hasStatement_ || !comment.closed;  // the parser tells what is wrong
+      hasStatement_ = hasStatement_ || !comment.closed;  // the parser reports what is wrong
       return;
     }
     hasStatement_ = true;

@@ -7,16 +7,16 @@
 
 namespace azcoll::fuzz {
 
-/// A decimal number of any length, reckoned digit by digit as on paper: what the system's decimals
+/// A decimal number of any length, computed digit by digit as on paper: what the system's decimals
 /// are checked against.
 class ExactNumber {
  public:
   /// Reads an optional sign, digits and an optional point, all of it well formed.
   explicit ExactNumber(std::string_view text);
 
-  /// Whether it can be written with at most 38 digits, at most 38 of them behind the point.
+  /// Whether it can be written with at most 38 digits, at most 38 of them fractional.
   [[nodiscard]] bool fits() const;
-  /// Digits behind the point, trailing zeros left out.
+  /// Fractional digits, trailing zeros left out.
   [[nodiscard]] int scale() const { return scale_; }
   [[nodiscard]] std::size_t digitCount() const { return digits_.size(); }
   [[nodiscard]] bool isZero() const { return digits_.empty(); }
@@ -37,7 +37,7 @@ class ExactNumber {
   using Digits = std::vector<int>;  // the last digit first
 
   ExactNumber() = default;
-  /// The digits when the number is written with that many behind the point.
+  /// The digits when the number is written with that many fractional digits.
   [[nodiscard]] Digits digitsAt(int scale) const;
   /// Drops the zeros at both ends.
   void trim();

@@ -1,5 +1,5 @@
 // Decimals and conversions of variants. Input: a text on each line, taken as a number, a text or a
-// double; the decimals among them are reckoned with and compared with a reckoning on paper.
+// double; the decimals among them are computed with and compared with a computation on paper.
 
 #include <bit>
 #include <cmath>
@@ -198,7 +198,7 @@ void checkDouble(double number) {
   static_cast<void>(value.toBool());
   static_cast<void>(valueOf([&] { return value.plusOne(); }));
   if (!std::isfinite(number)) {
-    require(!decimal && !whole, "what is no number does not convert", text);
+    require(!decimal && !whole, "what is not a number does not convert", text);
     return;
   }
   require(std::strtod(text.c_str(), nullptr) == number, "a double reads back", text);

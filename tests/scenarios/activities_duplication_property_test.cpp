@@ -189,7 +189,7 @@ void ActivityDuplicationProperty::expectRows(const CopiedYear& expected, const S
   }
 }
 
-/// The same where reading fills an empty year: rows may have come to the target year besides.
+/// The same where reading fills an empty year: rows may have come to the target year, too.
 void ActivityDuplicationProperty::expectFilledRows(const CopiedYear& expected, const State& before,
                                                    const State& after, const YearCopy& copy) {
   const auto [kept, come] = parted(before, after);

@@ -24,7 +24,7 @@ class Constants {
 
   /// A constant that waits for what it meets.
   [[nodiscard]] BoundExpression bindLiteral(const tsql::Literal& literal) const;
-  /// The text of an expression in its own type. Refuses a marker: nothing tells its type.
+  /// The text of an expression in its own type. Refuses a marker: nothing determines its type.
   [[nodiscard]] std::string inOwnType(BoundExpression& expression);
   /// The text of an expression converted to `type`; throws `SqlError` 206 or 257 where T-SQL has no
   /// such conversion.

@@ -72,7 +72,7 @@ struct BoundSources {
   Reach reach;
 };
 
-/// A column of a derived table, of an inlined function or of another source that is no table.
+/// A column of a derived table, of an inlined function or of another source that is not a table.
 struct SourceColumn {
   std::string name;
   std::string sql;
@@ -114,7 +114,7 @@ struct Clause {
   const Scope& scope;
   const Grouping* grouping = nullptr;  ///< a column that is none of its keys must be aggregated
   bool aggregates = false;             ///< aggregates may stand here
-  int number = 8120;                   ///< the message about a column that is no key
+  int number = 8120;                   ///< the message about a column that is not a key
   std::string_view name = "select list";
 };
 

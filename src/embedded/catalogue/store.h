@@ -10,7 +10,7 @@
 namespace azcoll::embedded {
 
 /// The catalogue as a table of the database file: one row per object with its definition as T-SQL,
-/// in the order of creation. Two numbers in the file's header tell that it is one of this system,
+/// in the order of creation. Two numbers in the file's header say that it is one of this system,
 /// of which format, and how often the catalogue was changed.
 class CatalogueStore {
  public:

@@ -15,7 +15,7 @@ namespace azcoll::embedded {
 
 namespace {
 
-/// `descending` tells of each column whether its order is turned; empty for none.
+/// `descending` says of each column whether its order is turned; empty for none.
 std::string keyList(const Table& table, const std::vector<std::size_t>& columns,
                     const std::vector<bool>& descending = {}) {
   std::string list;

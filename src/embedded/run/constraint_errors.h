@@ -13,7 +13,7 @@
 
 namespace azcoll::embedded {
 
-/// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite tells
+/// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite reports
 /// little about it; what is missing is found by running the change once more inside a savepoint
 /// that is taken back, which costs something on failures only.
 class ConstraintReporter {

@@ -63,7 +63,7 @@ TEST_F(BatchUpdate, TakesATableThatSubqueriesNameAsWell) {
   EXPECT_EQ(count("V = 21 AND A = 2"), 1);
 }
 
-TEST_F(BatchUpdate, ChangesBits) {
+TEST_F(BatchUpdate, ChangesABitInItsOwnRow) {
   change("SELECT * FROM T ORDER BY A, B", "F", false);
   EXPECT_EQ(count("F = 0"), 2);
   change("SELECT * FROM T ORDER BY A, B", "F", true);

@@ -25,7 +25,7 @@ class ErrorTexts : public testing::Test {
   std::shared_ptr<EmbeddedConnection> db_ = openMemory();
 };
 
-TEST_F(ErrorTexts, DuplicateKeys) {
+TEST_F(ErrorTexts, DuplicateKeysNameTheConstraintAndTheValue) {
   EXPECT_EQ(
       refusal("INSERT INTO P VALUES (7, 7), (1, 2)"),
       "2627 Violation of PRIMARY KEY constraint 'PK_P'. Cannot insert duplicate key in object "
@@ -55,7 +55,7 @@ TEST_F(ErrorTexts, DuplicateKeys) {
             "duplicate key value is (8).");
 }
 
-TEST_F(ErrorTexts, ForeignKeys) {
+TEST_F(ErrorTexts, ForeignKeysNameTheTableTheyLookInto) {
   EXPECT_EQ(refusal("INSERT INTO C (K) VALUES ('z')"),
             "547 The INSERT statement conflicted with the FOREIGN KEY constraint \"FK_Q\". The "
             "conflict occurred in database \"memory\", table \"dbo.Q\", column 'K'.");
@@ -81,7 +81,7 @@ TEST_F(ErrorTexts, ForeignKeys) {
   db_->run("DELETE FROM S");
 }
 
-TEST_F(ErrorTexts, NullsAndChecks) {
+TEST_F(ErrorTexts, NullsNameTheirColumnAndChecksTheirConstraint) {
   EXPECT_EQ(refusal("INSERT INTO P (A) VALUES (1)"),
             "515 Cannot insert the value NULL into column 'B', table 'memory.dbo.P'; column does "
             "not allow nulls. INSERT fails.");
@@ -93,7 +93,7 @@ TEST_F(ErrorTexts, NullsAndChecks) {
             "occurred in database \"memory\", table \"dbo.Q\".");
 }
 
-TEST_F(ErrorTexts, StatementsTerminatedSayso) {
+TEST_F(ErrorTexts, AFailedStatementSaysThatItWasTerminated) {
   for (const char* text : {"INSERT INTO P VALUES (1, 2)", "DELETE FROM Q", "UPDATE Q SET K = 'abc'",
                            "INSERT INTO P (A) VALUES (1)"}) {
     EXPECT_NE(refusal(text), "no error");
@@ -109,7 +109,7 @@ TEST_F(ErrorTexts, StatementsTerminatedSayso) {
   EXPECT_EQ(db_->errors().item(0).sqlState, "42S22");
 }
 
-TEST_F(ErrorTexts, Names) {
+TEST_F(ErrorTexts, NamesThatCannotBeResolvedAreQuoted) {
   EXPECT_EQ(refusal("SELECT X FROM P"), "207 Invalid column name 'X'.");
   EXPECT_EQ(refusal("SELECT A FROM P, C"), "209 Ambiguous column name 'A'.");
   EXPECT_EQ(refusal("SELECT Z.A FROM P"),
@@ -122,7 +122,7 @@ TEST_F(ErrorTexts, Names) {
   EXPECT_EQ(refusal("EXEC NIENTE"), "2812 Could not find stored procedure 'NIENTE'.");
 }
 
-TEST_F(ErrorTexts, Inserts) {
+TEST_F(ErrorTexts, InsertsThatDoNotFitTheirColumnsAreRefused) {
   EXPECT_EQ(failureNumber(*db_, "INSERT INTO P (A, B) VALUES (1)"), 109);
   EXPECT_EQ(failureNumber(*db_, "INSERT INTO P (A, B) VALUES (1, 2, 5)"), 110);
   EXPECT_EQ(failureNumber(*db_, "INSERT INTO P (A, B) SELECT 1"), 120);

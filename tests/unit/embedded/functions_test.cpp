@@ -25,7 +25,7 @@ void expectRefusals(const std::vector<std::pair<const char*, int>>& table) {
   }
 }
 
-TEST(Functions, OfTexts) {
+TEST(Functions, OfTextsCountCharactersAndNotBytes) {
   expectValues({
       {"LEN('abc  '), LEN(''), LEN(N'\xF0\x9F\x98\x80'), LEN(NULL)", "3|0|2|NULL"},
       {"LEFT('è vero', 2), LEFT('abc', 9), RIGHT('è', 5), RIGHT('perché', 2)", "è |abc|è|hé"},
@@ -59,7 +59,7 @@ TEST(Functions, OfTexts) {
                   {"NIENTE(1)", 0}});
 }
 
-TEST(Functions, OfDates) {
+TEST(Functions, OfDatesKeepToTheCalendar) {
   expectValues({
       {"DATEPART(year, '20240307'), DATEPART(quarter, '20240307'), DATEPART(mm, '20240307'), "
        "DATEPART(dd, '20240307'), DATEPART(dayofyear, '20240301')",
@@ -101,7 +101,7 @@ TEST(Functions, OfDates) {
                   {"CAST(1.5 AS DATE)", 206}});
 }
 
-TEST(Functions, OfNumbersAndMissingValues) {
+TEST(Functions, OfNumbersAreExactAndPassNullOn) {
   expectValues({
       {"ABS(-5), ABS(-1.50), ABS(CAST(-2.5 AS FLOAT)), -CAST(12345678901234567890.5 AS DECIMAL(30, "
        "1))",

@@ -23,7 +23,7 @@ class Traps : public testing::Test {
   std::shared_ptr<EmbeddedConnection> db_ = openMemory();
 };
 
-TEST_F(Traps, TextComparison) {
+TEST_F(Traps, TextsCompareWithoutCaseAndTrailingBlanks) {
   EXPECT_EQ(ask("SELECT ID FROM T WHERE N = 'ABC' ORDER BY ID"), "1;2");
   EXPECT_EQ(ask("SELECT COUNT(*) FROM T WHERE C = 'x'"), "2");
   EXPECT_EQ(ask("SELECT COUNT(DISTINCT N) FROM T"), "2");
@@ -55,7 +55,7 @@ TEST_F(Traps, AZeroCharacterEndsNoText) {
   }
 }
 
-TEST_F(Traps, NumbersAndTexts) {
+TEST_F(Traps, TextsMeetNumbersAsNumbers) {
   db_->run("INSERT INTO T (ID, N) VALUES (4, '04')");
   EXPECT_EQ(ask("SELECT ID FROM T WHERE ID > 3 AND N = 4"), "4");
   EXPECT_EQ(ask("SELECT '1' + '2', '1' + 2, 7 / 2, -7 / 2, -7 % 3"), "12|3|3|-3|-1");
@@ -103,7 +103,7 @@ TEST_F(Traps, DecimalsReachTheirLimits) {
   EXPECT_EQ(refusal("SELECT SUM(A) FROM L WHERE A > 0"), 8115);
 }
 
-TEST_F(Traps, Dates) {
+TEST_F(Traps, TextsAndNumbersMeetDatesAsDates) {
   EXPECT_EQ(ask("SELECT ID FROM T WHERE A = '20240101'"), "1");
   EXPECT_EQ(ask("SELECT ID FROM T WHERE A > '2024-01-01T12:00:00'"), "2");
   db_->run("INSERT INTO T (ID, A) VALUES (4, ''), (5, 0), (6, '20240101 10:00:00.005')");

@@ -22,7 +22,7 @@ class SameShape : public testing::Test {
   std::shared_ptr<Connection> connection_ = openMemory();
 };
 
-TEST_F(SameShape, OtherConstants) {
+TEST_F(SameShape, RunsWithTheConstantsOfEachText) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT ID FROM T WHERE ID = 1"), Lines{"1"});
     EXPECT_EQ(rows("SELECT ID FROM T WHERE ID = 2"), Lines{"2"});
@@ -46,7 +46,7 @@ TEST_F(SameShape, AConstantThatDoesNotConvert) {
   }
 }
 
-TEST_F(SameShape, PositionsInOrderBy) {
+TEST_F(SameShape, KeepsPositionsInOrderByApart) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT V, ID FROM T WHERE ID < 3 ORDER BY 1"), (Lines{"a|2", "b|1"}));
     EXPECT_EQ(rows("SELECT V, ID FROM T WHERE ID < 3 ORDER BY 2"), (Lines{"b|1", "a|2"}));
@@ -54,7 +54,7 @@ TEST_F(SameShape, PositionsInOrderBy) {
   }
 }
 
-TEST_F(SameShape, CountsOfTop) {
+TEST_F(SameShape, TakesTheCountOfTopFromEachText) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT TOP 1 ID FROM T ORDER BY ID"), Lines{"1"});
     EXPECT_EQ(rows("SELECT TOP 2 ID FROM T ORDER BY ID"), (Lines{"1", "2"}));
@@ -70,7 +70,7 @@ TEST_F(SameShape, TopOfOneAndOfMoreInAValue) {
   }
 }
 
-TEST_F(SameShape, LengthsAndScalesOfTypes) {
+TEST_F(SameShape, KeepsLengthsAndScalesOfTypesApart) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT CAST('abcdef' AS VARCHAR(3))"), Lines{"abc"});
     EXPECT_EQ(rows("SELECT CAST('abcdef' AS VARCHAR(5))"), Lines{"abcde"});
@@ -82,7 +82,7 @@ TEST_F(SameShape, LengthsAndScalesOfTypes) {
   }
 }
 
-TEST_F(SameShape, KindsOfConstantsInTheList) {
+TEST_F(SameShape, GivesEachConstantOfTheListItsOwnType) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(value(db(), "SELECT 1"), Variant(std::int32_t{1}));
     EXPECT_EQ(value(db(), "SELECT 3000000000"), Variant(*Decimal::parse("3000000000")));
@@ -96,7 +96,7 @@ TEST_F(SameShape, KindsOfConstantsInTheList) {
   }
 }
 
-TEST_F(SameShape, SizesOfConstantsInArithmetic) {
+TEST_F(SameShape, GivesArithmeticTheTypeOfEachConstant) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(value(db(), "SELECT A + 1 FROM T WHERE ID = 1"), Variant(std::int32_t{11}));
     EXPECT_EQ(failureNumber(db(), "SELECT A + 2147483647 FROM T WHERE ID = 1"), 8115);
@@ -108,7 +108,7 @@ TEST_F(SameShape, SizesOfConstantsInArithmetic) {
   }
 }
 
-TEST_F(SameShape, ScalesOfConstantsInComparisons) {
+TEST_F(SameShape, ComparesWithTheScaleOfEachConstant) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT ID FROM T WHERE N = 1.5"), Lines{"1"});
     EXPECT_EQ(rows("SELECT ID FROM T WHERE N = 1.50000000"), Lines{"1"});
@@ -122,7 +122,7 @@ TEST_F(SameShape, ScalesOfConstantsInComparisons) {
   }
 }
 
-TEST_F(SameShape, ConstantConditions) {
+TEST_F(SameShape, EvaluatesConstantConditionsAnew) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT ID FROM T WHERE 0 = 1"), Lines{});
     EXPECT_EQ(rows("SELECT ID FROM T WHERE 1 = 1 AND ID = 1"), Lines{"1"});
@@ -134,7 +134,7 @@ TEST_F(SameShape, ConstantConditions) {
   }
 }
 
-TEST_F(SameShape, PatternsOfLike) {
+TEST_F(SameShape, TakesThePatternOfLikeFromEachText) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(rows("SELECT ID FROM T WHERE V LIKE 'a'"), Lines{"2"});
     EXPECT_EQ(rows("SELECT ID FROM T WHERE V LIKE '[a-b]' ORDER BY ID"), (Lines{"1", "2"}));
@@ -143,14 +143,14 @@ TEST_F(SameShape, PatternsOfLike) {
   }
 }
 
-TEST_F(SameShape, NamesInQuotes) {
+TEST_F(SameShape, KeepsQuotedNamesApart) {
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(run(db(), "SELECT 1 AS 'A'")->fields().item(std::size_t{0}).name(), "A");
     EXPECT_EQ(run(db(), "SELECT 1 AS 'B'")->fields().item(std::size_t{0}).name(), "B");
   }
 }
 
-TEST_F(SameShape, NullsAmongValues) {
+TEST_F(SameShape, TakesNullsAmongValues) {
   for (int round = 0; round < 2; ++round) {
     run(db(), "DELETE FROM T");
     run(db(), "INSERT INTO T (ID, A, V, D, N) VALUES (1, 1, 'a', '20240101', 1.5)");
@@ -201,7 +201,7 @@ TEST_F(SameShape, TextsThatLookLikeMarks) {
   }
 }
 
-TEST_F(SameShape, DefaultsOfDefinitions) {
+TEST_F(SameShape, KeepsDefaultsOfDefinitionsApart) {
   run(db(), "CREATE TABLE D1 (A INT NULL, B INT DEFAULT 1)");
   run(db(), "CREATE TABLE D2 (A INT NULL, B INT DEFAULT 2)");
   run(db(), "INSERT INTO D1 (A) VALUES (0) INSERT INTO D2 (A) VALUES (0)");

@@ -8,7 +8,7 @@
 
 #include "data/decimal.h"
 
-/// Random conditions as T-SQL text together with what they mean, reckoned here and not by a
+/// Random conditions as T-SQL text together with what they mean, evaluated here and not by a
 /// database.
 namespace azcoll::test {
 

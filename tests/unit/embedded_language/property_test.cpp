@@ -5,7 +5,7 @@
 #include "unit/embedded_language/predicate_generator.h"
 #include "unit/embedded_language/support.h"
 
-// Random statements against what they mean, reckoned without a database.
+// Random statements against what they mean, evaluated without a database.
 namespace azcoll::test {
 namespace {
 
@@ -211,7 +211,7 @@ TEST_F(RandomConditions, CombineInSetOperations) {
 
 class RandomDecimals : public testing::Test {
  protected:
-  /// A number of up to `digits` digits of which `scale` stand behind the point.
+  /// A number of up to `digits` digits of which `scale` are fractional.
   Decimal number(int digits, int scale) {
     Int128 unscaled = 0;
     const auto length = random_() % static_cast<unsigned>(digits) + 1;
@@ -297,9 +297,9 @@ TEST_F(RandomDecimals, OfEighteenDigits) { check("DECIMAL(18, 6)", 18, 6); }
 TEST_F(RandomDecimals, OfMoney) { check("DECIMAL(19, 4)", 19, 4); }
 TEST_F(RandomDecimals, OfThirtyDigits) { check("DECIMAL(30, 15)", 30, 15); }
 TEST_F(RandomDecimals, OfThirtyEightDigits) { check("DECIMAL(38, 0)", 36, 0); }
-TEST_F(RandomDecimals, OfThirtyEightDigitsBehindThePoint) { check("DECIMAL(38, 38)", 36, 38); }
+TEST_F(RandomDecimals, OfThirtyEightFractionalDigits) { check("DECIMAL(38, 38)", 36, 38); }
 
-TEST_F(RandomDecimals, ReckonExactlyOrNotAtAll) {
+TEST_F(RandomDecimals, AreEvaluatedExactlyOrRefused) {
   int refused = 0;
   for (int round = 0; round < 2000; ++round) {
     const int leftScale = round % 7;

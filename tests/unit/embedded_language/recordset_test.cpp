@@ -64,7 +64,7 @@ TEST_F(Recordsets, OfNoRowKnowTheirColumns) {
   EXPECT_TRUE(rows->atEnd());
 }
 
-TEST_F(Recordsets, AddRows) {
+TEST_F(Recordsets, AddRowsThatOthersSeeAfterUpdateBatch) {
   const auto rows = opened("SELECT * FROM T WHERE 1=2");
   rows->addNew();
   set(*rows, "ID", std::int32_t{9});
@@ -93,7 +93,7 @@ TEST_F(Recordsets, AddRowsToATableWithIdentity) {
   EXPECT_EQ(lines(db(), "SELECT K, T_ID, X FROM R WHERE X = 400"), Lines{"4|2|400"});
 }
 
-TEST_F(Recordsets, ChangeRows) {
+TEST_F(Recordsets, ChangeOnlyTheRowTheyStandOn) {
   const auto rows = opened("SELECT * FROM T ORDER BY ID");
   set(*rows, "V", "UNO");
   set(*rows, "S", std::int16_t{7});
@@ -200,7 +200,7 @@ TEST_F(Recordsets, RefuseToChangeTwoTablesAtOnce) {
   EXPECT_EQ(lines(db(), "SELECT X FROM R WHERE K = 1"), Lines{"100"});
 }
 
-TEST_F(Recordsets, RefuseToChangeWhatIsReckoned) {
+TEST_F(Recordsets, RefuseToChangeAComputedColumn) {
   for (const char* source :
        {"SELECT ID, V + '' AS V FROM T", "SELECT ID, 'x' AS V FROM T",
         "SELECT ID, ISNULL(V, '') AS V FROM T", "SELECT ID, UPPER(V) AS V FROM T",

@@ -27,7 +27,7 @@ std::string shown(std::string_view text) {
   return result;
 }
 
-TEST(SelectShape, PlainQueries) {
+TEST(SelectShape, PlainQueriesNameTableAndColumns) {
   EXPECT_EQ(shown("SELECT * FROM T1 WHERE 1=2"), "* FROM T1");
   EXPECT_EQ(shown("select A, [B c], \"D\" from [T 1] order by A"), "A B c D FROM T 1");
   EXPECT_EQ(shown("SELECT T.*, U.X FROM T AS T WITH(NOLOCK), U (NOLOCK)"), "T.* U.X FROM T ?");

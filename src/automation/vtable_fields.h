@@ -14,7 +14,7 @@ namespace azcoll::automation {
 
 /// The accessors of one field of `kFields`, working on `self->members().data()`.
 template <typename Object, const auto& kFields, std::size_t kField>
-struct FieldSlots {
+struct FieldEntries {
   static constexpr FieldKind kKind = kFields[kField].kind();
   static constexpr auto kMember = std::get<static_cast<std::size_t>(kKind)>(kFields[kField].member);
   using Wire = WireType<kKind>;
@@ -24,33 +24,33 @@ struct FieldSlots {
       return E_POINTER;
     }
     *value = Wire{};
-    return guarded(self->origin(), [&] { writeOut(self->members().data().*kMember, value); });
+    return atBoundary(self->origin(), [&] { writeOut(self->members().data().*kMember, value); });
   }
   static HRESULT STDMETHODCALLTYPE put(Object* self, Wire value) {
-    return guarded(self->origin(), [&] { readIn(self->members().data().*kMember, value); });
+    return atBoundary(self->origin(), [&] { readIn(self->members().data().*kMember, value); });
   }
 
-  static void append(std::vector<Slot>& slots) {
-    slots.push_back(slotOf(&get));
+  static void append(std::vector<VtableEntry>& entries) {
+    entries.push_back(entryOf(&get));
     constexpr Assignment kAssignment = assignmentOf(kKind);
     if (kAssignment.byValue) {
-      slots.push_back(slotOf(&put));
+      entries.push_back(entryOf(&put));
     }
     if (kAssignment.byReference) {
-      slots.push_back(slotOf(&put));
+      entries.push_back(entryOf(&put));
     }
   }
 };
 
 /// The accessors of all fields, in interface order.
 template <typename Object, const auto& kFields>
-std::vector<Slot> fieldSlots() {
-  std::vector<Slot> slots;
+std::vector<VtableEntry> fieldEntries() {
+  std::vector<VtableEntry> entries;
   [&]<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
-    (FieldSlots<Object, kFields, kIndexes>::append(slots), ...);
+    (FieldEntries<Object, kFields, kIndexes>::append(entries), ...);
   }
   (std::make_index_sequence<kFields.size()>{});
-  return slots;
+  return entries;
 }
 
 /// The fields as members of the interface.
