@@ -217,7 +217,7 @@ std::optional<Date> momentOfDays(Int128 digits, int scale) {
   if (day > kBeyondCalendar || day < -kBeyondCalendar) {
     return std::nullopt;
   }
-  const std::optional<Date> date = dateOfDay(static_cast<std::int64_t>(day));
+  const std::optional<Date> date = Date::ofDayNumber(static_cast<std::int64_t>(day));
   return date ? std::optional(withTime(*date, (static_cast<std::int64_t>(ticks) * 10 + 1) / 3))
               : std::nullopt;
 }
