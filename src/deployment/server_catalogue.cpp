@@ -14,29 +14,16 @@
 #include "data/text.h"
 #include "deployment/failure.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::deployment {
 namespace {
 
-std::string asSqlText(std::string_view text) {
-  std::string constant = "N'";
-  for (const char c : text) {
-    constant += c == '\'' ? "''" : std::string_view{&c, 1};
-  }
-  return constant + "'";
-}
+std::string asSqlText(std::string_view text) { return "N" + quoted(text, '\''); }
 
 /// `[dbo].[T]`.
 std::string qualified(std::string_view owner, std::string_view object) {
-  std::string name;
-  for (const std::string_view part : {owner, object}) {
-    name += name.empty() ? "[" : ".[";
-    for (const char c : part) {
-      name += c == ']' ? "]]" : std::string_view{&c, 1};
-    }
-    name += ']';
-  }
-  return name;
+  return quoted(owner, '[') + "." + quoted(object, '[');
 }
 
 // ---------------------------------------------------------------- the questions

@@ -8,6 +8,7 @@
 #include "data/error.h"
 #include "data/text.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -79,15 +80,6 @@ bool isUserKey(std::string_view key) {
 }
 
 bool isLockKey(std::string_view key) { return equalsIgnoringCase(key, "BLOCCO"); }
-
-/// A value as a connection string holds it, whatever characters it has.
-std::string braced(std::string_view value) {
-  std::string text = "{";
-  for (const char character : value) {
-    text.append(character == '}' ? 2 : 1, character);
-  }
-  return text + "}";
-}
 
 bool isWordByte(char byte) {
   return std::isalnum(static_cast<unsigned char>(byte)) != 0 ||
@@ -163,10 +155,10 @@ std::string withCredentials(std::string_view text, std::string_view user,
     }
   }
   if (!user.empty()) {
-    result += join("UID=", braced(user), ";");
+    result += join("UID=", quoted(user, '{'), ";");
   }
   if (!password.empty()) {
-    result += join("PWD=", braced(password), ";");
+    result += join("PWD=", quoted(password, '{'), ";");
   }
   return result;
 }

@@ -1,5 +1,6 @@
 #include "tsql/printer.h"
 
+#include "text/quoting.h"
 #include "text/utf8.h"
 #include "tsql/characters.h"
 #include "tsql/keywords.h"
@@ -67,14 +68,7 @@ void Printer::name(std::string_view name) {
     out_ += name;
     return;
   }
-  out_ += '[';
-  for (const char c : name) {
-    out_ += c;
-    if (c == ']') {
-      out_ += ']';
-    }
-  }
-  out_ += ']';
+  out_ += quoted(name, '[');
 }
 
 void Printer::objectName(const ObjectName& name) {
@@ -139,15 +133,6 @@ void Printer::type(const TypeName& type) {
 }
 
 /// A quoted text.
-void Printer::text(std::string_view value) {
-  out_ += '\'';
-  for (const char c : value) {
-    out_ += c;
-    if (c == '\'') {
-      out_ += '\'';
-    }
-  }
-  out_ += '\'';
-}
+void Printer::text(std::string_view value) { out_ += quoted(value, '\''); }
 
 }  // namespace azcoll::tsql
