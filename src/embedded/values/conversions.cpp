@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "data/decimal.h"
+#include "data/powers_of_ten.h"
 #include "data/text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/date_values.h"
