@@ -72,13 +72,8 @@ void Printer::name(std::string_view name) {
 }
 
 void Printer::objectName(const ObjectName& name) {
-  bool first = true;
-  for (const std::string& part : name.parts) {
-    if (!std::exchange(first, false)) {
-      out_ += '.';
-    }
-    this->name(part);
-  }
+  list(
+      name.parts, [this](const std::string& part) { this->name(part); }, ".");
 }
 
 /// A table variable keeps its `@` bare: in brackets it would be a table of that name.
