@@ -1,6 +1,7 @@
 #include "activities/fragments.h"
 
 #include "data/text.h"
+#include "text/joining.h"
 
 namespace azcoll::activities {
 
@@ -45,14 +46,10 @@ std::string groupFilter(std::string_view row, std::string_view company) {
 
 std::string assignments(std::string_view target, std::string_view source, tables::Names names,
                         std::string_view indent, std::string_view ending) {
-  std::string text;
-  for (const std::string_view name : names) {
-    if (!text.empty()) {
-      text += join(",", ending, kLineBreak, indent);
-    }
-    text += join(target, name, " = ", source, name);
-  }
-  return text += ending;
+  const auto assignment = [&](std::string_view name) {
+    return join(target, name, " = ", source, name);
+  };
+  return joinAll(names, join(",", ending, kLineBreak, indent), assignment).append(ending);
 }
 
 }  // namespace azcoll::activities

@@ -8,6 +8,7 @@
 #include "component/values.h"
 #include "data/tables.h"
 #include "data/text.h"
+#include "text/joining.h"
 
 namespace azcoll::activities {
 namespace {
@@ -21,12 +22,10 @@ std::string companyData() {
 
 /// The registry entry of the default activity, from the company's data and register dates.
 std::string registryInsert(std::string_view company, std::string_view code) {
-  std::string dates;
-  for (const std::string_view date : tables::kRegisterDates) {
-    dates += join(dates.empty() ? "" : ", ", "CG30_", date);
-  }
+  const std::string dates = joinAll(tables::kRegisterDates, ", ",
+                                    [](std::string_view date) { return join("CG30_", date); });
   return lines(
-      join(" INSERT INTO CG96_ANAGATTIVITA(", tables::joined(tables::kRegistryColumns), ")"),
+      join(" INSERT INTO CG96_ANAGATTIVITA(", joinAll(tables::kRegistryColumns, ", "), ")"),
       join(" SELECT CG18_DITTA AS CG96_DITTA_CG18, ", code, " AS CG96_CODATTIVITA,"),
       join("        N'Attività ", code, " (azienda ", company, ")' AS CG96_DESCRATTIVITA,"),
       "        CG18_ATECOCOD_CG6A, CG25_INDCATPART, CG25_FLGIVAEDIT, CG25_INDAGRIC,",
@@ -58,19 +57,18 @@ std::string defaultRow(std::string_view company, std::string_view code, const Va
 /// Inserts `row` unless the year has the default activity.
 std::string defaultInsert(std::string_view company, std::string_view code, const Variant& year,
                           std::string_view row) {
-  return lines(
-      " IF NOT EXISTS(SELECT 1",                                      //
-      "               FROM   CG86_AZIENDECOLL WITH(NOLOCK)",          //
-      "               WHERE  CG86_INDTIPO = 0",                       //
-      join("                  AND CG86_DITTA_CG18 = ", company),      //
-      join("                  AND CG86_DITTACOLL_CG18 = ", company),  //
-      join("                  AND CG86_CODATTIVITA = ", code),        //
-      join("                  AND CG86_ANNOIVA = ", year),            //
-      ")",                                                            //
-      " BEGIN",                                                       //
-      join(" INSERT INTO CG86_AZIENDECOLL(", tables::joined(tables::kActivityColumns), ")"),
-      row,  //
-      " END");
+  return lines(" IF NOT EXISTS(SELECT 1",                                      //
+               "               FROM   CG86_AZIENDECOLL WITH(NOLOCK)",          //
+               "               WHERE  CG86_INDTIPO = 0",                       //
+               join("                  AND CG86_DITTA_CG18 = ", company),      //
+               join("                  AND CG86_DITTACOLL_CG18 = ", company),  //
+               join("                  AND CG86_CODATTIVITA = ", code),        //
+               join("                  AND CG86_ANNOIVA = ", year),            //
+               ")",                                                            //
+               " BEGIN",                                                       //
+               join(" INSERT INTO CG86_AZIENDECOLL(", joinAll(tables::kActivityColumns, ", "), ")"),
+               row,  //
+               " END");
 }
 
 /// The row with the identity `id`, all values taken over but the year.
@@ -78,7 +76,7 @@ std::string copiedRow(const Variant& id, const Variant& year) {
   constexpr std::size_t behindYear = 2;
   return lines(
       join(" SELECT CG86_INDTIPO, ", year, ", ",
-           tables::joined(tables::Names{tables::kActivityColumns}.subspan(behindYear)), " "),
+           joinAll(tables::Names{tables::kActivityColumns}.subspan(behindYear), ", "), " "),
       " FROM   CG86_AZIENDECOLL WITH(NOLOCK)",  //
       join(" WHERE  CG86_IDATTIVITA = ", id));
 }
@@ -99,7 +97,7 @@ std::string copyInsert(const Variant& id, const Variant& year, std::string_view 
       join("                  AND CG86_ANNOIVA = ", year),            //
       ")",                                                            //
       " BEGIN",                                                       //
-      join(" INSERT INTO CG86_AZIENDECOLL (", tables::joined(tables::kActivityColumns), ")"),
+      join(" INSERT INTO CG86_AZIENDECOLL (", joinAll(tables::kActivityColumns, ", "), ")"),
       row,  //
       " END");
 }

@@ -16,6 +16,7 @@
 #include "component/values.h"
 #include "data/tables.h"
 #include "data/text.h"
+#include "text/joining.h"
 
 namespace azcoll::activities {
 namespace {
@@ -201,9 +202,9 @@ std::string YearDuplication::copy() {
   constexpr std::size_t behindYear = 2;
   const std::vector<std::string_view> columns = copiedColumns();
   std::string text =
-      lines(join(" INSERT INTO CG86_AZIENDECOLL (", tables::joined(columns), ") ",
+      lines(join(" INSERT INTO CG86_AZIENDECOLL (", joinAll(columns, ", "), ") ",
                  " SELECT CG86_INDTIPO, ", to_, ", ",
-                 tables::joined(tables::Names{columns}.subspan(behindYear)),
+                 joinAll(tables::Names{columns}.subspan(behindYear), ", "),
                  " FROM   CG86_AZIENDECOLL WITH(NOLOCK)"),
             " WHERE  CG86_INDTIPO = 0",                    //
             join("   AND  CG86_ANNOIVA = ", from_),        //

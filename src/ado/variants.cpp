@@ -17,42 +17,11 @@ namespace azcoll::ado {
 namespace {
 
 constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
-constexpr std::int64_t kDaysFromZeroDateTo1970 =
-    25'569;  // the zero of an automation date is 1899-12-30
+constexpr std::int64_t kDaysFromZeroDateTo1900 = 2;  // the zero of an automation date is 1899-12-30
 constexpr int kMostDecimalPlaces = 28;
 constexpr int kCurrencyPlaces = 4;
 
 [[noreturn]] void fail(std::string_view message) { throw Error(std::string{message}); }
-
-// Civil calendar and day numbers, after the usual shift of the year's start to March.
-
-std::int64_t daysSince1970(int year, int month, int day) {
-  const std::int64_t shifted = month <= 2 ? year - 1 : year;
-  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 399) / 400;
-  const std::int64_t yearOfEra = shifted - era * 400;
-  const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  return era * 146'097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719'468;
-}
-
-azcoll::Date dateOfDays(std::int64_t days, std::int64_t milliseconds) {
-  const std::int64_t shifted = days + 719'468;
-  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146'096) / 146'097;
-  const std::int64_t dayOfEra = shifted - era * 146'097;
-  const std::int64_t yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36'524 - dayOfEra / 146'096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t shiftedMonth = (5 * dayOfYear + 2) / 153;
-  const std::int64_t month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
-  const std::optional<azcoll::Date> date = azcoll::Date::of(
-      static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0)), static_cast<int>(month),
-      static_cast<int>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1),
-      static_cast<int>(milliseconds / 3'600'000), static_cast<int>(milliseconds / 60'000 % 60),
-      static_cast<int>(milliseconds / 1000 % 60), static_cast<int>(milliseconds % 1000));
-  if (!date) {
-    fail(messages::kOverflow);
-  }
-  return *date;
-}
 
 /// The whole part counts days and carries the sign; the fraction is the time of day, always
 /// onwards.
@@ -70,7 +39,15 @@ azcoll::Date fromAutomationDate(DATE value) {
     milliseconds = 0;
     ++days;
   }
-  return dateOfDays(days - kDaysFromZeroDateTo1970, milliseconds);
+  std::optional<azcoll::Date> date = azcoll::Date::ofDayNumber(days - kDaysFromZeroDateTo1900);
+  if (!date) {
+    fail(messages::kOverflow);
+  }
+  date->hour = static_cast<std::int8_t>(milliseconds / 3'600'000);
+  date->minute = static_cast<std::int8_t>(milliseconds / 60'000 % 60);
+  date->second = static_cast<std::int8_t>(milliseconds / 1000 % 60);
+  date->millisecond = static_cast<std::int16_t>(milliseconds % 1000);
+  return *date;
 }
 
 DATE toAutomationDate(const azcoll::Date& date) {
@@ -78,8 +55,7 @@ DATE toAutomationDate(const azcoll::Date& date) {
   if (date.year < kFirstYear) {
     fail(messages::kOverflow);
   }
-  const std::int64_t days =
-      daysSince1970(date.year, date.month, date.day) + kDaysFromZeroDateTo1970;
+  const std::int64_t days = date.dayNumber() + kDaysFromZeroDateTo1900;
   const std::int64_t milliseconds =
       ((std::int64_t{date.hour} * 60 + date.minute) * 60 + date.second) * 1000 + date.millisecond;
   const double fraction =

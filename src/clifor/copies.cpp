@@ -6,6 +6,7 @@
 
 #include "data/tables.h"
 #include "data/text.h"
+#include "text/joining.h"
 
 namespace azcoll::clifor {
 namespace {
@@ -54,8 +55,7 @@ std::string sqlValue(Call& call, tables::ValueRule rule, const Variant& main,
 }  // namespace
 
 std::string masterInsertHead() {
-  return join("INSERT INTO CG44_CLIFOR (", tables::joined(tables::kMasterColumns), ")",
-              " VALUES (");
+  return join("INSERT INTO CG44_CLIFOR (", joinAll(tables::kMasterColumns, ", "), ")", " VALUES (");
 }
 
 std::string fullMasterInsert(Call& call, const Variant& main, Fields& source,
@@ -101,11 +101,10 @@ std::string reducedMasterTail(Call& call, Fields& source) {
 }
 
 std::string salesDataInsert(Call& call, const Variant& main, Fields& source) {
-  std::string columns;
+  const std::string columns = joinAll(
+      tables::kSalesColumns, ", ", [](const tables::SalesColumn& column) { return column.name; });
   std::string values;
   for (const tables::SalesColumn& column : tables::kSalesColumns) {
-    columns += columns.empty() ? "" : ", ";
-    columns += column.name;
     values += sqlValue(call, column.rule, main, source.item(column.name).value());
   }
   // Every value ends with its separator; the last one has none.

@@ -6,13 +6,14 @@
 
 #include "component/values.h"
 #include "data/text.h"
+#include "text/quoting.h"
 
 namespace azcoll::clifor {
 namespace {
 
 /// A Unicode literal with its apostrophes doubled, or Null.
 std::string sqlDoubledText(Call& call, const Variant& value) {
-  return call.isMissing(value) ? "Null, " : join("N'", doubled(join(value), '\''), "', ");
+  return call.isMissing(value) ? "Null, " : join("N", quoted(join(value), '\''), ", ");
 }
 
 /// Runs the work of a routine with a message of its own: the message is left in `Errore`

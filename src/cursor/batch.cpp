@@ -7,6 +7,7 @@
 #include "data/messages.h"
 #include "data/text.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::cursor {
 namespace {
@@ -35,11 +36,7 @@ void appendName(std::string& text, std::string_view name) {
     text += name;
     return;
   }
-  text += '[';
-  for (const char character : name) {
-    text.append(character == ']' ? 2 : 1, character);
-  }
-  text += ']';
+  text += quoted(name, '[');
 }
 
 /// The one table that the columns (at least one) belong to.

@@ -1,20 +1,33 @@
 #include "data/date.h"
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 
 namespace azcoll {
 namespace {
 
-constexpr bool isLeap(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
 
-constexpr int daysIn(int year, int month) {
-  constexpr std::array<int, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && isLeap(year) ? 29 : kDays[static_cast<std::size_t>(month - 1)];
+constexpr int kFirstYear = 1;
+constexpr int kLastYear = 9999;
+
+constexpr year_month_day calendarDay(int year, int month, int day) {
+  return {std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
+          std::chrono::day{static_cast<unsigned>(day)}};
 }
+
+constexpr sys_days kDayZero = calendarDay(1900, 1, 1);
 
 constexpr bool within(int value, int lowest, int highest) {
   return value >= lowest && value <= highest;
+}
+
+constexpr bool isInCalendar(int year, int month, int day) {
+  // The calendar's own types are narrower than the numbers that callers have.
+  return within(year, kFirstYear, kLastYear) && within(month, 1, 12) && within(day, 1, 31) &&
+         calendarDay(year, month, day).ok();
 }
 
 /// Reads a text from left to right; every step says whether it found what it wanted.
@@ -137,15 +150,27 @@ void appendTime(std::string& target, const Date& date) {
 
 std::optional<Date> Date::of(int year, int month, int day, int hour, int minute, int second,
                              int millisecond) {
-  if (!within(year, 1, 9999) || !within(month, 1, 12) || !within(day, 1, daysIn(year, month)) ||
-      !within(hour, 0, 23) || !within(minute, 0, 59) || !within(second, 0, 59) ||
-      !within(millisecond, 0, 999)) {
+  if (!isInCalendar(year, month, day) || !within(hour, 0, 23) || !within(minute, 0, 59) ||
+      !within(second, 0, 59) || !within(millisecond, 0, 999)) {
     return std::nullopt;
   }
   return Date{static_cast<std::int16_t>(year),       static_cast<std::int8_t>(month),
               static_cast<std::int8_t>(day),         static_cast<std::int8_t>(hour),
               static_cast<std::int8_t>(minute),      static_cast<std::int8_t>(second),
               static_cast<std::int16_t>(millisecond)};
+}
+
+std::optional<Date> Date::ofDayNumber(std::int64_t days) {
+  constexpr std::int64_t kFirst = (sys_days{calendarDay(kFirstYear, 1, 1)} - kDayZero).count();
+  constexpr std::int64_t kLast = (sys_days{calendarDay(kLastYear, 12, 31)} - kDayZero).count();
+  // Compared before it is added to: the number comes from a caller and may be any.
+  if (days < kFirst || days > kLast) {
+    return std::nullopt;
+  }
+  const year_month_day day{kDayZero + std::chrono::days{days}};
+  return Date{static_cast<std::int16_t>(int{day.year()}),
+              static_cast<std::int8_t>(unsigned{day.month()}),
+              static_cast<std::int8_t>(unsigned{day.day()})};
 }
 
 std::optional<Date> Date::parse(std::string_view text) {
@@ -163,6 +188,10 @@ std::optional<Date> Date::parse(std::string_view text) {
   }
   return of(fields.year, fields.month, fields.day, fields.hour, fields.minute, fields.second,
             fields.millisecond);
+}
+
+std::int64_t Date::dayNumber() const {
+  return (sys_days{calendarDay(year, month, day)} - kDayZero).count();
 }
 
 bool Date::hasTime() const { return hour != 0 || minute != 0 || second != 0 || millisecond != 0; }

@@ -22,10 +22,16 @@ struct Date {
   static std::optional<Date> of(int year, int month, int day, int hour = 0, int minute = 0,
                                 int second = 0, int millisecond = 0);
 
+  /// The day `days` after 1 January 1900, at midnight; empty outside the years 1 to 9999.
+  static std::optional<Date> ofDayNumber(std::int64_t days);
+
   /// Reads `dd/mm/yyyy`, `d/m/yyyy`, `yyyy-mm-dd` and `yyyymmdd`, each with an optional time
   /// ` hh:mm[:ss[.fff]]` (a `T` may stand before the time in the dashed form). The calendar is
   /// checked; anything else gives nothing.
   static std::optional<Date> parse(std::string_view text);
+
+  /// Days since 1 January 1900, below zero before it. The time of day does not count.
+  [[nodiscard]] std::int64_t dayNumber() const;
 
   [[nodiscard]] bool hasTime() const;
 

@@ -6,25 +6,16 @@
 #include <cstddef>
 #include <limits>
 
+#include "data/powers_of_ten.h"
 #include "data/text.h"
 
 namespace azcoll {
 namespace {
 
-constexpr std::array<UInt128, Decimal::kMaxDigits + 1> powersOfTen() {
-  std::array<UInt128, Decimal::kMaxDigits + 1> powers{};
-  UInt128 power = 1;
-  for (UInt128& entry : powers) {
-    entry = power;
-    power *= 10;
-  }
-  return powers;
-}
+/// Magnitudes are unsigned.
+constexpr UInt128 power(int exponent) { return static_cast<UInt128>(powerOfTen(exponent)); }
 
-constexpr auto kPowers = powersOfTen();
-constexpr UInt128 kLimit = kPowers[Decimal::kMaxDigits];  // the first magnitude with 39 digits
-
-constexpr UInt128 power(int exponent) { return kPowers[static_cast<std::size_t>(exponent)]; }
+constexpr UInt128 kLimit = power(Decimal::kMaxDigits);  // the first magnitude with 39 digits
 
 constexpr UInt128 magnitude(Int128 value) {
   return value < 0 ? UInt128{0} - static_cast<UInt128>(value) : static_cast<UInt128>(value);

@@ -33,17 +33,6 @@ bool isSharedColumn(std::string_view name) {
 
 }  // namespace
 
-std::string joined(Names names) {
-  std::string result;
-  for (const std::string_view name : names) {
-    if (!result.empty()) {
-      result += ", ";
-    }
-    result += name;
-  }
-  return result;
-}
-
 bool isKnownName(std::string_view name) {
   return contains(kTables, name) || contains(kSubTables, name) || contains(kMasterColumns, name) ||
          contains(kActivityColumns, name) || contains(kRegistryColumns, name) ||

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 
 /// The tables and columns of the suite's company database that the component names: the one place
@@ -229,9 +228,6 @@ inline constexpr std::array<std::string_view, 69> kOtherColumns{"CG86_IDATTIVITA
 
 /// A list of names of this page, or a part of one.
 using Names = std::span<const std::string_view>;
-
-/// `names` joined with ", ".
-[[nodiscard]] std::string joined(Names names);
 
 /// Whether `name` is a table or a column of this page (letter case counts).
 [[nodiscard]] bool isKnownName(std::string_view name);

@@ -15,6 +15,7 @@
 #include "deployment/schema.h"
 #include "deployment/server_catalogue.h"
 #include "platform/provider_factory.h"
+#include "text/joining.h"
 #include "tsql/parser.h"
 
 namespace azcoll::deployment {
@@ -106,11 +107,9 @@ std::string undo(Connection& connection, const Script& script) {
 }
 
 std::string namesOf(std::span<const Script* const> scripts) {
-  std::string names;
-  for (const Script* script : scripts) {
-    names += fmt::format("{}{}", names.empty() ? "" : ", ", script->name);
-  }
-  return names.empty() ? "nessuno" : names;
+  return scripts.empty()
+             ? "nessuno"
+             : joinAll(scripts, ", ", [](const Script* script) { return script->name; });
 }
 
 void execute(Connection& connection, std::string_view statement) {

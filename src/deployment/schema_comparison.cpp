@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "text/joining.h"
 #include "text/letter_case.h"
 
 namespace azcoll::deployment {
@@ -32,14 +33,6 @@ bool holds(const ColumnType& type, const ColumnType& needed) {
   return type == needed;
 }
 
-std::string joinLines(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines) {
-    text += (text.empty() ? "" : "\n") + line;
-  }
-  return text;
-}
-
 class Comparison {
  public:
   Comparison(Diagnosis& diagnosis, Alteration alteration, const std::optional<LimitedUser>& user)
@@ -47,7 +40,7 @@ class Comparison {
 
   void table(const SchemaTable& expected, const SchemaTable* found) {
     if (found == nullptr) {
-      missing("tabella", "la tabella", expected.name, joinLines(expected.definitions));
+      missing("tabella", "la tabella", expected.name, joinAll(expected.definitions, "\n"));
       return;
     }
     ++diagnosis_.tables;
@@ -94,7 +87,8 @@ class Comparison {
       }
     }
     if (!faults.empty()) {
-      add(kind, expected.name, fmt::format("In {} {}: {}.", kind, expected.name, joined(faults)),
+      add(kind, expected.name,
+          fmt::format("In {} {}: {}.", kind, expected.name, joinAll(faults, "; ")),
           redefined(expected, *found));
     }
   }
@@ -132,14 +126,6 @@ class Comparison {
       }
     }
     return lines;
-  }
-
-  static std::string joined(const std::vector<std::string>& parts) {
-    std::string text;
-    for (const std::string& part : parts) {
-      text += (text.empty() ? "" : "; ") + part;
-    }
-    return text;
   }
 
   static std::string addColumn(const SchemaTable& table, const SchemaColumn& column) {

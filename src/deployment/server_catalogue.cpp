@@ -13,30 +13,18 @@
 #include "data/recordset.h"
 #include "data/text.h"
 #include "deployment/failure.h"
+#include "text/joining.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::deployment {
 namespace {
 
-std::string asSqlText(std::string_view text) {
-  std::string constant = "N'";
-  for (const char c : text) {
-    constant += c == '\'' ? "''" : std::string_view{&c, 1};
-  }
-  return constant + "'";
-}
+std::string asSqlText(std::string_view text) { return "N" + quoted(text, '\''); }
 
 /// `[dbo].[T]`.
 std::string qualified(std::string_view owner, std::string_view object) {
-  std::string name;
-  for (const std::string_view part : {owner, object}) {
-    name += name.empty() ? "[" : ".[";
-    for (const char c : part) {
-      name += c == ']' ? "]]" : std::string_view{&c, 1};
-    }
-    name += ']';
-  }
-  return name;
+  return quoted(owner, '[') + "." + quoted(object, '[');
 }
 
 // ---------------------------------------------------------------- the questions
@@ -138,17 +126,14 @@ class Answer {
 };
 
 std::string namesOf(const Schema& schema) {
-  std::string names;
-  const auto add = [&names](const std::string& name) {
-    names += (names.empty() ? "" : ", ") + asSqlText(name);
-  };
+  std::vector<std::string> names;
   for (const SchemaTable& table : schema.tables) {
-    add(table.name);
+    names.push_back(asSqlText(table.name));
   }
   for (const SchemaRoutine& routine : schema.routines) {
-    add(routine.name);
+    names.push_back(asSqlText(routine.name));
   }
-  return names;
+  return joinAll(names, ", ");
 }
 
 ColumnType typeOf(const Answer& answer) {
@@ -230,11 +215,8 @@ void addParameters(Connection& connection, Schema& found, const std::string& nam
 
 /// A function with the same value for every argument: `[dbo].[F](NULL, NULL)`.
 std::string callOf(const SchemaRoutine& function, std::size_t arguments, std::string_view value) {
-  std::string values;
-  for (std::size_t i = 0; i < arguments; ++i) {
-    values += fmt::format("{}{}", i == 0 ? "" : ", ", value);
-  }
-  return fmt::format("{}({})", qualified(function.owner, function.name), values);
+  const std::vector<std::string_view> values(arguments, value);
+  return fmt::format("{}({})", qualified(function.owner, function.name), joinAll(values, ", "));
 }
 
 void addFunctionColumns(Connection& connection, SchemaRoutine& function, std::size_t arguments) {
@@ -355,7 +337,7 @@ Schema readServerSchema(Connection& connection, const Schema& expected, const Se
 std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<Grant>& grants,
                                      const Schema& found) {
   std::vector<Grant> asked;
-  std::string question;
+  std::vector<std::string> questions;
   for (const Grant& grant : grants) {
     const SchemaTable* const table = found.table(grant.object);
     const SchemaRoutine* const routine = found.routine(grant.object);
@@ -363,16 +345,15 @@ std::vector<Grant> readMissingGrants(Connection& connection, const std::vector<G
       continue;  // what is not there is a finding of its own
     }
     const std::string& owner = table != nullptr ? table->owner : routine->owner;
-    question += question.empty() ? "" : " UNION ALL ";
-    question +=
-        fmt::format(kRight, asked.size(), asSqlText(qualified(owner, grant.object)), grant.right);
+    questions.push_back(
+        fmt::format(kRight, asked.size(), asSqlText(qualified(owner, grant.object)), grant.right));
     asked.push_back({grant.right, owner, grant.object});
   }
   if (asked.empty()) {
     return {};
   }
   std::set<std::size_t> held;
-  Answer answer{connection, question};
+  Answer answer{connection, joinAll(questions, " UNION ALL ")};
   while (answer.next()) {
     if (answer.isOne("CONCESSO")) {
       held.insert(static_cast<std::size_t>(answer.number("NUMERO")));

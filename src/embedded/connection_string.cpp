@@ -1,14 +1,12 @@
 #include "embedded/connection_string.h"
 
 #include <charconv>
-#include <optional>
 #include <set>
-#include <utility>
+#include <vector>
 
+#include "data/connection_pairs.h"
 #include "data/error.h"
-#include "data/text.h"
 #include "text/letter_case.h"
-#include "tsql/characters.h"
 
 namespace azcoll::embedded {
 
@@ -20,67 +18,24 @@ using ascii::equalsIgnoringCase;
   throw Error("Stringa di connessione non valida: " + what);
 }
 
-/// Takes `key=value` pairs off the front of a connection string.
-class PairReader {
- public:
-  explicit PairReader(std::string_view text) : rest_(text) {}
+/// Values in braces are a custom of drivers: here a brace is a character like any other.
+std::vector<ConnectionPair> pairsOf(std::string_view text) {
+  return readConnectionPairs(text, "\"'");
+}
 
-  /// The next pair, or nothing behind the last one. Empty pairs (`;;`) are skipped.
-  std::optional<std::pair<std::string, std::string>> next() {
-    rest_ = trim(rest_);
-    while (rest_.starts_with(';')) {
-      rest_ = trim(rest_.substr(1));
-    }
-    if (rest_.empty()) {
-      return std::nullopt;
-    }
-    const std::size_t equals = rest_.find('=');
-    const std::size_t end = rest_.find(';');
-    if (equals == std::string_view::npos || equals > end) {
-      fail("manca il segno = in \"" + std::string(trim(rest_.substr(0, end))) + "\"");
-    }
-    std::string key(trim(rest_.substr(0, equals)));
-    rest_ = trim(rest_.substr(equals + 1));
-    std::string value = takeValue();
-    return std::pair{std::move(key), std::move(value)};
-  }
-
- private:
-  std::string takeValue() {
-    if (rest_.starts_with('"') || rest_.starts_with('\'')) {
-      return takeQuoted(rest_.front());
-    }
-    const std::size_t end = rest_.find(';');
-    std::string value(trim(rest_.substr(0, end)));
-    rest_ = end == std::string_view::npos ? std::string_view{} : rest_.substr(end + 1);
-    return value;
-  }
-
-  std::string takeQuoted(char mark) {
-    std::string value;
-    std::size_t at = 1;
-    while (true) {
-      const std::size_t found = rest_.find(mark, at);
-      if (found == std::string_view::npos) {
-        fail("manca il segno finale di un valore fra virgolette");
-      }
-      value += rest_.substr(at, found - at);
-      at = found + 1;
-      if (tsql::byteAt(rest_, at) != mark) {
-        break;
-      }
-      value += mark;
-      ++at;
-    }
-    rest_ = trim(rest_.substr(at));
-    if (!rest_.empty() && rest_.front() != ';') {
+/// Refuses what drivers would pass over.
+void requireSound(const ConnectionPair& pair) {
+  switch (pair.flaw) {
+    case PairFlaw::None:
+      return;
+    case PairFlaw::NoEquals:
+      fail("manca il segno = in \"" + std::string(pair.key) + "\"");
+    case PairFlaw::OpenQuote:
+      fail("manca il segno finale di un valore fra virgolette");
+    case PairFlaw::TextBehindQuote:
       fail("testo inatteso dopo un valore fra virgolette");
-    }
-    return value;
   }
-
-  std::string_view rest_;
-};
+}
 
 bool readFlag(const std::string& key, std::string_view value) {
   if (equalsIgnoringCase(value, "TRUE") || equalsIgnoringCase(value, "YES")) {
@@ -114,16 +69,13 @@ std::string upper(std::string_view text) {
 }  // namespace
 
 bool choosesEmbedded(std::string_view text) {
-  try {
-    PairReader reader(text);
-    while (const auto pair = reader.next()) {
-      if (equalsIgnoringCase(pair->first, "PROVIDER")) {
-        return equalsIgnoringCase(pair->second, "EMBEDDED");
-      }
+  for (const ConnectionPair& pair : pairsOf(text)) {
+    if (pair.flaw != PairFlaw::None) {
+      return false;  // another provider's string may follow rules of its own
     }
-  } catch (const Error&) {
-    // Another provider's string may follow rules of its own.
-    return false;
+    if (equalsIgnoringCase(pair.key, "PROVIDER")) {
+      return equalsIgnoringCase(pair.value, "EMBEDDED");
+    }
   }
   return false;
 }
@@ -131,26 +83,27 @@ bool choosesEmbedded(std::string_view text) {
 ConnectionSettings readConnectionString(std::string_view text) {
   ConnectionSettings settings;
   std::set<std::string> seen;
-  PairReader reader(text);
-  while (auto pair = reader.next()) {
-    const std::string key = upper(pair->first);
+  for (const ConnectionPair& pair : pairsOf(text)) {
+    requireSound(pair);
+    const std::string written(pair.key);
+    const std::string key = upper(written);
     if (!seen.insert(key).second) {
-      fail("la chiave " + pair->first + " compare due volte");
+      fail("la chiave " + written + " compare due volte");
     }
     if (key == "PROVIDER") {
-      if (!equalsIgnoringCase(pair->second, "EMBEDDED")) {
+      if (!equalsIgnoringCase(pair.value, "EMBEDDED")) {
         fail("il provider non è embedded");
       }
     } else if (key == "DATA SOURCE") {
-      settings.dataSource = std::move(pair->second);
+      settings.dataSource = pair.value;
     } else if (key == "CREATE") {
-      settings.create = readFlag(pair->first, pair->second);
+      settings.create = readFlag(written, pair.value);
     } else if (key == "READ ONLY") {
-      settings.readOnly = readFlag(pair->first, pair->second);
+      settings.readOnly = readFlag(written, pair.value);
     } else if (key == "TIMEOUT") {
-      settings.timeoutSeconds = readSeconds(pair->first, pair->second);
+      settings.timeoutSeconds = readSeconds(written, pair.value);
     } else {
-      fail("chiave sconosciuta \"" + pair->first + "\"");
+      fail("chiave sconosciuta \"" + written + "\"");
     }
   }
   if (!seen.contains("PROVIDER")) {

@@ -5,9 +5,11 @@
 #include <charconv>
 #include <cstddef>
 
+#include "data/connection_pairs.h"
 #include "data/error.h"
 #include "data/text.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -15,57 +17,10 @@ namespace {
 constexpr std::string_view kMask = "***";
 constexpr std::size_t kDistinctive = 4;  // characters from which a password is no common word part
 
-/// One `key=value` of a connection string; the parts are views into it.
-struct Pair {
-  std::string_view key{};
-  std::string_view raw{};  ///< the value as written, braces or quotes included
-  std::string value{};     ///< the value meant
-};
-
-/// End of a value that begins with `{`, `"` or `'`: behind its closing mark, which is written twice
-/// inside. An unclosed value goes to the end.
-std::size_t endOfQuoted(std::string_view text, std::size_t start, char close, std::string& value) {
-  for (std::size_t at = start + 1; at < text.size(); ++at) {
-    if (text[at] != close) {
-      value += text[at];
-    } else if (at + 1 < text.size() && text[at + 1] == close) {
-      value += close;
-      ++at;
-    } else {
-      return at + 1;
-    }
-  }
-  return text.size();
-}
-
-/// Reads what drivers read, and never complains: the driver does.
-std::vector<Pair> pairsOf(std::string_view text) {
-  std::vector<Pair> pairs;
-  std::size_t at = 0;
-  while (at < text.size()) {
-    const std::size_t equals = text.find_first_of("=;", at);
-    if (equals == std::string_view::npos || text[equals] == ';') {
-      at = equals == std::string_view::npos ? text.size() : equals + 1;
-      continue;
-    }
-    Pair pair;
-    pair.key = trim(text.substr(at, equals - at));
-    std::size_t start = text.find_first_not_of(' ', equals + 1);
-    start = start == std::string_view::npos ? text.size() : start;
-    std::size_t end = 0;
-    const char mark = start < text.size() ? text[start] : ';';
-    if (mark == '{' || mark == '"' || mark == '\'') {
-      end = endOfQuoted(text, start, mark == '{' ? '}' : mark, pair.value);
-      end = std::min(text.find(';', end), text.size());
-    } else {
-      end = std::min(text.find(';', start), text.size());
-      pair.value = trim(text.substr(start, end - start));
-    }
-    pair.raw = text.substr(start, end - start);
-    pair.raw = pair.raw.substr(0, pair.raw.find_last_not_of(' ') + 1);
-    pairs.push_back(pair);
-    at = end + 1;
-  }
+/// What drivers read; they pass over a piece without `=`.
+std::vector<ConnectionPair> pairsOf(std::string_view text) {
+  std::vector<ConnectionPair> pairs = readConnectionPairs(text, "{\"'");
+  std::erase_if(pairs, [](const ConnectionPair& pair) { return pair.flaw == PairFlaw::NoEquals; });
   return pairs;
 }
 
@@ -80,13 +35,16 @@ bool isUserKey(std::string_view key) {
 
 bool isLockKey(std::string_view key) { return equalsIgnoringCase(key, "BLOCCO"); }
 
-/// A value as a connection string holds it, whatever characters it has.
-std::string braced(std::string_view value) {
-  std::string text = "{";
-  for (const char character : value) {
-    text.append(character == '}' ? 2 : 1, character);
+/// The pairs that `isWanted` takes by their key, as they are written.
+template <typename IsWanted>
+std::string only(std::string_view text, const IsWanted& isWanted) {
+  std::string result;
+  for (const ConnectionPair& pair : pairsOf(text)) {
+    if (isWanted(pair.key)) {
+      result += join(pair.key, "=", pair.raw, ";");
+    }
   }
-  return text + "}";
+  return result;
 }
 
 bool isWordByte(char byte) {
@@ -102,7 +60,7 @@ bool standsAlone(std::string_view text, std::size_t at, std::size_t length) {
 }  // namespace
 
 void Secrets::addFrom(std::string_view connectionString) {
-  for (const Pair& pair : pairsOf(connectionString)) {
+  for (const ConnectionPair& pair : pairsOf(connectionString)) {
     if (isPasswordKey(pair.key)) {
       add(pair.value);
       add(pair.raw);
@@ -137,7 +95,7 @@ std::string Secrets::masked(std::string text) const {
 std::string maskedConnectionString(std::string_view text) {
   std::string masked;
   std::size_t copied = 0;
-  for (const Pair& pair : pairsOf(text)) {
+  for (const ConnectionPair& pair : pairsOf(text)) {
     if (isPasswordKey(pair.key) && !pair.raw.empty()) {
       const auto start = static_cast<std::size_t>(pair.raw.data() - text.data());
       masked += text.substr(copied, start - copied);
@@ -154,19 +112,16 @@ std::string withCredentials(std::string_view text, std::string_view user,
   if (user.empty() && password.empty()) {
     return std::string{text};
   }
-  std::string result;
-  for (const Pair& pair : pairsOf(text)) {
+  std::string result = only(text, [&](std::string_view key) {
     const bool overridden =
-        (!user.empty() && isUserKey(pair.key)) || (!password.empty() && isPasswordKey(pair.key));
-    if (!overridden) {
-      result += join(pair.key, "=", pair.raw, ";");
-    }
-  }
+        (!user.empty() && isUserKey(key)) || (!password.empty() && isPasswordKey(key));
+    return !overridden;
+  });
   if (!user.empty()) {
-    result += join("UID=", braced(user), ";");
+    result += join("UID=", quoted(user, '{'), ";");
   }
   if (!password.empty()) {
-    result += join("PWD=", braced(password), ";");
+    result += join("PWD=", quoted(password, '{'), ";");
   }
   return result;
 }
@@ -175,7 +130,7 @@ std::string serverOf(std::string_view text) {
   std::string server;
   std::string source;
   std::string port;
-  for (const Pair& pair : pairsOf(text)) {
+  for (const ConnectionPair& pair : pairsOf(text)) {
     if (equalsIgnoringCase(pair.key, "SERVER") || equalsIgnoringCase(pair.key, "SERVERNAME")) {
       server = pair.value;
     } else if (equalsIgnoringCase(pair.key, "DSN")) {
@@ -192,7 +147,7 @@ std::string serverOf(std::string_view text) {
 
 GroupLock groupLock(std::string_view text) {
   GroupLock lock = GroupLock::None;
-  for (const Pair& pair : pairsOf(text)) {
+  for (const ConnectionPair& pair : pairsOf(text)) {
     if (isLockKey(pair.key)) {
       if (!equalsIgnoringCase(pair.value, "GRUPPO")) {
         throw Error(join("Valore non valido nella stringa di connessione: Blocco=", pair.raw,
@@ -208,18 +163,12 @@ std::string withoutOwnKeys(std::string_view text) {
   if (groupLock(text) == GroupLock::None) {
     return std::string{text};
   }
-  std::string result;
-  for (const Pair& pair : pairsOf(text)) {
-    if (!isLockKey(pair.key)) {
-      result += join(pair.key, "=", pair.raw, ";");
-    }
-  }
-  return result;
+  return only(text, [](std::string_view key) { return !isLockKey(key); });
 }
 
 int loginTimeout(std::string_view text) {
   constexpr int kDefault = 15;
-  for (const Pair& pair : pairsOf(text)) {
+  for (const ConnectionPair& pair : pairsOf(text)) {
     if (equalsIgnoringCase(pair.key, "CONNECT TIMEOUT") ||
         equalsIgnoringCase(pair.key, "CONNECTION TIMEOUT") ||
         equalsIgnoringCase(pair.key, "LOGINTIMEOUT") || equalsIgnoringCase(pair.key, "TIMEOUT")) {

@@ -20,13 +20,8 @@ bool endsInOpenIf(const Statement& statement) {
 void Printer::batch(const Batch& batch) { statements(batch.statements); }
 
 void Printer::statements(const std::vector<StatementPtr>& statements) {
-  bool first = true;
-  for (const StatementPtr& one : statements) {
-    if (!std::exchange(first, false)) {
-      out_ += "; ";
-    }
-    statement(*one);
-  }
+  list(
+      statements, [this](const StatementPtr& one) { statement(*one); }, "; ");
 }
 
 void Printer::statement(const Statement& statement) {

@@ -1,5 +1,6 @@
 #include "tsql/printer.h"
 
+#include "text/quoting.h"
 #include "text/utf8.h"
 #include "tsql/characters.h"
 #include "tsql/keywords.h"
@@ -67,24 +68,12 @@ void Printer::name(std::string_view name) {
     out_ += name;
     return;
   }
-  out_ += '[';
-  for (const char c : name) {
-    out_ += c;
-    if (c == ']') {
-      out_ += ']';
-    }
-  }
-  out_ += ']';
+  out_ += quoted(name, '[');
 }
 
 void Printer::objectName(const ObjectName& name) {
-  bool first = true;
-  for (const std::string& part : name.parts) {
-    if (!std::exchange(first, false)) {
-      out_ += '.';
-    }
-    this->name(part);
-  }
+  list(
+      name.parts, [this](const std::string& part) { this->name(part); }, ".");
 }
 
 /// A table variable keeps its `@` bare: in brackets it would be a table of that name.
@@ -139,15 +128,6 @@ void Printer::type(const TypeName& type) {
 }
 
 /// A quoted text.
-void Printer::text(std::string_view value) {
-  out_ += '\'';
-  for (const char c : value) {
-    out_ += c;
-    if (c == '\'') {
-      out_ += '\'';
-    }
-  }
-  out_ += '\'';
-}
+void Printer::text(std::string_view value) { out_ += quoted(value, '\''); }
 
 }  // namespace azcoll::tsql

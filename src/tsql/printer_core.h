@@ -22,11 +22,11 @@ class Printer {
 
  private:
   template <typename Items, typename Write>
-  void list(const Items& items, Write write) {
+  void list(const Items& items, Write write, std::string_view separator = ", ") {
     bool first = true;
     for (const auto& item : items) {
       if (!std::exchange(first, false)) {
-        out_ += ", ";
+        out_ += separator;
       }
       write(item);
     }

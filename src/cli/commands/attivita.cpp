@@ -2,12 +2,11 @@
 
 #include <CLI/App.hpp>
 #include <cstdint>
-#include <ostream>
+#include <memory>
 
-#include "cli/commands/connection_watch.h"
-#include "cli/commands/failure_advice.h"
+#include "cli/commands/look_up.h"
 #include "cli/reports/activities_report.h"
-#include "data/error.h"
+#include "data/connection.h"
 #include "views/activities.h"
 
 namespace azcoll::cli {
@@ -28,21 +27,17 @@ CLI::App* CommandAttivita::setup(CLI::App& parent) {
 ExitCode CommandAttivita::run(Console& console) const {
   const std::int32_t company = what.company();
   const std::int32_t year = what.years().first;
-  const ConnectionWatch watch{openDatabase(database)};
-  try {
-    const views::ActivityView view = views::readActivities(watch.connection(), company, year);
-    watch.requireAlive();
+  const auto read = [company, year](const std::shared_ptr<Connection>& connection) {
+    return views::readActivities(connection, company, year);
+  };
+  const auto print = [&](const views::ActivityView& view) {
     if (json) {
       printActivitiesJson(console.out, view);
     } else {
       printActivities(console.out, view);
     }
-  } catch (const Error& error) {
-    watch.requireAlive();
-    console.err << withDiagnosisHint(error.info()) << '\n';
-    return ExitCode::Failed;
-  }
-  return ExitCode::Ok;
+  };
+  return lookUp(database, console, read, print);
 }
 
 }  // namespace azcoll::cli

@@ -10,6 +10,7 @@
 #include "data/error.h"
 #include "deployment/failure.h"
 #include "platform/provider_factory.h"
+#include "text/quoting.h"
 
 namespace azcoll::cli {
 
@@ -29,11 +30,7 @@ std::string embeddedConnectionString(std::string_view file) {
     throw UsageError("Il nome di un file non può contenere un carattere nullo.");
   }
   // Quoted, so that a semicolon or a blank at the end stays part of the name.
-  std::string source = "\"";
-  for (const char c : file) {
-    source += c == '"' ? "\"\"" : std::string_view{&c, 1};
-  }
-  return fmt::format("Provider=embedded;Data Source={}\"", source);
+  return fmt::format("Provider=embedded;Data Source={}", quoted(file, '"'));
 }
 
 std::shared_ptr<Connection> openConnection(const std::string& connectionString) {

@@ -3,14 +3,14 @@
 #include <CLI/App.hpp>
 #include <cstdint>
 #include <fmt/format.h>
+#include <memory>
 #include <ostream>
 
-#include "cli/commands/connection_watch.h"
-#include "cli/commands/failure_advice.h"
+#include "cli/commands/look_up.h"
 #include "cli/reports/drawing_file.h"
 #include "cli/reports/group_drawing.h"
 #include "cli/reports/group_report.h"
-#include "data/error.h"
+#include "data/connection.h"
 #include "views/group.h"
 
 namespace azcoll::cli {
@@ -45,10 +45,10 @@ ExitCode CommandGruppo::run(Console& console) const {
   if (drawn) {
     requireSvgName(*svg);
   }
-  const ConnectionWatch watch{openDatabase(database)};
-  try {
-    const views::GroupView view = views::readGroups(watch.connection(), company, years);
-    watch.requireAlive();
+  const auto read = [company, &years](const std::shared_ptr<Connection>& connection) {
+    return views::readGroups(connection, company, years);
+  };
+  const auto print = [&](const views::GroupView& view) {
     if (drawn) {
       writeSvg(groupsAsDot(view), *svg);
       console.err << fmt::format("Scritto il disegno {}.\n", *svg);
@@ -59,12 +59,8 @@ ExitCode CommandGruppo::run(Console& console) const {
     } else {
       printGroups(console.out, view);
     }
-  } catch (const Error& error) {
-    watch.requireAlive();
-    console.err << withDiagnosisHint(error.info()) << '\n';
-    return ExitCode::Failed;
-  }
-  return ExitCode::Ok;
+  };
+  return lookUp(database, console, read, print);
 }
 
 }  // namespace azcoll::cli

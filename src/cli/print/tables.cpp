@@ -10,6 +10,7 @@
 
 #include "cli/print/terminal_text.h"
 #include "data/variant.h"
+#include "text/quoting.h"
 #include "views/value_text.h"
 
 namespace azcoll::cli {
@@ -69,11 +70,7 @@ std::string csvText(std::string_view text) {
   if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
     return std::string{text};
   }
-  std::string quoted = "\"";
-  for (const char c : text) {
-    quoted += c == '"' ? "\"\"" : std::string_view{&c, 1};
-  }
-  return quoted += '"';
+  return quoted(text, '"');
 }
 
 std::string csvField(const std::string& name) { return csvText(name); }

@@ -11,6 +11,7 @@
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -161,10 +162,9 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
       statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
   if (change.from.empty() && translation_.queries == 0) {
-    std::string set;
-    for (const auto& [column, value] : assigned) {
-      set += (set.empty() ? "" : ",") + quoteName(table.columns[column].name) + "=" + value;
-    }
+    const std::string set = joinAll(assigned, ",", [&](const auto& assignment) {
+      return quoteName(table.columns[assignment.first].name) + "=" + assignment.second;
+    });
     bound.sql = "UPDATE " + table.sqlName + " AS " + change.source + " SET " + set + filter;
   } else {
     bound.sql = updateByKey(table, change.source, change.from, assigned, filter);
@@ -186,14 +186,12 @@ BoundChange ChangeBinder::bindDelete(const tsql::DeleteStatement& statement) {
     bound.sql += change.source + condition;
     return bound;
   }
-  std::string outer;
-  std::string inner;
-  for (const std::string& key : keyColumns(*bound.table)) {
-    outer += (outer.empty() ? "u." : ",u.") + key;
-    inner += (inner.empty() ? "" : ",") + change.source + "." + key;
-  }
-  bound.sql +=
-      "u WHERE (" + outer + ") IN (SELECT " + inner + " FROM " + change.from + condition + ")";
+  const std::vector<std::string> keys = keyColumns(*bound.table);
+  const auto keysOf = [&keys](const std::string& source) {
+    return joinAll(keys, ",", [&](const std::string& key) { return source + "." + key; });
+  };
+  bound.sql += "u WHERE (" + keysOf("u") + ") IN (SELECT " + keysOf(change.source) + " FROM " +
+               change.from + condition + ")";
   return bound;
 }
 

@@ -8,17 +8,15 @@
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
 namespace {
 
 std::string columnList(const Table& table, const std::vector<std::size_t>& columns) {
-  std::string list;
-  for (const std::size_t column : columns) {
-    list += (list.empty() ? "" : ",") + quoteName(table.columns[column].name);
-  }
-  return list;
+  return joinAll(columns, ",",
+                 [&](std::size_t column) { return quoteName(table.columns[column].name); });
 }
 
 [[noreturn]] void failCount(bool more) {
@@ -197,10 +195,8 @@ BoundChange ChangeBinder::bindInsert(const tsql::InsertStatement& statement) {
       bound.sql += " DEFAULT VALUES";
       return bound;
     }
-    std::string values;
-    for (const std::size_t column : defaults) {
-      values += (values.empty() ? "" : ",") + defaultOf(table, column);
-    }
+    const std::string values =
+        joinAll(defaults, ",", [&](std::size_t column) { return defaultOf(table, column); });
     bound.sql += " (" + columnList(table, defaults) + ") VALUES (" + values + ")";
     return bound;
   }

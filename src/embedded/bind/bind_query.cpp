@@ -14,6 +14,7 @@
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
+#include "text/joining.h"
 #include "tsql/printer.h"
 
 namespace azcoll::embedded {
@@ -328,10 +329,9 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
 }
 
 void QueryBinder::bindOrderBy(const tsql::Query& query, const Clause& clause, BoundSelect& select) {
-  for (const tsql::OrderItem& item : query.orderBy) {
-    select.orderBy += (select.orderBy.empty() ? "" : ",") + bindOrderItem(item, clause, select) +
-                      (item.descending ? " DESC" : "");
-  }
+  select.orderBy = joinAll(query.orderBy, ",", [&](const tsql::OrderItem& item) {
+    return bindOrderItem(item, clause, select) + (item.descending ? " DESC" : "");
+  });
 }
 
 void QueryBinder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {

@@ -6,20 +6,13 @@
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/joining.h"
 #include "text/letter_case.h"
 #include "tsql/characters.h"
 
 namespace azcoll::embedded {
 
 namespace {
-
-std::string dotted(const tsql::ObjectName& name) {
-  std::string text;
-  for (const std::string& part : name.parts) {
-    text += (text.empty() ? "" : ".") + part;
-  }
-  return text;
-}
 
 /// Whether `qualifier` (the parts in front of the column) names the source.
 bool isNamedBy(const Source& source, const std::vector<std::string>& qualifier) {
@@ -110,7 +103,8 @@ BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Clau
       return columnOf(at->scope.sources[i], *match, *at);
     }
   }
-  throw SqlError(4104, "The multi-part identifier \"" + dotted(name) + "\" could not be bound.");
+  throw SqlError(
+      4104, "The multi-part identifier \"" + joinAll(name.parts, ".") + "\" could not be bound.");
 }
 
 std::size_t Names::variableIndex(const std::string& name) const {
@@ -171,7 +165,7 @@ std::shared_ptr<const Table> Names::findTable(const tsql::ObjectName& name) cons
   if (auto table = context_.catalogue->findTable(objectName(name, context_.text))) {
     return table;
   }
-  throw SqlError(208, "Invalid object name '" + dotted(name) + "'.");
+  throw SqlError(208, "Invalid object name '" + joinAll(name.parts, ".") + "'.");
 }
 
 std::string Names::newAlias() { return "t" + std::to_string(translation_.nextAlias++); }

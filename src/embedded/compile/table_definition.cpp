@@ -10,6 +10,7 @@
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -131,10 +132,7 @@ std::string foreignKey(const Table& table, const Constraint& constraint,
 std::vector<std::string> tableDefinition(const Table& table, const Catalogue& catalogue,
                                          std::string_view text) {
   std::string sql = table.isVariable ? "CREATE TEMP TABLE " : "CREATE TABLE ";
-  sql += quoteName(table.storeName) + " (";
-  for (const Column& column : table.columns) {
-    sql += (sql.back() == '(' ? "" : ",") + columnDefinition(column);
-  }
+  sql += quoteName(table.storeName) + " (" + joinAll(table.columns, ",", columnDefinition);
   if (table.key.empty() && !table.identity) {
     sql += "," + quoteName(table.rowColumn) + " INTEGER PRIMARY KEY";
   }

@@ -60,7 +60,7 @@ void part(const FunctionCallFrame& frame) {
     case 'l':
       return give(date.millisecond);
     default:
-      return frame.give(dayNumber(date) - dayNumber(Date{date.year, 1, 1, 0, 0, 0, 0}) + 1);
+      return frame.give(date.dayNumber() - Date{date.year, 1, 1}.dayNumber() + 1);
   }
 }
 
@@ -87,7 +87,7 @@ std::optional<Date> addTime(const Date& date, std::int64_t count, std::int64_t u
     rest += kDay;
     --days;
   }
-  const auto day = dateOfDay(dayNumber(date) + days);
+  const auto day = Date::ofDayNumber(date.dayNumber() + days);
   return day ? std::optional(withTime(*day, rest)) : std::nullopt;
 }
 
@@ -123,7 +123,7 @@ void difference(const FunctionCallFrame& frame) {
       return (std::int64_t{date.year} * 12 + date.month - 1) / monthsOf(unit);
     }
     // Counted from the year 1 on, so that a division always rounds down.
-    const std::int64_t days = dayNumber(date) - dayNumber(Date{1, 1, 1, 0, 0, 0, 0});
+    const std::int64_t days = date.dayNumber() - Date{1, 1, 1}.dayNumber();
     return (days * kDay + timeOfDay(date)) / milliseconds;
   };
   const std::int64_t count =

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "data/powers_of_ten.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"

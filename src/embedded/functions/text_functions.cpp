@@ -5,6 +5,7 @@
 #include "embedded/functions/like_pattern.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/quoting.h"
 #include "text/utf8.h"
 
 namespace azcoll::embedded {
@@ -87,9 +88,7 @@ void lower(const FunctionCallFrame& frame) {
 }
 void leftTrim(const FunctionCallFrame& frame) { frame.give(withoutLeadingBlanks(frame.text(0))); }
 void rightTrim(const FunctionCallFrame& frame) { frame.give(withoutTrailingBlanks(frame.text(0))); }
-void trimBoth(const FunctionCallFrame& frame) {
-  frame.give(withoutLeadingBlanks(withoutTrailingBlanks(frame.text(0))));
-}
+void trimBoth(const FunctionCallFrame& frame) { frame.give(trim(frame.text(0))); }
 
 /// Calls `found(position)` for every place of `wanted`, letter case ignored; folding keeps the
 /// number of characters but not of bytes, so the places are counted in characters.

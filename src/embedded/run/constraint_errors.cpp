@@ -14,6 +14,7 @@
 #include "embedded/values/conversions.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -62,11 +63,9 @@ std::string_view detailOf(std::string_view message) {
 
 /// How SQLite lists the columns of a broken key.
 std::string listed(const Table& table, const std::vector<std::size_t>& columns) {
-  std::string list;
-  for (const std::size_t column : columns) {
-    list += (list.empty() ? "" : ", ") + table.storeName + "." + table.columns[column].name;
-  }
-  return list;
+  return joinAll(columns, ", ", [&](std::size_t column) {
+    return table.storeName + "." + table.columns[column].name;
+  });
 }
 
 /// What SQLite calls the index `name` when it cannot list columns.

@@ -16,6 +16,7 @@
 #include "embedded/values/literals.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
+#include "text/joining.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
 
@@ -139,10 +140,9 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
 
 /// The values of the first key that occurs twice, as messages show them.
 std::string Definer::repeatedKey(const Table& table, const Index& index) const {
-  std::string list;
-  for (const std::size_t column : index.columns) {
-    list += (list.empty() ? "" : ",") + quoteName(table.columns[column].name);
-  }
+  const std::string list = joinAll(index.columns, ",", [&](std::size_t column) {
+    return quoteName(table.columns[column].name);
+  });
   const SqliteStatement rows =
       session_.database.prepare("SELECT " + list + " FROM " + table.sqlName + " GROUP BY " + list +
                                 " HAVING count(*) > 1 ORDER BY " + list + " LIMIT 1");

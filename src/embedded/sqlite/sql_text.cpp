@@ -5,21 +5,11 @@
 #include <limits>
 
 #include "embedded/values/number_values.h"
+#include "text/quoting.h"
 
 namespace azcoll::embedded {
 
 namespace {
-
-std::string quote(std::string_view text, char mark) {
-  std::string quoted(1, mark);
-  for (const char c : text) {
-    quoted += c;
-    if (c == mark) {
-      quoted += c;
-    }
-  }
-  return quoted += mark;
-}
 
 template <typename Bytes>
 std::string blobConstant(const Bytes& bytes) {
@@ -35,9 +25,9 @@ std::string blobConstant(const Bytes& bytes) {
 
 }  // namespace
 
-std::string quoteName(std::string_view name) { return quote(name, '"'); }
+std::string quoteName(std::string_view name) { return quoted(name, '"'); }
 
-std::string quoteText(std::string_view text) { return quote(text, '\''); }
+std::string quoteText(std::string_view text) { return quoted(text, '\''); }
 
 std::string sqliteConstant(const Value& value) {
   switch (value.tag) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "data/decimal.h"
+#include "data/powers_of_ten.h"
 #include "data/text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/date_values.h"
@@ -217,7 +218,7 @@ std::optional<Date> momentOfDays(Int128 digits, int scale) {
   if (day > kBeyondCalendar || day < -kBeyondCalendar) {
     return std::nullopt;
   }
-  const std::optional<Date> date = dateOfDay(static_cast<std::int64_t>(day));
+  const std::optional<Date> date = Date::ofDayNumber(static_cast<std::int64_t>(day));
   return date ? std::optional(withTime(*date, (static_cast<std::int64_t>(ticks) * 10 + 1) / 3))
               : std::nullopt;
 }

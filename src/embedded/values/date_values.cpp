@@ -15,17 +15,6 @@ namespace {
 constexpr std::int64_t kDayMilliseconds = 86'400'000;
 constexpr std::int64_t kMinuteMilliseconds = 60'000;
 
-/// Days from 1 March of the year 0 (Gregorian rules throughout), so that the leap day ends a year.
-constexpr std::int64_t daysFromCivil(int year, int month, int day) {
-  const std::int64_t y = month <= 2 ? year - 1 : year;
-  const std::int64_t era = y / 400;
-  const std::int64_t yearOfEra = y - era * 400;
-  const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-}
-
-constexpr std::int64_t kEpoch = daysFromCivil(1900, 1, 1);
-
 struct Cursor {
   std::string_view rest;
 
@@ -183,28 +172,6 @@ ParsedDate parseDateText(std::string_view text) {
   return date ? ParsedDate{DateOutcome::Good, *date} : ParsedDate{DateOutcome::OutOfRange, {}};
 }
 
-std::int64_t dayNumber(const Date& date) {
-  return daysFromCivil(date.year, date.month, date.day) - kEpoch;
-}
-
-std::optional<Date> dateOfDay(std::int64_t days) {
-  // Compared before it is added to: the number comes from a caller and may be any.
-  if (days < daysFromCivil(1, 1, 1) - kEpoch || days > daysFromCivil(9999, 12, 31) - kEpoch) {
-    return std::nullopt;
-  }
-  const std::int64_t z = days + kEpoch;
-  const std::int64_t era = z / 146097;
-  const std::int64_t dayOfEra = z - era * 146097;
-  const std::int64_t yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t shifted = (5 * dayOfYear + 2) / 153;
-  const auto day = static_cast<int>(dayOfYear - (153 * shifted + 2) / 5 + 1);
-  const auto month = static_cast<int>(shifted < 10 ? shifted + 3 : shifted - 9);
-  const auto year = static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
-  return Date::of(year, month, day);
-}
-
 std::int64_t timeOfDay(const Date& date) {
   return ((date.hour * 60 + date.minute) * 60 + date.second) * 1000 + date.millisecond;
 }
@@ -249,7 +216,7 @@ std::optional<Date> fitDate(const Date& date, const Type& type) {
   std::optional<Date> fitted = withTime(date, 0);
   if (time >= kDayMilliseconds) {
     time -= kDayMilliseconds;
-    fitted = dateOfDay(dayNumber(date) + 1);
+    fitted = Date::ofDayNumber(date.dayNumber() + 1);
   }
   const bool pastSmall = type.kind == TypeKind::SmallDateTime && fitted && fitted->year == 2079 &&
                          *fitted >= Date{2079, 6, 7, 0, 0, 0, 0};

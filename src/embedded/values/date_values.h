@@ -39,11 +39,6 @@ struct ParsedDate {
 /// Reads a stored date; 1 January 1900 for a text that is none.
 [[nodiscard]] Date dateFromStored(std::string_view text);
 
-/// Days since 1 January 1900.
-[[nodiscard]] std::int64_t dayNumber(const Date& date);
-/// The day `days` after 1 January 1900; nothing outside the years 1 to 9999.
-[[nodiscard]] std::optional<Date> dateOfDay(std::int64_t days);
-
 /// Milliseconds since midnight.
 [[nodiscard]] std::int64_t timeOfDay(const Date& date);
 /// `date` with another time of day, below 24 hours.

@@ -7,6 +7,7 @@
 #include <limits>
 #include <string>
 
+#include "data/powers_of_ten.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
 
@@ -15,17 +16,6 @@ namespace azcoll::embedded {
 namespace {
 
 constexpr UInt128 kSignBit = UInt128{1} << 127U;
-
-constexpr std::array<Int128, 39> makePowers() {
-  std::array<Int128, 39> powers{};
-  powers[0] = 1;
-  for (std::size_t i = 1; i < powers.size(); ++i) {
-    powers[i] = powers[i - 1] * 10;
-  }
-  return powers;
-}
-
-constexpr std::array<Int128, 39> kPowers = makePowers();
 
 }  // namespace
 
@@ -65,8 +55,6 @@ std::int64_t checkedResult(std::int64_t number, const Type& type) {
                            std::string(typeName(type)) + ".");
 }
 
-Int128 powerOfTen(int exponent) { return kPowers[static_cast<std::size_t>(exponent)]; }
-
 std::optional<Int128> rescaledDigits(Int128 digits, int from, int to) {
   if (from == to) {
     return digits;
@@ -77,7 +65,7 @@ std::optional<Int128> rescaledDigits(Int128 digits, int from, int to) {
     return (digits + (digits < 0 ? -half : half)) / divisor;
   }
   const Int128 factor = powerOfTen(to - from);
-  const Int128 limit = (kPowers.back() - 1) / factor;
+  const Int128 limit = (powerOfTen(Decimal::kMaxDigits) - 1) / factor;
   if (digits > limit || digits < -limit) {
     return std::nullopt;
   }

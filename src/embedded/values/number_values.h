@@ -23,9 +23,6 @@ struct IntegerRange {
 /// The same for the result of an operation: always 8115.
 [[nodiscard]] std::int64_t checkedResult(std::int64_t number, const Type& type);
 
-/// 10 to the power of 0…38.
-[[nodiscard]] Int128 powerOfTen(int exponent);
-
 /// The digits of a decimal at another scale, rounded half away from zero; nothing beyond 38 digits.
 [[nodiscard]] std::optional<Int128> rescaledDigits(Int128 digits, int from, int to);
 

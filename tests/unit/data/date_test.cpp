@@ -1,5 +1,7 @@
 #include "data/date.h"
 
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 
@@ -89,6 +91,22 @@ TEST(Date, RefusesPartsOutOfRange) {
   EXPECT_FALSE(Date::of(2024, -1, 1).has_value());
   EXPECT_FALSE(Date::of(2024, 1, 1, -1).has_value());
   EXPECT_FALSE(Date::of(2024, 1, 1, 0, 0, 0, 1000).has_value());
+}
+
+TEST(Date, CountsDays) {
+  EXPECT_EQ(Date::of(1900, 1, 1)->dayNumber(), 0);
+  EXPECT_EQ(Date::of(1899, 12, 31)->dayNumber(), -1);
+  EXPECT_EQ(Date::of(1900, 1, 2, 23, 59, 59, 999)->dayNumber(), 1);
+  for (const int day : {-693595, -1, 0, 59, 60, 36523, 36524, 45351, 2958463}) {
+    EXPECT_EQ(Date::ofDayNumber(day)->dayNumber(), day);
+  }
+  EXPECT_EQ(Date::ofDayNumber(-693595), Date::of(1, 1, 1));
+  EXPECT_EQ(Date::ofDayNumber(36583), Date::of(2000, 2, 29));
+  EXPECT_EQ(Date::ofDayNumber(2958463), Date::of(9999, 12, 31));
+  EXPECT_FALSE(Date::ofDayNumber(-693596));
+  EXPECT_FALSE(Date::ofDayNumber(2958464));
+  EXPECT_FALSE(Date::ofDayNumber(std::numeric_limits<std::int64_t>::max()));
+  EXPECT_FALSE(Date::ofDayNumber(std::numeric_limits<std::int64_t>::min()));
 }
 
 TEST(Date, OrdersByTime) {

@@ -1,7 +1,6 @@
 #include "embedded/values/date_values.h"
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "gtest/gtest.h"
@@ -78,18 +77,6 @@ TEST(DateText, FitsTheOtherTypes) {
   EXPECT_FALSE(fitDate(*Date::of(1752, 12, 31), kDateTime));
   EXPECT_FALSE(fitDate(*Date::of(2079, 6, 7), {TypeKind::SmallDateTime, 0, 0, 0}));
   EXPECT_FALSE(fitDate(*Date::of(9999, 12, 31, 23, 59, 59, 999), kDateTime));
-}
-
-TEST(DateText, CountsDays) {
-  EXPECT_EQ(dayNumber(*Date::of(1900, 1, 1)), 0);
-  EXPECT_EQ(dayNumber(*Date::of(1899, 12, 31)), -1);
-  for (const int day : {-693595, -1, 0, 59, 60, 36523, 36524, 45351, 2958463}) {
-    EXPECT_EQ(dayNumber(*dateOfDay(day)), day);
-  }
-  EXPECT_FALSE(dateOfDay(-693596));
-  EXPECT_FALSE(dateOfDay(2958464));
-  EXPECT_FALSE(dateOfDay(std::numeric_limits<std::int64_t>::max()));
-  EXPECT_FALSE(dateOfDay(std::numeric_limits<std::int64_t>::min()));
 }
 
 TEST(DateText, WritesTheStyles) {
