@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cursor/native_connection.h"
+
 namespace azcoll::cursor {
 namespace {
 
@@ -15,7 +17,7 @@ RowStore::Originals::const_iterator entryOf(const RowStore::Originals& entries,
 
 RowStore::RowStore(ResultSet set)
     : columns_{std::move(set.columns)},
-      settleColumns_{std::move(set.settle)},
+      origin_{std::move(set.origin)},
       packed_{std::move(set.packed)},
       packedCount_{packed_ && !columns_.empty() ? packed_->rowCount() : 0},
       values_{std::move(set.values)} {
@@ -24,10 +26,10 @@ RowStore::RowStore(ResultSet set)
   rowCount_ = packedCount_ + others;
 }
 
-void RowStore::settleColumns(Connection& connection) {
-  if (settleColumns_) {
-    columns_ = settleColumns_(columns_.all(), connection);
-    settleColumns_ = {};
+void RowStore::settleColumns(NativeConnection& connection) {
+  if (origin_) {
+    columns_ = connection.settle(columns_.all(), *origin_);
+    origin_.reset();
   }
 }
 
