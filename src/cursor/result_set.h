@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -67,8 +68,9 @@ struct ResultOrigin {
   std::size_t count = 0;                     ///< results of the batch
 };
 
-/// One result of an execution, all rows in memory: in `values` row after row, `columns.size()`
-/// values each, or all of them in `packed`.
+/// One result of an execution, all rows in memory: in `packed`, as providers hand them over, or in
+/// `values` row after row, `columns.size()` values each, where somebody looks at the values
+/// themselves (a catalogue's answer, rows made by hand). `allValues` reads both.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;
@@ -80,6 +82,18 @@ struct ResultSet {
       return packed->rowCount();
     }
     return columns.empty() ? 0 : values.size() / columns.size();
+  }
+
+  /// The values of all rows, row after row, in whichever form they are held.
+  [[nodiscard]] std::vector<Variant> allValues() const {
+    if (!packed) {
+      return values;
+    }
+    std::vector<Variant> all(rowCount() * columns.size());
+    for (std::size_t row = 0; row < rowCount(); ++row) {
+      packed->read(row, std::span{all}.subspan(row * columns.size(), columns.size()));
+    }
+    return all;
   }
 };
 

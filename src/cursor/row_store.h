@@ -21,8 +21,8 @@ namespace azcoll::cursor {
 /// next batch update.
 ///
 /// An edit writes into the row at once and keeps what it needs to be undone; settling it moves that
-/// knowledge to the pending changes. Packed rows are unpacked when they are looked at, one at a
-/// time, and for good when they are changed.
+/// knowledge to the pending changes. Rows come packed; they are unpacked when they are looked at,
+/// one at a time, and for good when they are changed.
 class RowStore {
  public:
   /// Values that a column had, by column.
@@ -76,11 +76,9 @@ class RowStore {
   ColumnList columns_;
   std::optional<ResultOrigin> origin_;  // while the columns are not complete
   std::shared_ptr<const PackedRows> packed_;
-  std::size_t packedCount_ = 0;
-  std::map<std::size_t, std::vector<Variant>> changed_;  // of the packed rows
+  std::map<std::size_t, std::vector<Variant>> changed_;  // rows, and those behind the packed ones
   mutable std::vector<Variant> unpacked_;                // the packed row looked at last
   mutable std::size_t unpackedRow_ = kNoRow;
-  std::vector<Variant> values_;  // of the rows behind the packed ones
   std::size_t rowCount_ = 0;
   std::map<std::size_t, Pending> pending_;
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "cursor/client_cursor.h"
@@ -61,15 +63,12 @@ std::string sortKey(const Variant& value) { return value.isNull() ? "" : "=" + v
 
 void putInOrder(ResultSet& set) {
   const std::size_t columns = set.columns.size();
-  std::vector<std::vector<Variant>> rows(set.rowCount(), std::vector<Variant>(columns));
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    for (std::size_t column = 0; column < columns; ++column) {
-      if (set.packed) {
-        set.packed->read(row, rows[row]);
-        break;
-      }
-      rows[row][column] = set.values[row * columns + column];
-    }
+  std::vector<Variant> values = set.allValues();
+  std::vector<std::vector<Variant>> rows;
+  for (auto row = values.begin(); row != values.end();
+       row += static_cast<std::ptrdiff_t>(columns)) {
+    rows.emplace_back(std::make_move_iterator(row),
+                      std::make_move_iterator(row + static_cast<std::ptrdiff_t>(columns)));
   }
   std::ranges::stable_sort(rows, [](const auto& left, const auto& right) {
     return std::ranges::lexicographical_compare(left, right, {}, sortKey, sortKey);
