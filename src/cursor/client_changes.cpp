@@ -3,7 +3,6 @@
 #include "cursor/batch.h"
 #include "cursor/client_recordset.h"
 #include "data/error.h"
-#include "data/error_list.h"
 #include "data/messages.h"
 #include "data/text.h"
 
@@ -14,7 +13,7 @@ namespace {
 
 /// The failure of an update that did not change exactly one row. It counts as one of the
 /// connection's own, because callers decide by the connection's errors whether to undo.
-[[noreturn]] void failUpdate(Connection& connection, const ChangeStatement& statement,
+[[noreturn]] void failUpdate(NativeConnection& connection, const ChangeStatement& statement,
                              std::int64_t changed) {
   ErrorInfo info;
   info.description = changed > 1 ? join(messages::kSeveralRowsChanged, statement.table)
@@ -22,10 +21,7 @@ namespace {
   info.sqlState = "01001";
   info.source = "AZCOLLSRV";
   info.statement = statement.text;
-  if (auto* const errors = dynamic_cast<ErrorList*>(&connection.errors())) {
-    errors->record({info});
-  }
-  throw Error::provider(std::move(info));
+  connection.failWith({std::move(info)});
 }
 
 }  // namespace
@@ -89,7 +85,7 @@ std::vector<std::size_t> ClientRecordset::rowsToSend(Affect affect) const {
 void ClientRecordset::updateBatch(Affect affect) {
   requireWritable();
   settle();
-  if (runner_ == nullptr) {
+  if (!connection_) {
     throw Error(messages::kDetached);
   }
   const std::vector<std::size_t> rows = rowsToSend(affect);
@@ -108,7 +104,7 @@ void ClientRecordset::updateBatch(Affect affect) {
 }
 
 void ClientRecordset::send(const ChangeStatement& statement) {
-  const std::int64_t changed = runner_->runChange(statement.text, statement.parameters);
+  const std::int64_t changed = connection_->runChange(statement.text, statement.parameters);
   if (statement.isUpdate && changed != 1) {
     failUpdate(*connection_, statement, changed);
   }

@@ -8,31 +8,15 @@
 #include "data/text.h"
 
 namespace azcoll::cursor {
-namespace {
-
-StatementRunner& runnerOf(Connection& connection) {
-  auto* const runner = dynamic_cast<StatementRunner*>(&connection);
-  if (runner == nullptr) {
-    throw Error(messages::kWrongConnection);
-  }
-  return *runner;
-}
-
-}  // namespace
 
 ClientRecordset::ClientRecordset(ResultSet rows, Queue following,
-                                 std::shared_ptr<Connection> connection, LockType lock)
-    : lock_{lock}, following_{std::move(following)} {
-  if (connection) {
-    runner_ = &runnerOf(*connection);
-    connection_ = std::move(connection);
-  }
+                                 std::shared_ptr<NativeConnection> connection, LockType lock)
+    : connection_{std::move(connection)}, lock_{lock}, following_{std::move(following)} {
   load(std::move(rows));
 }
 
 void ClientRecordset::setActiveConnection(std::shared_ptr<Connection> connection) {
-  runner_ = connection ? &runnerOf(*connection) : nullptr;
-  connection_ = std::move(connection);
+  connection_ = nativeOf(connection);
 }
 
 void ClientRecordset::setSource(std::string text) {
@@ -64,13 +48,13 @@ void ClientRecordset::open(CursorType type, LockType lock, CommandOption options
   if (options == CommandOption::StoredProcedure) {
     throw Error(messages::kUnsupportedOption);
   }
-  if (runner_ == nullptr) {
+  if (!connection_) {
     throw Error(messages::kNoConnection);
   }
   if (source_.empty()) {
     throw Error(messages::kNoSource);
   }
-  ExecutionResult result = runner_->run(source_);
+  ExecutionResult result = connection_->run(source_);
   if (result.results.empty()) {
     return;
   }
@@ -241,7 +225,7 @@ namespace azcoll {
 std::shared_ptr<Recordset> newClientCursor() { return std::make_shared<cursor::ClientRecordset>(); }
 
 std::shared_ptr<Recordset> openClientCursor(ExecutionResult result,
-                                            std::shared_ptr<Connection> connection) {
+                                            const std::shared_ptr<Connection>& connection) {
   if (result.results.empty()) {
     return nullptr;
   }
@@ -252,8 +236,8 @@ std::shared_ptr<Recordset> openClientCursor(ExecutionResult result,
         std::make_shared<std::deque<ResultSet>>(std::make_move_iterator(result.results.begin() + 1),
                                                 std::make_move_iterator(result.results.end()));
   }
-  return std::make_shared<cursor::ClientRecordset>(
-      std::move(first), std::move(following), std::move(connection), LockType::BatchOptimistic);
+  return std::make_shared<cursor::ClientRecordset>(std::move(first), std::move(following),
+                                                   nativeOf(connection), LockType::BatchOptimistic);
 }
 
 }  // namespace azcoll

@@ -11,6 +11,7 @@
 
 #include "cursor/client_cursor.h"
 #include "cursor/column_index.h"
+#include "cursor/native_connection.h"
 #include "cursor/row_store.h"
 #include "data/recordset.h"
 
@@ -58,9 +59,10 @@ class ClientRecordset final : public Recordset {
 
   ClientRecordset() = default;
   /// Open over `rows`; `following` are the results for `nextRecordset`.
-  ClientRecordset(ResultSet rows, Queue following, std::shared_ptr<Connection> connection,
+  ClientRecordset(ResultSet rows, Queue following, std::shared_ptr<NativeConnection> connection,
                   LockType lock);
 
+  /// Throws `Error` when no native connection is behind `connection`.
   void setActiveConnection(std::shared_ptr<Connection> connection) override;
   void setSource(std::string text) override;
   void setCursorLocation(CursorLocation location) override;
@@ -113,8 +115,7 @@ class ClientRecordset final : public Recordset {
   [[nodiscard]] std::vector<std::size_t> rowsToSend(Affect affect) const;
   void send(const ChangeStatement& statement);
 
-  std::shared_ptr<Connection> connection_;
-  StatementRunner* runner_ = nullptr;  // the same object as `connection_`
+  std::shared_ptr<NativeConnection> connection_;
   std::string source_;
   LockType lock_ = LockType::ReadOnly;
 

@@ -12,6 +12,10 @@ namespace azcoll::cursor {
 
 /// Finds the columns of a result by name, letter case ignored. Of several columns with one name the
 /// first is found. Made ready at the first question: many results are never asked.
+///
+/// A table of its own, because results are small and many: with a `std::unordered_map` of the same
+/// hash, reading a few fields of one row takes 1.7 times (20 columns) to 2.8 times (83 columns) as
+/// long, for it allocates a node per column, and reading a thousand rows 1.3 times.
 class ColumnIndex {
  public:
   /// Forgets the columns seen so far.

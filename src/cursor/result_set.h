@@ -2,9 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,8 +14,6 @@
 #include "data/variant.h"
 
 namespace azcoll {
-
-class Connection;
 
 /// What a provider knows of one result column.
 ///
@@ -60,25 +59,41 @@ class ColumnList {
   std::shared_ptr<const std::vector<ColumnInfo>> shared_;
 };
 
-/// Completes the columns of a result with what a change needs to know of the tables behind them.
-/// Asked when a first change is sent, with the connection that it is sent on: most results are only
-/// read, and the answer may cost questions to the database.
-using ColumnSettler =
-    std::function<std::vector<ColumnInfo>(std::vector<ColumnInfo> columns, Connection& connection)>;
+/// Where a result comes from, when its columns do not yet say what a change needs to know of the
+/// tables behind them. `NativeConnection::settle` is asked when a first change is sent: most
+/// results are only read, and the answer may cost questions to the database.
+struct ResultOrigin {
+  std::shared_ptr<const std::string> batch;  ///< the text that gave it
+  std::size_t index = 0;                     ///< its place among the results of the batch
+  std::size_t count = 0;                     ///< results of the batch
+};
 
-/// One result of an execution, all rows in memory: in `values` row after row, `columns.size()`
-/// values each, or all of them in `packed`.
+/// One result of an execution, all rows in memory: in `packed`, as providers hand them over, or in
+/// `values` row after row, `columns.size()` values each, where somebody looks at the values
+/// themselves (a catalogue's answer, rows made by hand). `allValues` reads both.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;
   std::shared_ptr<const cursor::PackedRows> packed{};
-  ColumnSettler settle{};  ///< empty: the columns are complete
+  std::optional<ResultOrigin> origin{};  ///< empty: the columns are complete
 
   [[nodiscard]] std::size_t rowCount() const {
     if (packed) {
       return packed->rowCount();
     }
     return columns.empty() ? 0 : values.size() / columns.size();
+  }
+
+  /// The values of all rows, row after row, in whichever form they are held.
+  [[nodiscard]] std::vector<Variant> allValues() const {
+    if (!packed) {
+      return values;
+    }
+    std::vector<Variant> all(rowCount() * columns.size());
+    for (std::size_t row = 0; row < rowCount(); ++row) {
+      packed->read(row, std::span{all}.subspan(row * columns.size(), columns.size()));
+    }
+    return all;
   }
 };
 

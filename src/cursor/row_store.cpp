@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cursor/native_connection.h"
+
 namespace azcoll::cursor {
 namespace {
 
@@ -11,30 +13,35 @@ RowStore::Originals::const_iterator entryOf(const RowStore::Originals& entries,
                       [&](const auto& entry) { return entry.first == column; });
 }
 
+/// Whole rows of `width` values. An incomplete last row is left out: it would shift added ones.
+std::shared_ptr<const PackedRows> packedOf(const std::vector<Variant>& values, std::size_t width) {
+  auto rows = std::make_shared<PackedRows>();
+  const std::size_t count = width == 0 ? 0 : values.size() / width;
+  for (std::size_t row = 0; row < count; ++row) {
+    for (std::size_t column = 0; column < width; ++column) {
+      rows->append(values[row * width + column]);
+    }
+    rows->endRow();
+  }
+  return rows;
+}
+
 }  // namespace
 
 RowStore::RowStore(ResultSet set)
     : columns_{std::move(set.columns)},
-      settleColumns_{std::move(set.settle)},
-      packed_{std::move(set.packed)},
-      packedCount_{packed_ && !columns_.empty() ? packed_->rowCount() : 0},
-      values_{std::move(set.values)} {
-  const std::size_t others = columns_.empty() ? 0 : values_.size() / columns_.size();
-  values_.resize(others * columns_.size());  // an incomplete last row would shift added ones
-  rowCount_ = packedCount_ + others;
-}
+      origin_{std::move(set.origin)},
+      packed_{set.packed ? std::move(set.packed) : packedOf(set.values, columns_.size())},
+      rowCount_{columns_.empty() ? 0 : packed_->rowCount()} {}
 
-void RowStore::settleColumns(Connection& connection) {
-  if (settleColumns_) {
-    columns_ = settleColumns_(columns_.all(), connection);
-    settleColumns_ = {};
+void RowStore::settleColumns(NativeConnection& connection) {
+  if (origin_) {
+    columns_ = connection.settle(columns_.all(), *origin_);
+    origin_.reset();
   }
 }
 
 std::span<const Variant> RowStore::row(std::size_t row) const {
-  if (row >= packedCount_) {
-    return std::span{values_}.subspan((row - packedCount_) * columns_.size(), columns_.size());
-  }
   if (const auto changed = changed_.find(row); changed != changed_.end()) {
     return changed->second;
   }
@@ -47,9 +54,6 @@ std::span<const Variant> RowStore::row(std::size_t row) const {
 }
 
 Variant& RowStore::at(std::size_t row, std::size_t column) {
-  if (row >= packedCount_) {
-    return values_[(row - packedCount_) * columns_.size() + column];
-  }
   const auto [changed, isNew] = changed_.try_emplace(row);
   if (isNew) {
     changed->second.resize(columns_.size());
@@ -60,7 +64,7 @@ Variant& RowStore::at(std::size_t row, std::size_t column) {
 
 void RowStore::add() {
   given_.assign(columns_.size(), false);
-  values_.resize(values_.size() + columns_.size(), Variant{kNull});
+  changed_[rowCount_].assign(columns_.size(), Variant{kNull});
   edit_ = Edit::Adding;
   editedRow_ = rowCount_;
 }
@@ -126,7 +130,7 @@ void RowStore::settleChanged() {
 
 void RowStore::cancel() {
   if (edit_ == Edit::Adding) {
-    values_.resize((rowCount_ - packedCount_) * columns_.size());
+    changed_.erase(rowCount_);
   }
   for (auto& [column, before] : undo_) {
     at(editedRow_, column) = std::move(before);

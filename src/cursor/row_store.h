@@ -4,11 +4,16 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
 
 #include "cursor/result_set.h"
+
+namespace azcoll {
+class NativeConnection;
+}
 
 namespace azcoll::cursor {
 
@@ -16,8 +21,8 @@ namespace azcoll::cursor {
 /// next batch update.
 ///
 /// An edit writes into the row at once and keeps what it needs to be undone; settling it moves that
-/// knowledge to the pending changes. Packed rows are unpacked when they are looked at, one at a
-/// time, and for good when they are changed.
+/// knowledge to the pending changes. Rows come packed; they are unpacked when they are looked at,
+/// one at a time, and for good when they are changed.
 class RowStore {
  public:
   /// Values that a column had, by column.
@@ -37,7 +42,7 @@ class RowStore {
 
   [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_.all(); }
   /// Completes the columns, if that is still to be done, for a change on `connection`.
-  void settleColumns(Connection& connection);
+  void settleColumns(NativeConnection& connection);
   /// Rows without the one being added.
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }
   /// Values of a row, until another row is asked for; the row being added has the number
@@ -69,13 +74,11 @@ class RowStore {
   static constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 
   ColumnList columns_;
-  ColumnSettler settleColumns_;
+  std::optional<ResultOrigin> origin_;  // while the columns are not complete
   std::shared_ptr<const PackedRows> packed_;
-  std::size_t packedCount_ = 0;
-  std::map<std::size_t, std::vector<Variant>> changed_;  // of the packed rows
+  std::map<std::size_t, std::vector<Variant>> changed_;  // rows, and those behind the packed ones
   mutable std::vector<Variant> unpacked_;                // the packed row looked at last
   mutable std::size_t unpackedRow_ = kNoRow;
-  std::vector<Variant> values_;  // of the rows behind the packed ones
   std::size_t rowCount_ = 0;
   std::map<std::size_t, Pending> pending_;
 

@@ -13,6 +13,10 @@
 
 namespace azcoll {
 
+/// What the client-side cursor needs of its own provider; see cursor/native_connection.h. This room
+/// knows no more of it than that a connection may be one.
+class NativeConnection;
+
 /// A database connection in ADO's shape: the one contract that every provider meets.
 ///
 /// Every operation throws `Error` when it fails; a failure of the provider is also recorded in
@@ -43,6 +47,12 @@ class Connection : public Object {
   /// A closed recordset or an empty command of this connection's provider, not yet connected.
   [[nodiscard]] virtual std::shared_ptr<Recordset> newRecordset() = 0;
   [[nodiscard]] virtual std::shared_ptr<Command> newCommand() = 0;
+
+  /// The connection that a decorator passes everything on to; null for one that does its own work.
+  [[nodiscard]] virtual std::shared_ptr<Connection> decorated() const { return nullptr; }
+  /// The connection of a native provider that this is, or that it decorates; null when there is
+  /// none, as with a caller's own ADO connection. It lives as long as this one.
+  [[nodiscard]] virtual NativeConnection* native() { return nullptr; }
 };
 
 }  // namespace azcoll

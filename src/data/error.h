@@ -20,16 +20,17 @@ struct ErrorInfo {
 
 /// The one exception type of the system.
 ///
-/// `fromProvider` says whether the database (or its driver) refused an operation; only then has
-/// the connection's `Errors` collection an entry for it. Every other failure (a value that does not
-/// convert, an object that is not set) leaves that collection alone, and the traps of the public
-/// methods depend on the difference.
+/// `fromProvider` says whether the database (or its driver) refused an operation; then, and only
+/// then, the connection's `Errors` collection has an entry for it. Every other failure (a value
+/// that does not convert, an object that is not set) leaves that collection alone, and the traps of
+/// the public methods depend on the difference.
 class Error : public std::exception {
  public:
   /// A failure of this system's own, with its Italian description.
   explicit Error(std::string_view description);
 
-  /// A failure reported by a provider.
+  /// A failure reported by a provider. To be thrown where its entry has been recorded: the native
+  /// providers do both in `NativeConnection::failWith`.
   static Error provider(ErrorInfo info);
 
   [[nodiscard]] const char* what() const noexcept override { return info_.description.c_str(); }

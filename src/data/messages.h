@@ -17,6 +17,8 @@ inline constexpr std::string_view kItemNotFound = "Elemento non trovato nella ra
 // Connections and recordsets.
 inline constexpr std::string_view kNoConnection = "Connessione mancante";
 inline constexpr std::string_view kWrongConnection = "Connessione di un altro fornitore";
+inline constexpr std::string_view kConnectionClosed = "La connessione è chiusa.";
+inline constexpr std::string_view kConnectionOpen = "La connessione è già aperta.";
 inline constexpr std::string_view kRecordsetClosed = "Recordset chiuso";
 inline constexpr std::string_view kRecordsetOpen = "Recordset già aperto";
 inline constexpr std::string_view kNoSource = "Testo del comando mancante";

@@ -18,8 +18,8 @@ std::optional<std::int64_t> rowsOf(const Recordset* result, std::int64_t affecte
 
 std::shared_ptr<Connection> innermost(const std::shared_ptr<Connection>& connection) {
   // One step only: a recordset under two tracers takes off the inner one itself.
-  const auto* const tracer = dynamic_cast<const ConnessioneTracciata*>(connection.get());
-  return tracer != nullptr ? tracer->inner() : connection;
+  const std::shared_ptr<Connection> inner = connection ? connection->decorated() : nullptr;
+  return inner ? inner : connection;
 }
 
 }  // namespace detail

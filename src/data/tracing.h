@@ -71,7 +71,8 @@ class ConnessioneTracciata final : public Connection {
   [[nodiscard]] std::shared_ptr<Command> newCommand() override;
 
   /// The connection underneath.
-  [[nodiscard]] const std::shared_ptr<Connection>& inner() const { return inner_; }
+  [[nodiscard]] std::shared_ptr<Connection> decorated() const override { return inner_; }
+  [[nodiscard]] NativeConnection* native() override { return inner_->native(); }
 
  private:
   std::shared_ptr<Connection> inner_;

@@ -33,8 +33,8 @@ bool isEmbeddedConnectionString(std::string_view connectionString) {
 std::shared_ptr<Connection> newConnection() { return newConnectionWith({}); }
 
 std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
-  auto* const own = dynamic_cast<EmbeddedConnection*>(&connection);
-  return own == nullptr ? std::nullopt : std::optional{own->definitions()};
+  NativeConnection* const native = connection.native();
+  return native == nullptr ? std::nullopt : native->storedDefinitions();
 }
 
 std::shared_ptr<EmbeddedConnection> newConnectionWith(const EngineOptions& options) {
@@ -45,13 +45,12 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
                               bool terminated, bool transactionLost) {
   ErrorInfo info = errorInfo(number, message, statement);
   info.transactionLost = transactionLost;
-  std::vector<ErrorInfo> entries{info};
+  std::vector<ErrorInfo> entries{std::move(info)};
   if (terminated) {
     constexpr int kTerminated = 3621;
     entries.push_back(errorInfo(kTerminated, std::string(kStatementTerminated), statement));
   }
-  errors_.record(std::move(entries));
-  throw Error::provider(std::move(info));
+  failWith(std::move(entries));
 }
 
 /// Runs an operation of the provider; its failures are recorded.
@@ -69,39 +68,35 @@ auto EmbeddedConnection::recorded(std::string_view statement, Action action) {
   }
 }
 
-Engine& EmbeddedConnection::engine() {
-  if (!engine_) {
-    throw Error("La connessione è chiusa.");
-  }
+Engine& EmbeddedConnection::engine() const {
+  requireOpen();
   return *engine_;
 }
 
-std::vector<std::string> EmbeddedConnection::definitions() {
+std::optional<std::vector<std::string>> EmbeddedConnection::storedDefinitions() {
   Engine& engine = this->engine();
   return recorded({}, [&] { return engine.definitions(); });
 }
 
 void EmbeddedConnection::setCommandTimeout(int seconds) {
-  timeoutSeconds_ = seconds < 0 ? 0 : seconds;
+  ProviderConnection::setCommandTimeout(seconds);
   if (engine_) {
-    engine_->setTimeout(timeoutSeconds_);
+    engine_->setTimeout(timeoutSeconds());
   }
 }
 
 void EmbeddedConnection::open(std::string_view /*user*/, std::string_view /*password*/,
                               CommandOption /*options*/) {
-  if (engine_) {
-    throw Error("La connessione è già aperta.");
-  }
-  const ConnectionSettings settings = readConnectionString(connectionString_);
+  requireClosed();
+  const ConnectionSettings settings = readConnectionString(connectionString());
   recorded({}, [&] {
     engine_ = std::make_unique<Engine>(settings, options_);
-    engine_->setTimeout(timeoutSeconds_);
+    engine_->setTimeout(timeoutSeconds());
   });
 }
 
 void EmbeddedConnection::close() {
-  static_cast<void>(engine());
+  requireOpen();
   engine_.reset();
 }
 
@@ -116,33 +111,10 @@ std::int64_t EmbeddedConnection::runChange(std::string_view text,
   return recorded(text, [&] { return engine.run(text, parameters).recordsAffected; });
 }
 
-std::shared_ptr<Recordset> EmbeddedConnection::handOut(ExecutionResult result) {
-  if (result.results.empty()) {
-    return nullptr;
-  }
-  return openClientCursor(std::move(result), shared_from_this());
-}
+namespace {
 
-std::shared_ptr<Recordset> EmbeddedConnection::execute(std::string_view commandText,
-                                                       std::int64_t& recordsAffected,
-                                                       CommandOption options) {
-  if (options == CommandOption::StoredProcedure) {
-    const auto routine = findProcedure(commandText);
-    std::vector<Variant> values(routine->parameters.size());
-    return callProcedure(*routine, values, recordsAffected, timeoutSeconds_);
-  }
-  ExecutionResult result = run(commandText);
-  recordsAffected = result.recordsAffected;
-  return handOut(std::move(result));
-}
-
-std::shared_ptr<const Routine> EmbeddedConnection::findProcedure(std::string_view name) {
-  Engine& engine = this->engine();
-  return recorded(name, [&] { return engine.findProcedure(name); });
-}
-
-std::vector<cursor::ProcedureParameter> EmbeddedConnection::parametersOf(const Routine& routine) {
-  std::vector<cursor::ProcedureParameter> parameters;
+std::vector<ProcedureParameter> parametersOf(const Routine& routine) {
+  std::vector<ProcedureParameter> parameters;
   parameters.reserve(routine.parameters.size());
   for (const RoutineParameter& each : routine.parameters) {
     parameters.push_back(
@@ -150,8 +122,6 @@ std::vector<cursor::ProcedureParameter> EmbeddedConnection::parametersOf(const R
   }
   return parameters;
 }
-
-namespace {
 
 /// The value as a whole number of the declared type. A command converts its values before it sends
 /// them, as every provider does: rounded, and what does not convert is no failure of the database.
@@ -174,10 +144,30 @@ Variant asDeclared(const Variant& value, const Type& type) {
 
 }  // namespace
 
-std::shared_ptr<Recordset> EmbeddedConnection::callProcedure(const Routine& routine,
-                                                             std::vector<Variant>& values,
-                                                             std::int64_t& recordsAffected,
-                                                             int timeoutSeconds) {
+class EmbeddedConnection::Procedure final : public NativeProcedure {
+ public:
+  Procedure(EmbeddedConnection& connection, std::shared_ptr<const Routine> routine)
+      : NativeProcedure{parametersOf(*routine)},
+        connection_{connection},
+        routine_{std::move(routine)} {}
+
+  ExecutionResult call(std::vector<Variant>& values, int timeoutSeconds) override {
+    return connection_.call(*routine_, values, timeoutSeconds);
+  }
+
+ private:
+  EmbeddedConnection& connection_;
+  std::shared_ptr<const Routine> routine_;
+};
+
+std::shared_ptr<NativeProcedure> EmbeddedConnection::findProcedure(std::string_view name) {
+  Engine& engine = this->engine();
+  return recorded(name,
+                  [&] { return std::make_shared<Procedure>(*this, engine.findProcedure(name)); });
+}
+
+ExecutionResult EmbeddedConnection::call(const Routine& routine, std::vector<Variant>& values,
+                                         int timeoutSeconds) {
   Engine& engine = this->engine();
   for (std::size_t index = 0; index < values.size(); ++index) {
     values[index] = asDeclared(values[index], routine.parameters[index].type);
@@ -185,11 +175,10 @@ std::shared_ptr<Recordset> EmbeddedConnection::callProcedure(const Routine& rout
   engine.setTimeout(timeoutSeconds);
   try {
     ExecutionResult result = recorded(routine.name, [&] { return engine.call(routine, values); });
-    engine.setTimeout(timeoutSeconds_);
-    recordsAffected = result.recordsAffected;
-    return handOut(std::move(result));
+    engine.setTimeout(this->timeoutSeconds());
+    return result;
   } catch (...) {
-    engine.setTimeout(timeoutSeconds_);
+    engine.setTimeout(this->timeoutSeconds());
     throw;
   }
 }
@@ -207,12 +196,6 @@ void EmbeddedConnection::commitTrans() {
 void EmbeddedConnection::rollbackTrans() {
   Engine& engine = this->engine();
   recorded({}, [&] { engine.rollback(); });
-}
-
-std::shared_ptr<Recordset> EmbeddedConnection::newRecordset() { return newClientCursor(); }
-
-std::shared_ptr<Command> EmbeddedConnection::newCommand() {
-  return std::make_shared<cursor::ClientCommand<EmbeddedConnection>>();
 }
 
 }  // namespace azcoll::embedded

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "data/error.h"
-#include "data/messages.h"
+#include "data/text.h"
 #include "odbc/base_columns.h"
 #include "odbc/call_batch.h"
 #include "odbc/execution.h"
@@ -13,6 +13,18 @@
 #include "odbc/select_shape.h"
 
 namespace azcoll::odbc {
+namespace {
+
+std::vector<ProcedureParameter> namesAndDirections(const std::vector<DeclaredParameter>& declared) {
+  std::vector<ProcedureParameter> parameters;
+  parameters.reserve(declared.size());
+  for (const DeclaredParameter& each : declared) {
+    parameters.push_back({each.name, each.direction});
+  }
+  return parameters;
+}
+
+}  // namespace
 
 std::shared_ptr<Connection> newConnection() { return std::make_shared<OdbcConnection>(); }
 
@@ -38,7 +50,7 @@ void OdbcConnection::explain(ErrorInfo& entry) const {
   if (!saysNothing) {
     return;
   }
-  const std::string server = serverOf(connectionString_);
+  const std::string server = serverOf(connectionString());
   entry.description =
       join(entry.description.empty() ? "Errore senza spiegazioni del driver" : entry.description,
            " (", entry.connectionLost ? "connessione caduta, " : "",
@@ -54,8 +66,7 @@ void OdbcConnection::fail(const DriverFailure& failure, std::string_view stateme
     entry.description = secrets_.masked(std::move(entry.description));
     entry.statement = secrets_.masked(std::string{statement});
   }
-  errors_.record(entries);
-  throw Error::provider(std::move(entries.front()));
+  failWith(std::move(entries));
 }
 
 /// Runs an operation of the driver; its failures are recorded.
@@ -69,31 +80,28 @@ auto OdbcConnection::recorded(std::string_view statement, Action action) {
 }
 
 Session& OdbcConnection::session() const {
-  if (!session_) {
-    throw Error("La connessione è chiusa.");
-  }
+  requireOpen();
   return *session_;
 }
 
 void OdbcConnection::open(std::string_view user, std::string_view password,
                           CommandOption /*options*/) {
-  if (session_) {
-    throw Error("La connessione è già aperta.");
-  }
-  const std::string complete = withCredentials(connectionString_, user, password);
-  secrets_.addFrom(connectionString_);
+  requireClosed();
+  const std::string given = connectionString();
+  const std::string complete = withCredentials(given, user, password);
+  secrets_.addFrom(given);
   secrets_.addFrom(complete);
-  const GroupLock lock = groupLock(connectionString_);
+  const GroupLock lock = groupLock(given);
   recorded({}, [&] {
-    session_ = std::make_unique<Session>(withoutOwnKeys(complete), loginTimeout(connectionString_));
+    session_ = std::make_unique<Session>(withoutOwnKeys(complete), loginTimeout(given));
     transaction_ = std::make_unique<Transaction>(*session_, lock);
   });
   catalogue_.forget();
-  connectionString_ = maskedConnectionString(connectionString_);
+  setConnectionString(maskedConnectionString(given));
 }
 
 void OdbcConnection::close() {
-  static_cast<void>(session());
+  requireOpen();
   transaction_.reset();
   session_.reset();
 }
@@ -123,34 +131,26 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
       catalogue_.forget();
     }
     const bool repeatable = session.speaksTSql() && !session.reread().bound && onlyReads(text);
-    ExecutionResult result =
-        runOn(text, none, timeoutSeconds_, false, repeatable ? Reading::Repeatable : Reading::Once);
+    ExecutionResult result = runOn(text, none, timeoutSeconds(), false,
+                                   repeatable ? Reading::Repeatable : Reading::Once);
     const std::size_t count = result.results.size();
     if (count > 0) {
       const auto batch = std::make_shared<const std::string>(text);
       for (std::size_t index = 0; index < count; ++index) {
-        result.results[index].settle = [batch, index, count](std::vector<ColumnInfo> columns,
-                                                             Connection& connection) {
-          auto* const own = dynamic_cast<OdbcConnection*>(&connection);
-          if (own == nullptr) {
-            throw Error(messages::kWrongConnection);
-          }
-          return own->settle(std::move(columns), *batch, index, count);
-        };
+        result.results[index].origin = ResultOrigin{batch, index, count};
       }
     }
     return result;
   });
 }
 
-std::vector<ColumnInfo> OdbcConnection::settle(std::vector<ColumnInfo> columns,
-                                               std::string_view batch, std::size_t index,
-                                               std::size_t count) {
+std::vector<ColumnInfo> OdbcConnection::settle(const std::vector<ColumnInfo>& columns,
+                                               const ResultOrigin& origin) {
   Session& session = this->session();
-  return recorded(batch, [&] {
+  return recorded(*origin.batch, [&] {
     transaction_->beforeStatement();
-    return settledColumns(std::move(columns), batch, index, count, session, catalogue_,
-                          timeoutSeconds_);
+    return settledColumns(columns, *origin.batch, origin.index, origin.count, session, catalogue_,
+                          timeoutSeconds());
   });
 }
 
@@ -164,7 +164,7 @@ std::int64_t OdbcConnection::runChange(std::string_view text,
       bound.push_back(BoundParameter::ofValue(value, session.speaksTSql()));
     }
     const std::int64_t changed =
-        runOn(text, bound, timeoutSeconds_, true, Reading::Once).recordsAffected;
+        runOn(text, bound, timeoutSeconds(), true, Reading::Once).recordsAffected;
     if (changed < 0) {
       throw DriverFailure{"HY000", "Il driver ODBC non dice quante righe sono state modificate"};
     }
@@ -172,47 +172,46 @@ std::int64_t OdbcConnection::runChange(std::string_view text,
   });
 }
 
-std::shared_ptr<Recordset> OdbcConnection::handOut(ExecutionResult result) {
-  if (result.results.empty()) {
-    return nullptr;
-  }
-  return openClientCursor(std::move(result), shared_from_this());
-}
+/// A procedure by the name that it is called by, with what the server says of its parameters.
+class OdbcConnection::Procedure final : public NativeProcedure {
+ public:
+  Procedure(OdbcConnection& connection, std::string_view called,
+            std::vector<DeclaredParameter> parameters)
+      : NativeProcedure{namesAndDirections(parameters)},
+        name{called},
+        declared{std::move(parameters)},
+        connection_{connection} {}
 
-std::shared_ptr<Recordset> OdbcConnection::execute(std::string_view commandText,
-                                                   std::int64_t& recordsAffected,
-                                                   CommandOption options) {
-  if (options == CommandOption::StoredProcedure) {
-    std::vector<Variant> none;
-    const Procedure procedure{.name = std::string{commandText}, .parameters = {}};
-    return callProcedure(procedure, none, recordsAffected, timeoutSeconds_);
+  ExecutionResult call(std::vector<Variant>& values, int timeoutSeconds) override {
+    return connection_.call(*this, values, timeoutSeconds);
   }
-  ExecutionResult result = run(commandText);
-  recordsAffected = result.recordsAffected;
-  return handOut(std::move(result));
-}
 
-std::shared_ptr<const Procedure> OdbcConnection::findProcedure(std::string_view name) {
+  const std::string name;
+  const std::vector<DeclaredParameter> declared;
+
+ private:
+  OdbcConnection& connection_;
+};
+
+std::shared_ptr<NativeProcedure> OdbcConnection::findProcedure(std::string_view name) {
   Session& session = this->session();
   return recorded(name, [&] {
     transaction_->beforeStatement();
-    return std::make_shared<const Procedure>(
-        Procedure{std::string{name}, declaredParameters(session, name, timeoutSeconds_)});
+    return std::make_shared<Procedure>(*this, name,
+                                       declaredParameters(session, name, timeoutSeconds()));
   });
 }
 
-std::vector<cursor::ProcedureParameter> OdbcConnection::parametersOf(const Procedure& procedure) {
-  std::vector<cursor::ProcedureParameter> parameters;
-  parameters.reserve(procedure.parameters.size());
-  for (const DeclaredParameter& each : procedure.parameters) {
-    parameters.push_back({each.name, each.direction});
-  }
-  return parameters;
+/// Without asking for parameters: a call with no values needs to know none.
+ExecutionResult OdbcConnection::callByName(std::string_view name) {
+  std::vector<Variant> none;
+  return call(Procedure{*this, name, {}}, none, timeoutSeconds());
 }
 
-ExecutionResult OdbcConnection::call(const Procedure& procedure, std::vector<Variant>& values,
-                                     int timeoutSeconds) {
-  const std::vector<DeclaredParameter>& declared = procedure.parameters;
+ExecutionResult OdbcConnection::callInOneStatement(const Procedure& procedure,
+                                                   std::vector<Variant>& values,
+                                                   int timeoutSeconds) {
+  const std::vector<DeclaredParameter>& declared = procedure.declared;
   std::vector<BoundParameter> bound;
   bound.reserve(declared.size());
   for (std::size_t index = 0; index < declared.size(); ++index) {
@@ -231,24 +230,22 @@ ExecutionResult OdbcConnection::call(const Procedure& procedure, std::vector<Var
 /// The same as a batch, for a driver that cannot leave out a parameter.
 ExecutionResult OdbcConnection::callInABatch(const Procedure& procedure,
                                              std::vector<Variant>& values, int timeoutSeconds) {
-  CallBatch batch{procedure.name, procedure.parameters, values};
+  CallBatch batch{procedure.name, procedure.declared, values};
   ExecutionResult execution =
       runOn(batch.text(), batch.parameters(), timeoutSeconds, false, Reading::Once);
   batch.takeOutputs(execution, values);
   return execution;
 }
 
-std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& procedure,
-                                                         std::vector<Variant>& values,
-                                                         std::int64_t& recordsAffected,
-                                                         int timeoutSeconds) {
-  const std::string text = callText(procedure.name, procedure.parameters.size());
+ExecutionResult OdbcConnection::call(const Procedure& procedure, std::vector<Variant>& values,
+                                     int timeoutSeconds) {
+  const std::string text = callText(procedure.name, procedure.declared.size());
   Session& session = this->session();
   catalogue_.forget();  // a procedure may do anything
   ExecutionResult result = recorded(text, [&] {
-    std::ranges::for_each(procedure.parameters, requireKnownDigits);
+    std::ranges::for_each(procedure.declared, requireKnownDigits);
     try {
-      return call(procedure, values, timeoutSeconds);
+      return callInOneStatement(procedure, values, timeoutSeconds);
     } catch (const DriverFailure& failure) {
       if (!session.speaksTSql() || !isRefusedDefault(failure)) {
         throw;
@@ -264,30 +261,23 @@ std::shared_ptr<Recordset> OdbcConnection::callProcedure(const Procedure& proced
     }
     set.columns = std::move(columns);
   }
-  recordsAffected = result.recordsAffected;
-  return handOut(std::move(result));
+  return result;
 }
 
 void OdbcConnection::beginTrans() {
-  static_cast<void>(session());
-  recorded({}, [&] { transaction_->begin(timeoutSeconds_); });
+  requireOpen();
+  recorded({}, [&] { transaction_->begin(timeoutSeconds()); });
 }
 
 void OdbcConnection::commitTrans() {
-  static_cast<void>(session());
+  requireOpen();
   recorded({}, [&] { transaction_->commit(); });
 }
 
 void OdbcConnection::rollbackTrans() {
-  static_cast<void>(session());
+  requireOpen();
   catalogue_.forget();
   recorded({}, [&] { transaction_->rollback(); });
-}
-
-std::shared_ptr<Recordset> OdbcConnection::newRecordset() { return newClientCursor(); }
-
-std::shared_ptr<Command> OdbcConnection::newCommand() {
-  return std::make_shared<cursor::ClientCommand<OdbcConnection>>();
 }
 
 }  // namespace azcoll::odbc

@@ -1,7 +1,6 @@
 #include "odbc/execution.h"
 
 #include <algorithm>
-#include <span>
 #include <utility>
 
 #include "odbc/columns.h"
@@ -72,11 +71,7 @@ ExecutionResult runToEnd(const Handle& statement, std::string_view text, RereadA
 
 ResultSet takeResult(const Handle& statement, RereadAbilities reread) {
   ResultSet set = fetched(statement, describeColumns(statement), reread, Reading::Once);
-  const std::size_t columns = set.columns.size();
-  set.values.resize(columns * set.packed->rowCount());
-  for (std::size_t row = 0; row < set.packed->rowCount(); ++row) {
-    set.packed->read(row, std::span{set.values}.subspan(row * columns, columns));
-  }
+  set.values = set.allValues();
   set.packed.reset();
   return set;
 }

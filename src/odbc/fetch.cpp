@@ -1,6 +1,7 @@
 #include "odbc/fetch.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <span>
@@ -8,7 +9,6 @@
 #include <vector>
 
 #include "odbc/diagnostics.h"
-#include "odbc/pieces.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -17,6 +17,10 @@ constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
 constexpr std::size_t kFirstRows = 32;  // most results are small, and buffers are not for nothing
 constexpr std::size_t kMostRows = 512;
 constexpr std::size_t kLongestBoundText = 4000;  // beyond it a column has in fact no limit
+
+constexpr std::size_t kFirstPiece = std::size_t{8} * 1024;
+constexpr std::size_t kLargestPiece = std::size_t{1024} * 1024;
+constexpr std::size_t kLongestValue = std::size_t{1024} * 1024 * 1024;
 
 /// A bound column: where its values and their lengths arrive.
 struct Slot {
@@ -74,6 +78,63 @@ bool fetchRows(const Handle& statement) {
     }
   }
   return true;
+}
+
+[[noreturn]] void failLength() {
+  throw DriverFailure{"HY000", "Il driver ODBC ha dato una lunghezza impossibile"};
+}
+
+Variant readFixed(const Handle& statement, SQLUSMALLINT number, Carrier carrier) {
+  std::array<std::byte, 32> buffer{};
+  SQLLEN length = 0;
+  statement.require(SQLGetData(statement.get(), number, cTypeOf(carrier), buffer.data(),
+                               static_cast<SQLLEN>(buffer.size()), &length),
+                    "SQLGetData");
+  if (length == SQL_NULL_DATA) {
+    return kNull;
+  }
+  return decode(carrier, std::span{buffer}.first(fixedWidth(carrier)));
+}
+
+/// One value of the current row, whatever its length, read in pieces with SQLGetData; `number`
+/// counts columns from 1. What the driver says about the length is used, but never believed. Throws
+/// `DriverFailure`, also for a value without an end (more than 1 GiB).
+Variant readInPieces(const Handle& statement, SQLUSMALLINT number, Carrier carrier) {
+  if (fixedWidth(carrier) != 0) {
+    return readFixed(statement, number, carrier);
+  }
+  const std::size_t terminator = terminatorWidth(carrier);
+  Bytes value;
+  std::size_t used = 0;
+  for (std::size_t piece = kFirstPiece;; piece = std::min(piece * 2, kLargestPiece)) {
+    if (used > kLongestValue) {
+      failLength();
+    }
+    value.resize(used + piece);
+    SQLLEN length = 0;
+    const SQLRETURN result = SQLGetData(statement.get(), number, cTypeOf(carrier),
+                                        value.data() + used, static_cast<SQLLEN>(piece), &length);
+    if (result == SQL_NO_DATA) {  // the piece before was the last one
+      break;
+    }
+    statement.require(result, "SQLGetData");
+    if (length == SQL_NULL_DATA) {
+      return kNull;
+    }
+    const bool fits = length >= 0 && static_cast<std::size_t>(length) <= piece - terminator;
+    if (fits) {
+      used += static_cast<std::size_t>(length);
+      break;
+    }
+    if (length < 0 && length != SQL_NO_TOTAL) {
+      failLength();
+    }
+    if (result == SQL_SUCCESS) {  // whole, it says, and longer than what it wrote
+      failLength();
+    }
+    used += piece - terminator;
+  }
+  return decode(carrier, std::span<const std::byte>{value}.first(used));
 }
 
 /// Fetches through bound columns. The bindings end with the object, before the buffers do.

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
-#include "support/inner_command.h"
+#include "cursor/client_cursor.h"
 
 namespace azcoll::test {
 namespace {
@@ -61,15 +63,12 @@ std::string sortKey(const Variant& value) { return value.isNull() ? "" : "=" + v
 
 void putInOrder(ResultSet& set) {
   const std::size_t columns = set.columns.size();
-  std::vector<std::vector<Variant>> rows(set.rowCount(), std::vector<Variant>(columns));
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    for (std::size_t column = 0; column < columns; ++column) {
-      if (set.packed) {
-        set.packed->read(row, rows[row]);
-        break;
-      }
-      rows[row][column] = set.values[row * columns + column];
-    }
+  std::vector<Variant> values = set.allValues();
+  std::vector<std::vector<Variant>> rows;
+  for (auto row = values.begin(); row != values.end();
+       row += static_cast<std::ptrdiff_t>(columns)) {
+    rows.emplace_back(std::make_move_iterator(row),
+                      std::make_move_iterator(row + static_cast<std::ptrdiff_t>(columns)));
   }
   std::ranges::stable_sort(rows, [](const auto& left, const auto& right) {
     return std::ranges::lexicographical_compare(left, right, {}, sortKey, sortKey);
@@ -105,42 +104,24 @@ std::string decided(std::string text) {
   return text;
 }
 
-SameOrderConnection::SameOrderConnection(std::shared_ptr<Connection> native)
-    : native_{std::move(native)}, runner_{dynamic_cast<StatementRunner&>(*native_)} {}
-
 std::shared_ptr<Recordset> SameOrderConnection::execute(std::string_view commandText,
                                                         std::int64_t& recordsAffected,
                                                         CommandOption /*options*/) {
   ExecutionResult result = run(commandText);
   recordsAffected = result.recordsAffected;
-  return result.results.empty() ? nullptr : openClientCursor(std::move(result), shared_from_this());
-}
-
-std::shared_ptr<Command> SameOrderConnection::newCommand() {
-  return std::make_shared<InnerCommand>(native_);
+  return openClientCursor(std::move(result), shared_from_this());
 }
 
 ExecutionResult SameOrderConnection::run(std::string_view text) {
-  ExecutionResult result = runner_.run(decided(std::string{text}));
+  ExecutionResult result = native_->run(decided(std::string{text}));
   const std::vector<std::string_view> statements = statementsOf(text);
   for (std::size_t index = 0; index < result.results.size(); ++index) {
     ResultSet& set = result.results[index];
     if (index >= statements.size() || !isOrdered(statements[index])) {
       putInOrder(set);
     }
-    if (set.settle) {  // asks the database, and knows its own connection only
-      set.settle = [settle = std::move(set.settle), native = native_](
-                       std::vector<ColumnInfo> columns, Connection& /*connection*/) {
-        return settle(std::move(columns), *native);
-      };
-    }
   }
   return result;
-}
-
-std::int64_t SameOrderConnection::runChange(std::string_view text,
-                                            const std::vector<Variant>& parameters) {
-  return runner_.runChange(text, parameters);
 }
 
 }  // namespace azcoll::test

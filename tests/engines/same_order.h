@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "cursor/client_cursor.h"
-#include "data/connection.h"
+#include "cursor/native_connection.h"
 
 namespace azcoll::test {
 
@@ -17,13 +17,13 @@ namespace azcoll::test {
 /// compared although T-SQL leaves the choice to each of them. Nothing else is changed.
 ///
 /// It is open from the start and stays so: a service that "opens" or "closes" it has no effect.
-class SameOrderConnection final : public Connection,
-                                  public StatementRunner,
-                                  public std::enable_shared_from_this<SameOrderConnection> {
+class SameOrderConnection final : public NativeConnection {
  public:
-  /// `native` is open, and also a `StatementRunner`.
-  explicit SameOrderConnection(std::shared_ptr<Connection> native);
+  /// `native` is open, and one of a native provider.
+  explicit SameOrderConnection(const std::shared_ptr<Connection>& native)
+      : native_{nativeOf(native)} {}
 
+  [[nodiscard]] std::string_view provider() const override { return native_->provider(); }
   void setConnectionString(std::string /*text*/) override {}
   [[nodiscard]] std::string connectionString() const override { return {}; }
   void setCommandTimeout(int /*seconds*/) override {}
@@ -38,15 +38,22 @@ class SameOrderConnection final : public Connection,
   void commitTrans() override { native_->commitTrans(); }
   void rollbackTrans() override { native_->rollbackTrans(); }
   [[nodiscard]] Errors& errors() override { return native_->errors(); }
-  [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
-  [[nodiscard]] std::shared_ptr<Command> newCommand() override;
 
   ExecutionResult run(std::string_view text) override;
-  std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override;
+  std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override {
+    return native_->runChange(text, parameters);
+  }
+  [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) override {
+    return native_->findProcedure(name);
+  }
+  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
+                                               const ResultOrigin& origin) override {
+    return native_->settle(columns, origin);
+  }
+  void record(std::vector<ErrorInfo> entries) override { native_->record(std::move(entries)); }
 
  private:
-  std::shared_ptr<Connection> native_;
-  StatementRunner& runner_;
+  std::shared_ptr<NativeConnection> native_;
 };
 
 /// `text` with a last criterion wherever the service leaves the order of rows open.

@@ -1,9 +1,8 @@
 #include "faults/faulty_connection.h"
 
-#include <stdexcept>
 #include <utility>
 
-#include "data/error_list.h"
+#include "cursor/native_connection.h"
 #include "support/picture.h"
 
 namespace azcoll::test {
@@ -80,12 +79,7 @@ void FaultyConnection::lose() {
 
 void FaultyConnection::fail() {
   ErrorInfo info{.description = kDescription, .connectionLost = lost_, .transactionLost = lost_};
-  if (auto* const errors = dynamic_cast<ErrorList*>(&inner_->errors())) {
-    errors->record({info});
-  } else {
-    throw std::logic_error("the errors of this provider cannot be written");
-  }
-  throw Error::provider(std::move(info));
+  nativeOf(inner_)->failWith({std::move(info)});
 }
 
 }  // namespace azcoll::test

@@ -79,11 +79,12 @@ std::string shown(const ResultSet& set) {
             (column.isKey ? "!" : "") + "|";
   }
   std::vector<std::string> rows;
-  for (std::size_t i = 0; i < set.values.size(); ++i) {
+  const std::vector<Variant> values = set.allValues();
+  for (std::size_t i = 0; i < values.size(); ++i) {
     if (i % set.columns.size() == 0) {
       rows.emplace_back();
     }
-    rows.back() += shown(set.values[i]) + "|";
+    rows.back() += shown(values[i]) + "|";
   }
   std::sort(rows.begin(), rows.end());
   for (const std::string& row : rows) {

@@ -65,11 +65,12 @@ std::string rowsOf(const ExecutionResult& execution) {
   std::string text;
   for (const ResultSet& set : execution.results) {
     std::vector<std::string> rows;
-    for (std::size_t i = 0; i < set.values.size(); ++i) {
+    const std::vector<Variant> values = set.allValues();
+    for (std::size_t i = 0; i < values.size(); ++i) {
       if (i % set.columns.size() == 0) {
         rows.emplace_back("\n");
       }
-      rows.back() += (set.values[i].isNull() ? "NULL" : set.values[i].text()) + "|";
+      rows.back() += (values[i].isNull() ? "NULL" : values[i].text()) + "|";
     }
     std::sort(rows.begin(), rows.end());
     for (const std::string& row : rows) {

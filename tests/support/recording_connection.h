@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "cursor/client_cursor.h"
-#include "data/connection.h"
-#include "support/inner_command.h"
+#include "cursor/native_connection.h"
 
 namespace azcoll::test {
 
@@ -19,21 +18,18 @@ namespace azcoll::test {
 ///
 /// Tracing (`ConnessioneTracciata`) stands above the recordsets and sees that an update was sent,
 /// but not the statements that it consists of; this one stands below them.
-class RecordingConnection final : public Connection,
-                                  public StatementRunner,
-                                  public std::enable_shared_from_this<RecordingConnection> {
+class RecordingConnection final : public NativeConnection {
  public:
   struct Listener {
     std::function<void(std::string_view)> statement;
     std::function<void(std::string_view)> procedure;
   };
 
-  /// `inner` must be a native connection (one that is also a `StatementRunner`).
-  RecordingConnection(std::shared_ptr<Connection> inner, Listener listener)
-      : inner_{std::move(inner)},
-        runner_{dynamic_cast<StatementRunner&>(*inner_)},
-        listener_{std::move(listener)} {}
+  /// `inner` must be a native connection.
+  RecordingConnection(const std::shared_ptr<Connection>& inner, Listener listener)
+      : inner_{nativeOf(inner)}, listener_{std::move(listener)} {}
 
+  [[nodiscard]] std::string_view provider() const override { return inner_->provider(); }
   void setConnectionString(std::string text) override { inner_->setConnectionString(text); }
   [[nodiscard]] std::string connectionString() const override { return inner_->connectionString(); }
   void setCommandTimeout(int seconds) override { inner_->setCommandTimeout(seconds); }
@@ -47,30 +43,54 @@ class RecordingConnection final : public Connection,
                                      CommandOption /*options*/) override {
     ExecutionResult result = run(commandText);
     recordsAffected = result.recordsAffected;
-    return result.results.empty() ? nullptr
-                                  : openClientCursor(std::move(result), shared_from_this());
+    return openClientCursor(std::move(result), shared_from_this());
   }
   void beginTrans() override { inner_->beginTrans(); }
   void commitTrans() override { inner_->commitTrans(); }
   void rollbackTrans() override { inner_->rollbackTrans(); }
   [[nodiscard]] Errors& errors() override { return inner_->errors(); }
-  [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
-  [[nodiscard]] std::shared_ptr<Command> newCommand() override {
-    return std::make_shared<InnerCommand>(inner_, listener_.procedure);
-  }
 
   ExecutionResult run(std::string_view text) override {
     listener_.statement(text);
-    return runner_.run(text);
+    return inner_->run(text);
   }
   std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override {
     listener_.statement(text);
-    return runner_.runChange(text, parameters);
+    return inner_->runChange(text, parameters);
   }
 
+  [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) override {
+    return std::make_shared<ToldProcedure>(inner_->findProcedure(name), std::string{name},
+                                           listener_.procedure);
+  }
+  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
+                                               const ResultOrigin& origin) override {
+    return inner_->settle(columns, origin);
+  }
+  void record(std::vector<ErrorInfo> entries) override { inner_->record(std::move(entries)); }
+
  private:
-  std::shared_ptr<Connection> inner_;
-  StatementRunner& runner_;
+  class ToldProcedure final : public NativeProcedure {
+   public:
+    ToldProcedure(std::shared_ptr<NativeProcedure> inner, std::string name,
+                  std::function<void(std::string_view)> listener)
+        : NativeProcedure{inner->parameters()},
+          inner_{std::move(inner)},
+          name_{std::move(name)},
+          listener_{std::move(listener)} {}
+
+    ExecutionResult call(std::vector<Variant>& values, int timeoutSeconds) override {
+      listener_(name_);
+      return inner_->call(values, timeoutSeconds);
+    }
+
+   private:
+    std::shared_ptr<NativeProcedure> inner_;
+    std::string name_;
+    std::function<void(std::string_view)> listener_;
+  };
+
+  std::shared_ptr<NativeConnection> inner_;
   Listener listener_;
 };
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cursor/client_cursor.h"
+#include "cursor/native_connection.h"
 #include "data/connection.h"
 
 namespace azcoll::test {
@@ -66,7 +67,7 @@ class ScriptedErrors final : public Errors {
     entries_.clear();
     ++clears_;
   }
-  void record(const ErrorInfo& info) { entries_.assign(1, info); }
+  void record(std::vector<ErrorInfo> entries) { entries_ = std::move(entries); }
   [[nodiscard]] int clears() const { return clears_; }
 
  private:
@@ -176,7 +177,7 @@ class ScriptedCommand final : public Command {
   void setCommandType(CommandOption type) override { type_ = type; }
   void setCommandTimeout(int seconds) override { timeout_ = seconds; }
   void setPrepared(bool prepared) override { prepared_ = prepared; }
-  [[nodiscard]] Parameters& parameters() override { return parameters_; }
+  [[nodiscard]] Parameters& parameters() override;
   std::shared_ptr<Recordset> execute(std::int64_t& recordsAffected, CommandOption options) override;
 
  private:
@@ -196,9 +197,7 @@ class ScriptedCommand final : public Command {
 /// is accepted. `CommandExecute` has the options type, time-out, prepared, execute option, and 1
 /// when the command works on this connection. The steps of a transaction have the number of errors
 /// that the connection holds when they come.
-class ScriptedConnection final : public Connection,
-                                 public StatementRunner,
-                                 public std::enable_shared_from_this<ScriptedConnection> {
+class ScriptedConnection final : public NativeConnection {
  public:
   /// What a statement gives, or how it fails.
   struct Rule {
@@ -227,6 +226,8 @@ class ScriptedConnection final : public Connection,
     return ProcedureAnswer{};
   };
 
+  /// A database without the procedure: nobody can say what its parameters are.
+  bool procedureIsUnknown = false;
   /// Is given the recordset of every procedure call before the caller is.
   std::function<void(Recordset&)> onProcedureRows = [](Recordset&) {};
   /// Sees every operation when it comes, before it is carried out.
@@ -245,8 +246,7 @@ class ScriptedConnection final : public Connection,
                            .source = "Scripted",
                            .statement = statement,
                            .connectionLost = failure == Failure::Lost};
-      errors_.record(info);
-      throw Error::provider(info);
+      failWith({info});
     }
     if (failure == Failure::Own) {
       throw Error{description};
@@ -310,21 +310,21 @@ class ScriptedConnection final : public Connection,
       return nullptr;
     }
     return std::make_shared<ScriptedRecordset>(
-        shared_from_this(), openClientCursor(std::move(result), shared_from_this()),
-        std::string{commandText});
+        self(), openClientCursor(std::move(result), shared_from_this()), std::string{commandText});
   }
   void beginTrans() override { transaction("BeginTrans"); }
   void commitTrans() override { transaction("CommitTrans"); }
   void rollbackTrans() override { transaction("RollbackTrans"); }
   [[nodiscard]] Errors& errors() override { return errors_; }
   [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override {
-    return std::make_shared<ScriptedRecordset>(shared_from_this(), newClientCursor(), "");
+    return std::make_shared<ScriptedRecordset>(self(), newClientCursor(), "");
   }
   [[nodiscard]] std::shared_ptr<Command> newCommand() override {
-    return std::make_shared<ScriptedCommand>(shared_from_this());
+    return std::make_shared<ScriptedCommand>(self());
   }
 
-  // StatementRunner.
+  // NativeConnection.
+  [[nodiscard]] std::string_view provider() const override { return "scripted"; }
   ExecutionResult run(std::string_view text) override {
     const Rule* const rule = obey(text);
     const bool isSelect = text.find("SELECT") != std::string_view::npos;
@@ -347,8 +347,16 @@ class ScriptedConnection final : public Connection,
     obey(text);
     return 1;
   }
+  /// Commands are the script's own and ask for none.
+  [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view /*name*/) override {
+    throw std::logic_error("no procedure is looked for here");
+  }
+  void record(std::vector<ErrorInfo> entries) override { errors_.record(std::move(entries)); }
 
  private:
+  [[nodiscard]] std::shared_ptr<ScriptedConnection> self() {
+    return std::static_pointer_cast<ScriptedConnection>(shared_from_this());
+  }
   void transaction(const char* name) {
     report({.name = name, .options = {static_cast<int>(errors_.count())}});
     obey(name);
@@ -431,6 +439,13 @@ inline void ScriptedCommand::setActiveConnection(std::shared_ptr<Connection> con
     owner_->obey("CommandRelease");
   }
   connection_ = std::move(connection);
+}
+
+inline Parameters& ScriptedCommand::parameters() {
+  if (owner_->procedureIsUnknown) {
+    throw Error{"Procedura sconosciuta"};
+  }
+  return parameters_;
 }
 
 inline std::shared_ptr<Recordset> ScriptedCommand::execute(std::int64_t& recordsAffected,

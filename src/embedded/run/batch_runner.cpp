@@ -201,15 +201,16 @@ void BatchRunner::select(SelectNode& node) {
     node.shown = std::move(infos);
   }
   set.columns = node.shown;
-  std::int64_t rows = 0;
+  const auto rows = std::make_shared<cursor::PackedRows>();
+  set.packed = rows;
   while (node.prepared.statement.step()) {
     int index = 0;
     for (const ResultColumn& column : node.columns) {
-      set.values.push_back(readColumn(statement, index++, column.type));
+      appendColumn(*rows, statement, index++, column.type);
     }
-    ++rows;
+    rows->endRow();
   }
-  session_.rowCount = rows;
+  session_.rowCount = static_cast<std::int64_t>(rows->rowCount());
   noticeReprepare(node.prepared);
 }
 

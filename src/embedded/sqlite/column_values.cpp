@@ -20,7 +20,7 @@ std::string_view columnText(sqlite3_stmt* statement, int column) {
                                 static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
 }
 
-Variant readDecimal(sqlite3_stmt* statement, int column, const Type& type) {
+Decimal readDecimal(sqlite3_stmt* statement, int column, const Type& type) {
   Int128 digits = 0;
   if (type.isWide()) {
     const void* const bytes = sqlite3_column_blob(statement, column);
@@ -58,31 +58,35 @@ Value valueOf(sqlite3_value* value) {
   return {};
 }
 
-Variant readColumn(sqlite3_stmt* statement, int column, const Type& type) {
+void appendColumn(cursor::PackedRows& rows, sqlite3_stmt* statement, int column, const Type& type) {
   if (sqlite3_column_type(statement, column) == SQLITE_NULL) {
-    return kNull;
+    return rows.appendNull();
   }
   switch (type.kind) {
     case TypeKind::Bit:
-      return sqlite3_column_int64(statement, column) != 0;
+      return rows.append(sqlite3_column_int64(statement, column) != 0);
     case TypeKind::TinyInt:
     case TypeKind::SmallInt:
-      return static_cast<std::int16_t>(sqlite3_column_int64(statement, column));
+      return rows.append(static_cast<std::int16_t>(sqlite3_column_int64(statement, column)));
     case TypeKind::Int:
     case TypeKind::Null:
-      return static_cast<std::int32_t>(sqlite3_column_int64(statement, column));
+      return rows.append(static_cast<std::int32_t>(sqlite3_column_int64(statement, column)));
     case TypeKind::BigInt:
-      return std::int64_t{sqlite3_column_int64(statement, column)};
+      return rows.append(std::int64_t{sqlite3_column_int64(statement, column)});
     case TypeKind::Decimal:
-      return readDecimal(statement, column, type);
+      return rows.append(readDecimal(statement, column, type));
     case TypeKind::Real:
     case TypeKind::Float:
-      return sqlite3_column_double(statement, column);
+      return rows.append(sqlite3_column_double(statement, column));
     default:
       break;
   }
   const std::string_view text = columnText(statement, column);
-  return type.isDate() ? Variant{dateFromStored(text)} : Variant{text};
+  if (type.isDate()) {
+    rows.append(dateFromStored(text));
+  } else {
+    rows.append(text);
+  }
 }
 
 Value readValue(sqlite3_stmt* statement, int column) {

@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include "data/variant.h"
+#include "cursor/packed_rows.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
 
@@ -11,9 +11,9 @@ namespace azcoll::embedded {
 /// A value of SQLite as one of the engine.
 [[nodiscard]] Value valueOf(sqlite3_value* value);
 
-/// The value in a column of a row, as callers see it.
-[[nodiscard]] Variant readColumn(sqlite3_stmt* statement, int column, const Type& type);
-/// The same in the engine's form.
+/// Adds the value in a column of a row, as callers see it, to the row being written.
+void appendColumn(cursor::PackedRows& rows, sqlite3_stmt* statement, int column, const Type& type);
+/// The value in the engine's form.
 [[nodiscard]] Value readValue(sqlite3_stmt* statement, int column);
 /// Binds a value; texts are copied.
 void bindValue(sqlite3_stmt* statement, int position, const Value& value);

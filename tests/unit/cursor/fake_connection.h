@@ -10,13 +10,15 @@
 #include <vector>
 
 #include "cursor/client_cursor.h"
+#include "cursor/native_connection.h"
 #include "data/error.h"
 #include "data/error_list.h"
 
 namespace azcoll::cursor {
 
-/// A connection without a database, that of a provider which is not known here.
-class IdleConnection : public Connection {
+/// A connection without a database, of the kind `Base`.
+template <typename Base>
+class Idle : public Base {
  public:
   ErrorList list;
 
@@ -34,28 +36,35 @@ class IdleConnection : public Connection {
   void commitTrans() override {}
   void rollbackTrans() override {}
   [[nodiscard]] Errors& errors() override { return list; }
+};
+
+/// That of a provider which is not known here.
+class ForeignConnection final : public Idle<Connection> {
+ public:
   [[nodiscard]] std::shared_ptr<Recordset> newRecordset() override { return newClientCursor(); }
   [[nodiscard]] std::shared_ptr<Command> newCommand() override { return nullptr; }
 };
 
-/// The same, that runs statements: gives prepared results and keeps what it is sent.
-class FakeConnection final : public IdleConnection, public StatementRunner {
+/// A native one: gives prepared results and keeps what it is sent.
+class FakeConnection : public Idle<NativeConnection> {
  public:
   struct Change {
     std::string text;
     std::vector<Variant> parameters;
   };
 
+  std::string providerName = "fake";
   std::deque<ExecutionResult> results;       ///< answers of `run`, one each
   std::deque<std::int64_t> rowsChanged;      ///< answers of `runChange`; 1 when none is left
   std::optional<std::size_t> failingChange;  ///< number of the change that fails
   std::vector<std::string> texts;            ///< what `run` received
   std::vector<Change> changes;               ///< what `runChange` received
 
+  [[nodiscard]] std::string_view provider() const override { return providerName; }
   ExecutionResult run(std::string_view text) override {
     texts.emplace_back(text);
     if (results.empty()) {
-      throw Error::provider(ErrorInfo{.description = "Invalid object name", .nativeNumber = 208});
+      failWith({ErrorInfo{.description = "Invalid object name", .nativeNumber = 208}});
     }
     ExecutionResult result = std::move(results.front());
     results.pop_front();
@@ -65,7 +74,7 @@ class FakeConnection final : public IdleConnection, public StatementRunner {
   std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override {
     if (failingChange == changes.size()) {
       failingChange.reset();
-      throw Error::provider(ErrorInfo{.description = "Violation", .nativeNumber = 2627});
+      failWith({ErrorInfo{.description = "Violation", .nativeNumber = 2627}});
     }
     changes.push_back({std::string{text}, parameters});
     if (rowsChanged.empty()) {
@@ -75,6 +84,11 @@ class FakeConnection final : public IdleConnection, public StatementRunner {
     rowsChanged.pop_front();
     return changed;
   }
+
+  [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view) override {
+    failWith({ErrorInfo{.description = "Could not find stored procedure", .nativeNumber = 2812}});
+  }
+  void record(std::vector<ErrorInfo> entries) override { list.record(std::move(entries)); }
 };
 
 /// A column of table `table`, or of none.

@@ -335,7 +335,7 @@ TEST_F(Navigation, StaysClosedWhenTheSourceGivesNoResult) {
 }
 
 TEST_F(Navigation, RefusesAConnectionThatRunsNoStatements) {
-  const auto foreign = std::make_shared<IdleConnection>();
+  const auto foreign = std::make_shared<ForeignConnection>();
   EXPECT_EQ(failureOf([&] { rows->setActiveConnection(foreign); }),
             "Connessione di un altro fornitore");
   EXPECT_EQ(failureOf([&] { static_cast<void>(openClientCursor(resultOf(customers()), foreign)); }),

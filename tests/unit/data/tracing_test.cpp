@@ -101,7 +101,7 @@ TEST_F(Tracing, PassesTheSettingsOnWithoutReportingThem) {
   connection->setCursorLocation(CursorLocation::Client);
   EXPECT_TRUE(connection->isOpen());
   EXPECT_EQ(&connection->errors(), &errors);
-  EXPECT_EQ(connection->inner(), inner);
+  EXPECT_EQ(connection->decorated(), inner);
   EXPECT_THAT(entries, IsEmpty());
 }
 

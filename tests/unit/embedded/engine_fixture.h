@@ -29,9 +29,10 @@ inline std::string show(const ExecutionResult& result) {
   for (std::size_t r = 0; r < result.results.size(); ++r) {
     const ResultSet& set = result.results[r];
     text += r == 0 ? "" : "#";
-    for (std::size_t i = 0; i < set.values.size(); ++i) {
+    const std::vector<Variant> values = set.allValues();
+    for (std::size_t i = 0; i < values.size(); ++i) {
       text += i == 0 ? "" : i % set.columns.size() == 0 ? ";" : "|";
-      text += show(set.values[i]);
+      text += show(values[i]);
     }
   }
   return text;

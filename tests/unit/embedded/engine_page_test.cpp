@@ -235,7 +235,7 @@ TEST_F(EnginePage, FollowsTheLookUpFromItsTextToItsRows) {
   const ExecutionResult result = connection_->run(text);
   ASSERT_EQ(result.results.size(), 1U);
   std::vector<std::string> lines{result.results[0].columns[0].name};
-  for (const Variant& value : result.results[0].values) {
+  for (const Variant& value : result.results[0].allValues()) {
     lines.push_back(show(value));
   }
   expectOnPage("look-up-rows", joinLines(lines));

@@ -140,7 +140,7 @@ std::string outcome(EmbeddedConnection& connection, const std::string& text) {
       for (const ColumnInfo& column : set.columns) {
         result += "," + column.name + ":" + column.baseTable + "." + column.baseColumn;
       }
-      for (const Variant& value : set.values) {
+      for (const Variant& value : set.allValues()) {
         result += std::to_string(static_cast<int>(value.kind()));
       }
     }

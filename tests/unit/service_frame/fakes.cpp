@@ -43,8 +43,7 @@ void FakeRecordset::setActiveConnection(std::shared_ptr<Connection> connection) 
 
 void FakeRecordset::open(CursorType /*type*/, LockType /*lock*/, CommandOption /*options*/) {
   failIfAsked(failures, "open");
-  auto* const home = dynamic_cast<FakeConnection*>(connection_.get());
-  if (home == nullptr) {
+  if (home == nullptr || connection_ != home) {
     refuse("recordset without a connection");
   }
   rows = home->query(source_)->rows;
@@ -212,6 +211,7 @@ std::shared_ptr<Recordset> FakeConnection::newRecordset() {
   failIfAsked(failures, "newRecordset");
   auto result = std::make_shared<FakeRecordset>(Rows{}, false);
   result->failures = recordsetFailures;
+  result->home = shared_from_this();
   return result;
 }
 

@@ -68,6 +68,7 @@ class FakeRecordset final : public Recordset {
 
   Rows rows;
   Failures failures;
+  std::shared_ptr<FakeConnection> home;  ///< the connection that made it, the only one it opens on
 
   void setActiveConnection(std::shared_ptr<Connection> connection) override;
   void setSource(std::string text) override { source_ = std::move(text); }
@@ -149,7 +150,8 @@ class FakeCommand final : public Command {
 
 /// A connection without a database: it writes down what is asked of it, in order, and answers from
 /// the rows that the test put in. On a closed one every statement fails, as on a real one.
-class FakeConnection final : public Connection {
+class FakeConnection final : public Connection,
+                             public std::enable_shared_from_this<FakeConnection> {
  public:
   explicit FakeConnection(bool opened = false) : open_{opened} {}
 

@@ -192,6 +192,18 @@ TEST_F(GroupStatementsTest, TheDuplicationFlagOfTheCallerReachesTheProcedure) {
   }
 }
 
+// Whoever is asked for a group by a database without the procedure answers that there is none; the
+// flag is not looked at before, which would leave its failure in the state.
+TEST_F(GroupStatementsTest, AFlagThatCannotBeReadDoesNotMatterWhereTheProcedureIsUnknown) {
+  service.CPInput->AttivaGestioneDuplicazioneCliFor = Variant{std::make_shared<Object>()};
+  (void)service.GetDittaPrincipale();
+  EXPECT_EQ(service.Stato, Variant{std::int16_t{99}});
+  connection->procedureIsUnknown = true;
+  EXPECT_EQ(service.GetDittaPrincipale(), "");
+  EXPECT_EQ(service.Stato, Variant{std::int16_t{0}});
+  EXPECT_TRUE(service.Errore.isEmpty());
+}
+
 TEST_F(GroupStatementsTest, TheMainCompanyIsComparedAsText) {
   procedureRows({20, std::int16_t{1}, std::int16_t{0}});
   service.ControllaDittaPrincipale();
