@@ -66,7 +66,7 @@ function(azcoll_room name)
   if(NOT AZCOLL_COVERAGE)
     # In the builds for tests the rooms are optimised, so that the tests run twice as fast, and the tests
     # are not, so that they compile in three quarters of the time.
-    target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-Og>)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O1>)
   endif()
   foreach(room IN LISTS AZCOLL_ROOMS_OF_${name})
     if(NOT room IN_LIST ROOM_WITHOUT)

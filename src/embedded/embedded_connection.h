@@ -24,7 +24,8 @@ namespace azcoll::embedded {
 [[nodiscard]] std::shared_ptr<Connection> newConnection();
 
 /// The CREATE statements, as T-SQL, of everything that the database of an open connection holds, in
-/// the order of creation; nothing when the connection's provider does not keep them. Throws `Error`.
+/// the order of creation; nothing when the connection's provider does not keep them. Throws
+/// `Error`.
 [[nodiscard]] std::optional<std::vector<std::string>> storedDefinitions(Connection& connection);
 
 }  // namespace azcoll::embedded

@@ -20,12 +20,13 @@ struct GroupFilter {
 
 /// The command for the stored procedure that knows the group of `company` in the year of `start`;
 /// `selectCompanies` completes it. Executed, it gives one row a company (`DITTA`, `PRINCIPALE`,
-/// `CG86_INDTIPOCONT`), the main one first, and their list in `@DitteCollegate`. Throws `Error` when
-/// the database does not know the procedure.
+/// `CG86_INDTIPOCONT`), the main one first, and their list in `@DitteCollegate`. Throws `Error`
+/// when the database does not know the procedure.
 [[nodiscard]] std::shared_ptr<Command> groupCommand(const std::shared_ptr<Connection>& connection,
                                                     const Variant& company, const Date& start);
 
-/// Tells the command which companies to give. `duplicating` is handed over as it is. Throws `Error`.
+/// Tells the command which companies to give. `duplicating` is handed over as it is. Throws
+/// `Error`.
 void selectCompanies(Command& command, std::int16_t duplicating, const GroupFilter& filter);
 
 }  // namespace azcoll::linked
