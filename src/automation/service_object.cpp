@@ -84,7 +84,7 @@ class Kept {
 
 /// The function behind one method of the table, by what the method gives back.
 template <std::size_t kMethod>
-struct MethodEntry {
+struct MethodFunction {
   static constexpr const MethodEntry& kEntry = kMethods[kMethod];
 
   template <typename Result>
@@ -172,7 +172,7 @@ std::vector<VtableEntry> ServiceMembers::entries() {
   FixedEntries::appendVariant<&CLSCO_AZIENDECOLL::Stato>(entries);
   FixedEntries::appendVariant<&CLSCO_AZIENDECOLL::Errore>(entries);
   [&]<std::size_t... kIndexes>(std::index_sequence<kIndexes...>) {
-    (entries.push_back(MethodEntry<kIndexes>::entry()), ...);
+    (entries.push_back(MethodFunction<kIndexes>::entry()), ...);
   }
   (std::make_index_sequence<kMethods.size()>{});
   return entries;

@@ -15,7 +15,7 @@ constexpr std::size_t kFirstBlock = 512;
 constexpr std::size_t kLargestBlock = std::size_t{256} * 1024;
 constexpr std::size_t kShortText = 255;
 
-/// What follows the byte that tells the kind.
+/// What follows the byte for the kind.
 enum Tag : std::uint8_t {
   kNullTag,
   kFalse,

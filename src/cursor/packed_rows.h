@@ -11,7 +11,7 @@
 
 namespace azcoll::cursor {
 
-/// Rows in a form that takes little more room than their data: a byte that tells the kind before
+/// Rows in a form that takes little more room than their data: a byte for the kind before
 /// each value, and texts without allocations of their own. Rows are written once, value after
 /// value, and read row by row.
 class PackedRows {

@@ -34,7 +34,7 @@ auto timesNamed(const SelectShape& shape, std::string_view table) {
   });
 }
 
-/// Drops what the driver told of tables that are not named exactly once.
+/// Drops what the driver reported of tables that are not named exactly once.
 void keepCertain(std::vector<ColumnInfo>& columns, const SelectShape& shape) {
   if (hasOpaqueSource(shape)) {
     forgetBases(columns);
@@ -176,9 +176,10 @@ std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns, std::str
   const TableFinder find = [&](std::string_view table) {
     return catalogue.find(session, table, timeoutSeconds);
   };
-  const bool told = std::any_of(columns.begin(), columns.end(),
-                                [](const ColumnInfo& column) { return !column.baseTable.empty(); });
-  if (told) {
+  const bool reported = std::any_of(columns.begin(), columns.end(), [](const ColumnInfo& column) {
+    return !column.baseTable.empty();
+  });
+  if (reported) {
     keepCertain(columns, shapes[index]);
   } else if (!ListFollower{columns, shapes[index], find}.follow()) {
     forgetBases(columns);

@@ -11,10 +11,10 @@
 namespace azcoll::odbc {
 
 /// Settles for every column of a result where a change of it would be written to: base table, base
-/// column, primary key, numbered columns. `columns` say what the driver told; the result was number
-/// `index` of `count` that `batch` gave.
+/// column, primary key, numbered columns. `columns` say what the driver reported; the result was
+/// number `index` of `count` that `batch` gave.
 ///
-/// What the driver told is kept where the query names the table once. Where the driver told
+/// What the driver reported is kept where the query names the table once. Where the driver reported
 /// nothing, the query's own select list says it, if the catalogue's columns agree with the
 /// result's. In doubt a column has no base table, and a change of it is refused.
 [[nodiscard]] std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns,

@@ -104,7 +104,7 @@ const TableInfo* Catalogue::find(const Session& session, std::string_view table,
       }
     } catch (const DriverFailure&) {
       if (session.isDead()) {
-        throw;  // that says nothing of the table, and is to be told as what it is
+        throw;  // that says nothing of the table, and is reported as what it is
       }
       info.reset();  // then nothing is known of it, and its rows cannot be changed
     } catch (const Error&) {

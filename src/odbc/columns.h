@@ -16,8 +16,8 @@ struct Column {
   std::string name{};
   Carrier carrier = Carrier::Text;
   std::size_t size = 0;      ///< characters, digits or bytes; 0 when not known
-  std::string baseTable{};   ///< empty when the driver does not tell
-  std::string baseColumn{};  ///< empty when the driver does not tell
+  std::string baseTable{};   ///< empty when the driver does not say
+  std::string baseColumn{};  ///< empty when the driver does not say
   bool isIdentity = false;   ///< numbered by the database
 };
 

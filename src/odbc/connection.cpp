@@ -255,7 +255,7 @@ ExecutionResult OdbcConnection::call(const Procedure& procedure, std::vector<Var
   });
   for (ResultSet& set : result.results) {
     std::vector<ColumnInfo> columns = set.columns.all();
-    for (ColumnInfo& column : columns) {  // no query here that would tell how sure they are
+    for (ColumnInfo& column : columns) {  // no query here that would say how sure they are
       column.baseTable.clear();
       column.baseColumn.clear();
     }

@@ -44,7 +44,7 @@ std::optional<ErrorInfo> record(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT 
   if (!succeeded(result)) {
     return std::nullopt;
   }
-  // The text ends at its zero, whatever length the driver tells.
+  // The text ends at its zero, whatever length the driver reports.
   message.resize(std::u16string_view{message}.substr(0, message.find(u'\0')).size());
   ErrorInfo info;
   info.description = withoutMarks(readableOf(message));

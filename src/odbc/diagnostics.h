@@ -10,7 +10,7 @@
 
 namespace azcoll::odbc {
 
-/// A failure inside the room: everything that the driver told of it, at least one entry. The
+/// A failure inside the room: everything that the driver reported of it, at least one entry. The
 /// connection turns it into an `Error` and its `Errors`.
 class DriverFailure {
  public:

@@ -60,7 +60,7 @@ std::size_t widthOf(const Column& column) {
 }
 
 /// Whether a fetch brought rows. Throws `DriverFailure` for a failure, and for one that the driver
-/// tells beside the rows in front of it: FreeTDS gives the part of a block that came before the
+/// reports beside the rows in front of it: FreeTDS gives the part of a block that came before the
 /// statement failed as a success with information, and the end of the rows next.
 bool fetchRows(const Handle& statement) {
   const SQLRETURN result = SQLFetch(statement.get());
@@ -69,12 +69,12 @@ bool fetchRows(const Handle& statement) {
   }
   statement.require(result, "SQLFetch");
   if (result == SQL_SUCCESS_WITH_INFO) {
-    std::vector<ErrorInfo> told = recordsOf(SQL_HANDLE_STMT, statement.get());
+    std::vector<ErrorInfo> reported = recordsOf(SQL_HANDLE_STMT, statement.get());
     const auto warnings = std::stable_partition(
-        told.begin(), told.end(),
+        reported.begin(), reported.end(),
         [](const ErrorInfo& entry) { return !entry.sqlState.starts_with("01"); });
-    if (warnings != told.begin()) {
-      throw DriverFailure{std::move(told)};
+    if (warnings != reported.begin()) {
+      throw DriverFailure{std::move(reported)};
     }
   }
   return true;

@@ -13,7 +13,7 @@ namespace azcoll::odbc {
 /// connection gives its string back without the password, and no error shows it.
 ///
 /// Results are fetched whole at once, so that the connection is never busy. Statements are executed
-/// directly, never prepared. Changes of a recordset are written when the driver or the query tells
+/// directly, never prepared. Changes of a recordset are written when the driver or the query says
 /// the table, and the catalogue its primary key.
 [[nodiscard]] std::shared_ptr<Connection> newConnection();
 

@@ -128,7 +128,7 @@ BoundParameter BoundParameter::ofDeclared(const DeclaredParameter& declared, con
         std::max(parameter.buffer_.size(), outputRoom(parameter.carrier_, declared)));
   } else if (const Decimal* const number = value.get<Decimal>();
              number != nullptr && parameter.carrier_ == Carrier::Decimal) {
-    // Some servers tell 38 digits, all of them fractional, of every decimal: no room for a whole
+    // Some servers report 38 digits, all of them fractional, of every decimal: no room for a whole
     // one.
     parameter.size_ = Decimal::kMaxDigits;
     parameter.digits_ = static_cast<SQLSMALLINT>(number->scale());

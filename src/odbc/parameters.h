@@ -21,8 +21,8 @@ struct DeclaredParameter {
 };
 
 /// Throws `DriverFailure` for an output whose value would not come back: a decimal of which the
-/// server tells 38 digits, all of them fractional, as some do of every decimal. It would be cut, or
-/// cost the connection.
+/// server reports 38 digits, all of them fractional, as some do of every decimal. It would be cut,
+/// or cost the connection.
 void requireKnownDigits(const DeclaredParameter& declared);
 
 /// A value on its way to (and from) a `?` marker. Must outlive the statement's execution.

@@ -89,12 +89,12 @@ std::optional<ParameterDirection> directionOf(std::int64_t kind) {
 }
 
 /// Longest value of a parameter, in characters or bytes as its type counts; 0 when there is no
-/// limit. Some servers tell no COLUMN_SIZE of a text, only the bytes that it may take. Drivers send
-/// the length of an output as the longest answer, so that nothing may be made of nothing here.
+/// limit. Some servers report no COLUMN_SIZE of a text, only the bytes that it may take. Drivers
+/// send the length of an output as the longest answer, so that nothing may be made of nothing here.
 SQLULEN sizeOf(const Rows& rows, std::size_t row, SQLSMALLINT type) {
-  const std::int64_t told = rows.number(row, kSize);
-  if (told > 0) {
-    return static_cast<SQLULEN>(told);
+  const std::int64_t size = rows.number(row, kSize);
+  if (size > 0) {
+    return static_cast<SQLULEN>(size);
   }
   const auto bytes = static_cast<SQLULEN>(std::max<std::int64_t>(rows.number(row, kBytes), 0));
   switch (type) {

@@ -42,7 +42,7 @@ class Session {
   void askAbilities();
 
   Handle environment_;
-  std::unique_ptr<Handle> connection_;  // after the environment was told its version
+  std::unique_ptr<Handle> connection_;  // after the environment was given its version
   bool connected_ = false;
   bool autocommit_ = true;
   RereadAbilities reread_;

@@ -54,7 +54,7 @@ std::int64_t openTransactions(const Session& session) {
 }
 
 /// What has ended has ended, whatever comes of `action`: the next statement tries it again, and
-/// tells.
+/// reports it.
 template <typename Action>
 void tryTo(Action action) {
   try {
@@ -166,12 +166,12 @@ bool Transaction::examine(const std::vector<ErrorInfo>& entries, bool connection
     state_ = State::None;  // the server undoes what a client that is gone has left
     return true;
   }
-  const bool told = std::ranges::any_of(entries, [&](const ErrorInfo& entry) {
+  const bool reported = std::ranges::any_of(entries, [&](const ErrorInfo& entry) {
     // Not every driver gives a deadlock its class.
     return entry.sqlState.starts_with("40") ||
            (session_.speaksTSql() && entry.nativeNumber == kDeadlockVictim);
   });
-  if (!told && !isGone()) {
+  if (!reported && !isGone()) {
     return false;
   }
   state_ = State::Undone;

@@ -13,9 +13,10 @@ namespace azcoll::odbc {
 /// The transaction of a session, and what has become of it.
 ///
 /// A server may undo a transaction by itself, after a failure or as the victim of a deadlock. The
-/// driver does not tell, and what is sent afterwards would be committed statement by statement; so
-/// after every failure inside a transaction the server is asked, and when the transaction is gone
-/// nothing more is sent until its owner has ended it. Every operation throws `DriverFailure`.
+/// driver does not report it, and what is sent afterwards would be committed statement by
+/// statement; so after every failure inside a transaction the server is asked, and when the
+/// transaction is gone nothing more is sent until its owner has ended it. Every operation throws
+/// `DriverFailure`.
 class Transaction {
  public:
   Transaction(Session& session, GroupLock lock) : session_{session}, lock_{lock} {}

@@ -84,6 +84,15 @@ std::string ownName(const Table& table) {
 
 }  // namespace
 
+std::string shownKey(const Table& table, const std::vector<std::size_t>& columns,
+                     const std::vector<Value>& values) {
+  std::size_t position = 0;
+  return joinAll(values, ", ", [&](const Value& value) {
+    const Type& type = table.columns[columns[position++]].type;
+    return value.isNull() ? "<NULL>" : valueText(value, type);
+  });
+}
+
 SqlError ConstraintReporter::explain(const SqliteFailure& failure) const {
   const std::string_view detail = detailOf(failure.message);
   switch (failure.code) {
@@ -137,10 +146,9 @@ std::vector<Value> ConstraintReporter::failedRow(const std::vector<std::size_t>&
   const SqliteDatabase& database = session_.database;
   sqlite3_create_function_v2(database.get(), "ts_trace", -1, SQLITE_UTF8 | SQLITE_INNOCUOUS, &trace,
                              traceKey, nullptr, nullptr, nullptr);
-  std::string arguments;
-  for (const std::size_t column : columns) {
-    arguments += (arguments.empty() ? "NEW." : ",NEW.") + quoteName(table.columns[column].name);
-  }
+  const std::string arguments = joinAll(columns, ",", [&](std::size_t column) {
+    return "NEW." + quoteName(table.columns[column].name);
+  });
   {
     const TrialRun trial(database);
     database.execute("CREATE TEMP TRIGGER ts_watch BEFORE " + std::string(verb()) + " ON " +
@@ -227,14 +235,8 @@ SqlError ConstraintReporter::explainDuplicate(std::string_view detail) const {
             "computes for '" +
                 key->name + "' is in use while its rows are written."};
   }
-  std::string list;
-  std::size_t position = 0;
-  for (const Value& value : failedRow(key->columns)) {
-    const Type& type = node_.table->columns[key->columns[position++]].type;
-    list += list.empty() ? "" : ", ";
-    list += value.isNull() ? "<NULL>" : valueText(value, type);
-  }
-  const std::string values = "The duplicate key value is (" + list + ").";
+  const std::string values = "The duplicate key value is (" +
+                             shownKey(*node_.table, key->columns, failedRow(key->columns)) + ").";
   if (key->kind.empty()) {
     return {2601, "Cannot insert duplicate key row in object '" + ownName(*node_.table) +
                       "' with unique index '" + key->name + "'. " + values};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,11 @@
 #include "embedded/values/value.h"
 
 namespace azcoll::embedded {
+
+/// The values of a key as messages show them: `(, <NULL>)` is an empty text and a Null. `values`
+/// are those of `columns`, or none.
+[[nodiscard]] std::string shownKey(const Table& table, const std::vector<std::size_t>& columns,
+                                   const std::vector<Value>& values);
 
 /// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite reports
 /// little about it; what is missing is found by running the change once more inside a savepoint

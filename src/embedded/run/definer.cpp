@@ -3,11 +3,13 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "embedded/catalogue/store.h"
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/compile/table_definition.h"
 #include "embedded/run/batch_runner.h"
+#include "embedded/run/constraint_errors.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/sqlite/sql_text.h"
@@ -146,16 +148,13 @@ std::string Definer::repeatedKey(const Table& table, const Index& index) const {
   const SqliteStatement rows =
       session_.database.prepare("SELECT " + list + " FROM " + table.sqlName + " GROUP BY " + list +
                                 " HAVING count(*) > 1 ORDER BY " + list + " LIMIT 1");
-  std::string values;
+  std::vector<Value> values;
   if (rows.step()) {
-    int position = 0;
-    for (const std::size_t column : index.columns) {
-      const Value value = readValue(rows.get(), position++);
-      values += (values.empty() ? "" : ", ") +
-                (value.isNull() ? "<NULL>" : valueText(value, table.columns[column].type));
+    for (std::size_t position = 0; position < index.columns.size(); ++position) {
+      values.push_back(readValue(rows.get(), static_cast<int>(position)));
     }
   }
-  return values;
+  return shownKey(table, index.columns, values);
 }
 
 void Definer::createRoutine(const std::string& source) {

@@ -55,6 +55,15 @@ TEST_F(ErrorTexts, DuplicateKeysNameTheConstraintAndTheValue) {
             "duplicate key value is (8).");
 }
 
+TEST_F(ErrorTexts, DuplicateKeysShowEmptyTextsInTheirPlace) {
+  db_->run(
+      "CREATE TABLE E (A VARCHAR(3) NOT NULL, B INT NOT NULL, CONSTRAINT PK_E PRIMARY KEY (A, "
+      "B)) CREATE TABLE F (A VARCHAR(3) NULL, B INT NULL) INSERT INTO E VALUES ('', 1) "
+      "INSERT INTO F VALUES ('', NULL), ('', NULL)");
+  EXPECT_TRUE(refusal("INSERT INTO E VALUES ('', 1)").ends_with("value is (, 1)."));
+  EXPECT_TRUE(refusal("CREATE UNIQUE INDEX IX_F ON F (A, B)").ends_with("value is (, <NULL>)."));
+}
+
 TEST_F(ErrorTexts, ForeignKeysNameTheTableTheyLookInto) {
   EXPECT_EQ(refusal("INSERT INTO C (K) VALUES ('z')"),
             "547 The INSERT statement conflicted with the FOREIGN KEY constraint \"FK_Q\". The "
