@@ -137,7 +137,7 @@ bool ClientRecordset::atEnd() const {
 
 void ClientRecordset::moveFirst() {
   requireOpen();
-  settle();
+  finishEdit();
   if (shownCount() == 0) {
     throw Error(messages::kNoCurrentRow);
   }
@@ -146,7 +146,7 @@ void ClientRecordset::moveFirst() {
 
 void ClientRecordset::moveNext() {
   requireOpen();
-  settle();
+  finishEdit();
   if (position_ >= shownCount()) {
     throw Error(messages::kMoveBeyondEnd);
   }
@@ -155,7 +155,7 @@ void ClientRecordset::moveNext() {
 
 void ClientRecordset::setFilter(std::string_view criteria) {
   requireOpen();
-  settle();
+  finishEdit();
   if (criteria.find_first_not_of(" \t\r\n") == std::string_view::npos) {
     shown_.reset();
     position_ = 0;
@@ -188,7 +188,7 @@ std::int64_t ClientRecordset::searchStart(Bookmark start) const {
 void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchDirection direction,
                            Bookmark start) {
   requireOpen();
-  settle();
+  finishEdit();
   const Criteria wanted =
       Criteria::search(criteria, [this](std::string_view name) { return requiredColumn(name); });
   const std::int64_t count = shownCount();
@@ -209,7 +209,7 @@ void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchD
 
 std::shared_ptr<Recordset> ClientRecordset::nextRecordset() {
   requireOpen();
-  settle();
+  finishEdit();
   if (!following_ || following_->empty()) {
     return nullptr;
   }

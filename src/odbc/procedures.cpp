@@ -112,7 +112,7 @@ SQLULEN sizeOf(const Rows& rows, std::size_t row, SQLSMALLINT type) {
 }
 
 Rows describe(const Session& session, std::string_view procedure, int timeoutSeconds) {
-  const auto statement = session.newStatement(timeoutSeconds, false);
+  const auto statement = session.newStatement(timeoutSeconds, Escapes::LeftAlone);
   std::u16string name = wideOf(procedure);
   statement->require(SQLProcedureColumnsW(statement->get(), nullptr, 0, nullptr, 0, units(name),
                                           static_cast<SQLSMALLINT>(name.size()), nullptr, 0),

@@ -63,9 +63,12 @@ class RecordingConnection final : public NativeConnection {
     return std::make_shared<ToldProcedure>(inner_->findProcedure(name), std::string{name},
                                            listener_.procedure);
   }
-  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) override {
-    return inner_->settle(columns, origin);
+  [[nodiscard]] std::vector<ColumnInfo> completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) override {
+    return inner_->completeColumns(columns, origin);
+  }
+  [[nodiscard]] std::optional<std::vector<std::string>> storedDefinitions() override {
+    return inner_->storedDefinitions();
   }
   void record(std::vector<ErrorInfo> entries) override { inner_->record(std::move(entries)); }
 

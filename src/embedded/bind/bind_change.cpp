@@ -159,7 +159,9 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
   }
   const auto assigned = bindAssigned(statement, table, scope);
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
+      statement.where
+          ? expressions_.bindCondition(*statement.where, Clause{scope}, Unknown::AsFalse).sql
+          : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
   if (change.from.empty() && translation_.queries == 0) {
     const std::string set = joinAll(assigned, ",", [&](const auto& assignment) {
@@ -179,7 +181,9 @@ BoundChange ChangeBinder::bindDelete(const tsql::DeleteStatement& statement) {
   BoundChange bound;
   bound.table = change.table;
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
+      statement.where
+          ? expressions_.bindCondition(*statement.where, Clause{scope}, Unknown::AsFalse).sql
+          : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
   bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {

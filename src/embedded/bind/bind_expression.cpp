@@ -284,7 +284,7 @@ std::vector<std::string> ExpressionBinder::bindTests(const tsql::Case& node,
     }
   } else {
     for (const tsql::CaseBranch& branch : node.branches) {
-      BoundCondition test = bindCondition(*branch.when, clause, true);
+      BoundCondition test = bindCondition(*branch.when, clause, Unknown::AsFalse);
       reach |= test.reach;
       tests.push_back(std::move(test.sql));
     }

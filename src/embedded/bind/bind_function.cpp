@@ -27,7 +27,7 @@ struct TextFunction {
   std::size_t least;
   std::size_t most;
   std::size_t texts;  ///< leading arguments that are texts; the others are whole numbers
-  bool isNumber;      ///< gives a whole number
+  bool givesWholeNumber;
 };
 
 constexpr std::size_t kMany = 254;
@@ -270,7 +270,8 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
   }
   const Type kind = unicode ? kNVarChar : kVarChar;
   const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
-  return computed(sql + ")", found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
+  return computed(sql + ")",
+                  found->givesWholeNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
                   reach);
 }
 

@@ -107,7 +107,8 @@ void QueryBinder::bindSpecification(const tsql::QuerySpecification& specificatio
   if (specification.having) {
     clause.number = 8121;
     clause.name = "HAVING clause";
-    BoundCondition having = expressions_.bindCondition(*specification.having, clause, true);
+    BoundCondition having =
+        expressions_.bindCondition(*specification.having, clause, Unknown::AsFalse);
     select.reach |= having.reach;
     select.having = std::move(having.sql);
   }
@@ -197,7 +198,7 @@ void QueryBinder::bindWhere(const tsql::Expression& condition, Scope& scope, con
   InRewrite rewrite(names_, expressions_);
   for (const tsql::Expression* const conjunct : conjuncts) {
     if (use.in == nullptr || !rewrite.take(*conjunct, clause, select)) {
-      const BoundCondition bound = expressions_.bindCondition(*conjunct, clause, true);
+      const BoundCondition bound = expressions_.bindCondition(*conjunct, clause, Unknown::AsFalse);
       InRewrite::noteConstantFilter(*conjunct, bound, scope);
       select.reach |= bound.reach;
       select.where += (select.where.empty() ? "" : " AND ") + bound.sql;
@@ -207,18 +208,18 @@ void QueryBinder::bindWhere(const tsql::Expression& condition, Scope& scope, con
 
 /// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
 /// in those around it.
-BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& clause,
-                                     bool groups) {
+BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& clause, KeyOf use) {
   BoundExpression bound = expressions_.bind(key, clause);
   const std::size_t level = clause.scope.level;
-  if (groups && (bound.reach.levels & levelBit(level)) == 0) {
+  if (use == KeyOf::GroupBy && (bound.reach.levels & levelBit(level)) == 0) {
     throw SqlError(164,
                    "Each GROUP BY expression must contain at least one column that is not an "
                    "outer reference.");
   }
   if ((bound.reach.levels & outerLevels(level)) != 0 || bound.reach.argument) {
     refuse(context_.text, key.position,
-           std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
+           std::string(use == KeyOf::GroupBy ? "GROUP BY" : "ORDER BY") +
+               " with a column of an outer query");
   }
   return bound;
 }
@@ -226,7 +227,7 @@ BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& 
 void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
                               Grouping& grouping, BoundSelect& select) {
   for (const tsql::ExpressionPtr& key : specification.groupBy) {
-    BoundExpression bound = bindKey(*key, clause, true);
+    BoundExpression bound = bindKey(*key, clause, KeyOf::GroupBy);
     std::string sql = constants_.inOwnType(bound);
     if (bound.isColumn) {
       grouping.columns.insert(sql);
@@ -304,7 +305,7 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
   }
   const bool checks = select.distinct;
   const std::string printed = checks ? foldCase(tsql::print(*item.expression)) : "";
-  BoundExpression bound = bindKey(*item.expression, clause, false);
+  BoundExpression bound = bindKey(*item.expression, clause, KeyOf::OrderBy);
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
   }

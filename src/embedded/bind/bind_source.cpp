@@ -143,7 +143,8 @@ BoundSources QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
     return joined;
   }
   const VisibleSources visible(scope, std::max(first, scope.visibleFrom));
-  const BoundCondition condition = expressions_.bindCondition(*join.on, Clause{scope}, true);
+  const BoundCondition condition =
+      expressions_.bindCondition(*join.on, Clause{scope}, Unknown::AsFalse);
   joined.reach |= condition.reach;
   const std::string on = " ON " + condition.sql;
   switch (join.kind) {

@@ -165,7 +165,8 @@ std::string Binder::bindValue(const tsql::Expression& expression, const Type& ty
 std::string Binder::bindTest(const tsql::Expression& condition) {
   QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  return "SELECT " + queries.expressions().bindCondition(condition, Clause{nothing}, true).sql;
+  return "SELECT " +
+         queries.expressions().bindCondition(condition, Clause{nothing}, Unknown::AsFalse).sql;
 }
 
 BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
@@ -217,7 +218,8 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   source.name = table.name;
   source.folded = foldCase(table.name);
   scope.sources.push_back(std::move(source));
-  std::string sql = queries.expressions().bindCondition(condition, Clause{scope}, false).sql;
+  std::string sql =
+      queries.expressions().bindCondition(condition, Clause{scope}, Unknown::Kept).sql;
   if (!translation_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");
   }

@@ -18,11 +18,13 @@ std::string_view operatorText(tsql::SetOperator op) {
   }
 }
 
+enum class Side : std::uint8_t { Left, Right };
+
 /// An operand of a set operation: what would bind to the whole is put into a query of its own.
-std::string renderOperand(const BoundQuery& query, bool isRight) {
+std::string renderOperand(const BoundQuery& query, Side side) {
   const bool limited =
       query.select && (!query.select->limit.empty() || !query.select->orderBy.empty());
-  if (limited || (!query.select && isRight)) {
+  if (limited || (!query.select && side == Side::Right)) {
     return "SELECT * FROM (" + render(query) + ")";
   }
   return render(query);
@@ -88,9 +90,9 @@ std::string render(const BoundQuery& query) {
   if (query.select) {
     return render(*query.select);
   }
-  std::string sql = renderOperand(*query.left, false);
+  std::string sql = renderOperand(*query.left, Side::Left);
   sql += operatorText(query.op);
-  sql += renderOperand(*query.right, true);
+  sql += renderOperand(*query.right, Side::Right);
   if (!query.orderBy.empty()) {
     sql += " ORDER BY " + query.orderBy;
   }

@@ -36,7 +36,7 @@ TEST(Types, MeetInTheHigherOne) {
 TEST(Definitions, AreToldInTheOrderOfTheirCreation) {
   const std::shared_ptr<Connection> connection = newConnection();
   connection->setConnectionString("Provider=embedded;Data Source=:memory:");
-  EXPECT_THROW(storedDefinitions(*connection), Error);  // it is not open
+  EXPECT_THROW(static_cast<void>(storedDefinitions(*connection)), Error);  // it is not open
   connection->open("", "", CommandOption::Unspecified);
   const auto run = [&](const char* text) {
     std::int64_t affected = 0;
