@@ -16,7 +16,7 @@
 #include "deployment/server_catalogue.h"
 #include "platform/provider_factory.h"
 #include "text/joining.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

@@ -9,7 +9,7 @@
 #include "deployment/schema.h"
 #include "deployment/scripts.h"
 #include "tsql/lexer.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

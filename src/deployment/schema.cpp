@@ -9,6 +9,7 @@
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

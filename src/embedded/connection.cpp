@@ -6,7 +6,7 @@
 #include "embedded/embedded_connection.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
-#include "tsql/parser.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::embedded {
 

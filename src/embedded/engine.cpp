@@ -12,7 +12,7 @@
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

@@ -16,7 +16,7 @@
 #include "embedded/run/session.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/sql_error.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

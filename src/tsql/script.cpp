@@ -1,5 +1,6 @@
+#include "tsql/script.h"
+
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 #include "tsql/position.h"
 
 namespace azcoll::tsql {

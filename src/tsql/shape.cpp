@@ -1,10 +1,11 @@
+#include "tsql/shape.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 
 #include "text/utf8.h"
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 
 namespace azcoll::tsql {
 

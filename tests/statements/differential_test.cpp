@@ -15,7 +15,8 @@
 #include "statements/statement_file.h"
 #include "support/test_database.h"
 #include "tsql/lexer.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
+#include "tsql/shape.h"
 
 namespace azcoll::statements {
 namespace {

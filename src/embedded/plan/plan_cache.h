@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "embedded/plan/plan.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

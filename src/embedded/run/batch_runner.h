@@ -11,7 +11,7 @@
 #include "embedded/run/session.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 
