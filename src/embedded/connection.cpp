@@ -32,11 +32,6 @@ bool isEmbeddedConnectionString(std::string_view connectionString) {
 
 std::shared_ptr<Connection> newConnection() { return newConnectionWith({}); }
 
-std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
-  NativeConnection* const native = connection.native();
-  return native == nullptr ? std::nullopt : native->storedDefinitions();
-}
-
 std::shared_ptr<EmbeddedConnection> newConnectionWith(const EngineOptions& options) {
   return std::make_shared<EmbeddedConnection>(options);
 }
