@@ -1,7 +1,6 @@
 #include "deployment/schema.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <variant>
 

@@ -8,10 +8,10 @@
 #include "embedded/plan/guards.h"
 #include "embedded/plan/slots.h"
 #include "embedded/run/batch_runner.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
+#include "text/letter_case.h"
 #include "tsql/shape.h"
 
 namespace azcoll::embedded {

@@ -3,9 +3,11 @@
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/scope.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

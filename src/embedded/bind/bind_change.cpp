@@ -8,10 +8,10 @@
 #include "embedded/bind/change_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

@@ -5,7 +5,7 @@
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"

@@ -5,10 +5,11 @@
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 #include "tsql/printer.h"
 
 namespace azcoll::embedded {

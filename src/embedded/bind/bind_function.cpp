@@ -6,11 +6,13 @@
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/date_values.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

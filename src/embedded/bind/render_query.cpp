@@ -1,5 +1,5 @@
 #include "embedded/bind/bound_query.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 
 namespace azcoll::embedded {
 

@@ -7,10 +7,10 @@
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

@@ -5,6 +5,7 @@
 #include "embedded/functions/like_pattern.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/letter_case.h"
 #include "text/quoting.h"
 #include "text/utf8.h"
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 
 namespace azcoll::embedded {
