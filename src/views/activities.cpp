@@ -145,6 +145,7 @@ ByKey byKey(const ActivityYear& year) {
 std::string listed(const std::vector<std::string>& registers) {
   std::string text;
   for (const std::string& code : registers) {
+    // A blank code, which comes first, is not shown by its comma.
     text += (text.empty() ? "" : ", ") + code;
   }
   return text;

@@ -69,7 +69,7 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   BoundExpression operand = bindAggregated(argument, position, inside);
   std::string sql = constants_.inOwnType(operand);
   if (operand.type.isText() && !operand.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   const std::string list = (call.distinct ? "(DISTINCT " : "(") + sql + ")";
   const Type& type = operand.type;

@@ -278,7 +278,7 @@ std::vector<std::string> ExpressionBinder::bindTests(const tsql::Case& node,
     const Type common = constants_.unify(all, position);
     sql += " " + constants_.coerceToCompare(operand, common);
     if (common.isText() && !operand.isColumn) {
-      sql += std::string(kCollateClause);
+      sql += kCollateClause;
     }
     for (BoundExpression& value : values) {
       tests.push_back(constants_.coerceToCompare(value, common));

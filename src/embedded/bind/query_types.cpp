@@ -17,7 +17,7 @@ std::string QueryBinder::columnText(OutputColumn& column, const Type* type, Conv
   column.type = type == nullptr ? expression.type : *type;
   // DISTINCT, UNION and whoever reads the column compare by its collation.
   if (column.type.isText() && !expression.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   return sql;
 }
