@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "deployment/scripts.h"
+#include "text/letter_case.h"
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"

@@ -1,7 +1,6 @@
 #include "deployment/server_catalogue.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
@@ -137,9 +136,7 @@ std::string namesOf(const Schema& schema) {
 }
 
 ColumnType typeOf(const Answer& answer) {
-  ColumnType type{.name = answer.text("TIPO")};
-  std::ranges::transform(type.name, type.name.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  ColumnType type{.name = ascii::upper(answer.text("TIPO"))};
   if (type.name == "NUMERIC") {
     type.name = "DECIMAL";
   }

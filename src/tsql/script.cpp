@@ -1,5 +1,6 @@
 #include "tsql/script.h"
 
+#include "text/letter_case.h"
 #include "tsql/characters.h"
 #include "tsql/position.h"
 

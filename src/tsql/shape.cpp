@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 #include "tsql/characters.h"
 
