@@ -15,6 +15,7 @@
 #include "text/joining.h"
 #include "text/letter_case.h"
 #include "text/quoting.h"
+#include "text/trimming.h"
 
 namespace azcoll::deployment {
 namespace {

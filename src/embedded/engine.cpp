@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <utility>
 
-#include "data/text.h"
 #include "embedded/catalogue/store.h"
 #include "embedded/plan/guards.h"
 #include "embedded/plan/slots.h"
@@ -12,6 +11,7 @@
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
 #include "text/letter_case.h"
+#include "text/trimming.h"
 #include "tsql/shape.h"
 
 namespace azcoll::embedded {

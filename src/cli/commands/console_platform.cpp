@@ -8,7 +8,7 @@
 
 #include "cli/print/names.h"
 #include "data/error.h"
-#include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::cli {
 
