@@ -24,7 +24,6 @@ class ExpressionBinder {
   /// `queries` binds the queries inside.
   ExpressionBinder(const BindContext& context, Constants& constants, Names& names,
                    QueryBinder& queries)
-
       : context_(context), constants_(constants), names_(names), queries_(queries) {}
 
   /// A value.
