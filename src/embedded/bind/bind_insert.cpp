@@ -119,34 +119,34 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
                                      const std::vector<std::size_t>& columns,
                                      std::vector<std::size_t>& defaults) {
   const Scope nothing(nullptr);
-  return " VALUES " + joinAll(statement.rows, ",", [&](const auto& row) {
-           if (row.size() != statement.rows.front().size()) {
-             throw SqlError(
-                 10709,
-                 "The number of columns for each row in a table value constructor must be the "
-                 "same.");
-           }
-           if (statement.columns.empty()) {
-             checkPositional(table, row.size(), columns.size());
-           } else if (row.size() != columns.size()) {
-             failCount(row.size() > columns.size());
-           }
-           std::vector<std::string> values;
-           values.reserve(row.size() + defaults.size());
-           for (std::size_t i = 0; i < row.size(); ++i) {
-             if (!row[i]) {
-               values.push_back(defaultOf(table, columns[i]));
-               continue;
-             }
-             BoundExpression value = expressions_.bind(*row[i], Clause{nothing});
-             values.push_back(
-                 constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign));
-           }
-           for (const std::size_t column : defaults) {
-             values.push_back(defaultOf(table, column));
-           }
-           return "(" + joinAll(values, ",") + ")";
-         });
+  const auto valuesOf = [&](const auto& row) {
+    if (row.size() != statement.rows.front().size()) {
+      throw SqlError(10709,
+                     "The number of columns for each row in a table value constructor must be the "
+                     "same.");
+    }
+    if (statement.columns.empty()) {
+      checkPositional(table, row.size(), columns.size());
+    } else if (row.size() != columns.size()) {
+      failCount(row.size() > columns.size());
+    }
+    std::vector<std::string> values;
+    values.reserve(row.size() + defaults.size());
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      if (!row[i]) {
+        values.push_back(defaultOf(table, columns[i]));
+        continue;
+      }
+      BoundExpression value = expressions_.bind(*row[i], Clause{nothing});
+      values.push_back(
+          constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign));
+    }
+    for (const std::size_t column : defaults) {
+      values.push_back(defaultOf(table, column));
+    }
+    return "(" + joinAll(values, ",") + ")";
+  };
+  return " VALUES " + joinAll(statement.rows, ",", valuesOf);
 }
 
 std::string ChangeBinder::insertQuery(const tsql::InsertStatement& statement, const Table& table,
