@@ -11,7 +11,6 @@
 #include "ado/variants.h"
 #include "ado/wide_text.h"
 #include "data/error.h"
-#include "data/text.h"
 
 namespace azcoll {
 namespace automation {

@@ -104,7 +104,7 @@ void ClientCommand::load() {
     return;
   }
   std::shared_ptr<NativeProcedure> found = connection.findProcedure(text_);
-  std::vector<std::unique_ptr<ClientParameter>> declared;
+  std::vector<std::unique_ptr<Parameter>> declared;
   for (const ProcedureParameter& each : found->parameters()) {
     declared.push_back(std::make_unique<ClientParameter>(each));
   }

@@ -5,7 +5,6 @@
 #include "cursor/criteria.h"
 #include "data/error.h"
 #include "data/messages.h"
-#include "data/text.h"
 
 namespace azcoll::cursor {
 

@@ -4,11 +4,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 
 #include "data/error.h"
 #include "data/messages.h"
-#include "data/text.h"
 #include "text/letter_case.h"
 
 namespace azcoll {

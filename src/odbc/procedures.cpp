@@ -13,6 +13,7 @@
 #include "odbc/sql_words.h"
 #include "odbc/strings.h"
 #include "text/letter_case.h"
+#include "text/trimming.h"
 
 namespace azcoll::odbc {
 namespace {

@@ -1,5 +1,6 @@
 #include <optional>
 
+#include "text/letter_case.h"
 #include "tsql/condition.h"
 #include "tsql/parser_core.h"
 

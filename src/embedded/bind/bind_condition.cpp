@@ -1,14 +1,16 @@
 #include <compare>
+#include <span>
 
 #include "data/decimal.h"
 #include "embedded/bind/bound_query.h"
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -199,9 +201,8 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
     test += kCollateClause;
   }
   test += node.negated ? " NOT IN (" : " IN (";
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    test += (i == 0 ? "" : ",") + constants_.coerceToCompare(items[i], common);
-  }
+  test += joinAll(std::span(all).subspan(1), ",",
+                  [&](BoundExpression* item) { return constants_.coerceToCompare(*item, common); });
   test += ")";
   BoundCondition bound{"(" + left + test + ")", {}};
   for (const BoundExpression* const compared : all) {

@@ -8,13 +8,13 @@
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/literals.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 #include "tsql/printer.h"
 
 namespace azcoll::embedded {
@@ -226,7 +226,7 @@ BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& 
 
 void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
                               Grouping& grouping, BoundSelect& select) {
-  for (const tsql::ExpressionPtr& key : specification.groupBy) {
+  select.groupBy = joinAll(specification.groupBy, ",", [&](const tsql::ExpressionPtr& key) {
     BoundExpression bound = bindKey(*key, clause, KeyOf::GroupBy);
     std::string sql = constants_.inOwnType(bound);
     if (bound.isColumn) {
@@ -234,11 +234,11 @@ void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, con
     } else {
       grouping.printed.insert(foldCase(tsql::print(*key)));
       if (bound.type.isText()) {
-        sql += std::string(kCollateClause);
+        sql += kCollateClause;
       }
     }
-    select.groupBy += (select.groupBy.empty() ? "" : ",") + sql;
-  }
+    return sql;
+  });
 }
 
 void QueryBinder::bindTop(const tsql::Top& top, BoundSelect& select) {
@@ -323,7 +323,7 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
   }
   std::string sql = constants_.inOwnType(bound);
   if (bound.type.isText() && !bound.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   // A bare number would be taken for a position.
   return bound.isColumn ? sql : "(" + sql + ")";
@@ -336,16 +336,15 @@ void QueryBinder::bindOrderBy(const tsql::Query& query, const Clause& clause, Bo
 }
 
 void QueryBinder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
-  for (const tsql::OrderItem& item : query.orderBy) {
+  bound.orderBy = joinAll(query.orderBy, ",", [&](const tsql::OrderItem& item) {
     const auto position = outputPosition(*item.expression, bound.columns());
     if (!position) {
       throw SqlError(104,
                      "ORDER BY items must appear in the select list if the statement contains a "
                      "UNION, INTERSECT or EXCEPT operator.");
     }
-    bound.orderBy += (bound.orderBy.empty() ? "" : ",") + std::to_string(*position + 1) +
-                     (item.descending ? " DESC" : "");
-  }
+    return std::to_string(*position + 1) + (item.descending ? " DESC" : "");
+  });
 }
 
 }  // namespace azcoll::embedded

@@ -1,8 +1,8 @@
 #include "embedded/bind/bound_query.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

@@ -11,10 +11,10 @@
 #include "embedded/bind/scope.h"
 #include "embedded/plan/result_column.h"
 #include "embedded/plan/slots.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

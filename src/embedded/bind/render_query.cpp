@@ -1,5 +1,10 @@
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
 #include "embedded/bind/bound_query.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -67,23 +72,20 @@ std::string renderTail(const BoundSelect& select) { return renderTail(select, ""
 
 std::string render(const BoundSelect& select) {
   std::string columns = select.distinct ? "SELECT DISTINCT " : "SELECT ";
-  for (std::size_t i = 0; i < select.columns.size(); ++i) {
-    const OutputColumn& column = select.columns[i];
-    columns += i == 0 ? "" : ",";
-    columns += i == 0 && select.oneGroup ? asOneGroup(column) : column.sql;
-    columns += " AS c" + std::to_string(i + 1);
-  }
+  std::size_t number = 0;
+  columns += joinAll(select.columns, ",", [&](const OutputColumn& column) {
+    const bool saysOneGroup = ++number == 1 && select.oneGroup;
+    return (saysOneGroup ? asOneGroup(column) : column.sql) + " AS c" + std::to_string(number);
+  });
   if (select.alternatives.empty()) {
     return columns + renderTail(select);
   }
   // For an IN, to which a row given twice is the same. In a query of its own: SQLite takes the
   // columns of a row value apart, and looks them up by index, for a simple SELECT only.
-  std::string sql;
-  for (const std::string& alternative : select.alternatives) {
-    sql += (sql.empty() ? "SELECT * FROM (" : " UNION ALL ") + columns +
-           renderTail(select, alternative);
-  }
-  return sql + ")";
+  const std::string rows = joinAll(
+      select.alternatives, " UNION ALL ",
+      [&](const std::string& alternative) { return columns + renderTail(select, alternative); });
+  return "SELECT * FROM (" + rows + ")";
 }
 
 std::string render(const BoundQuery& query) {
