@@ -119,7 +119,7 @@ void RowStore::settleChanged() {
     }
   }
   undo_.clear();
-  // A value that is back to what the database has is no change any more.
+  // A value that is back to what the database has is not a change any more.
   std::erase_if(pending.originals, [&](const auto& entry) {
     return sameValue(entry.second, at(editedRow_, entry.first));
   });

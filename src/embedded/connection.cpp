@@ -124,7 +124,8 @@ std::vector<ProcedureParameter> parametersOf(const Routine& routine) {
 }
 
 /// The value as a whole number of the declared type. A command converts its values before it sends
-/// them, as every provider does: rounded, and what does not convert is no failure of the database.
+/// them, as every provider does: rounded, and what does not convert is not a failure of the
+/// database.
 Variant asDeclared(const Variant& value, const Type& type) {
   if (value.isEmpty() || value.isNull()) {
     return value;

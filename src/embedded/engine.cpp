@@ -86,7 +86,7 @@ void Engine::openFile(const ConnectionSettings& settings) {
 
 void Engine::configure(const ConnectionSettings& settings) {
   sqlite3* const handle = session_.database.get();
-  // A name in double quotes that is no column must never be taken for a text.
+  // A name in double quotes that is not a column must never be taken for a text.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);

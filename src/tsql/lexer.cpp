@@ -136,8 +136,8 @@ Token Lexer::takeNumber() {
 
 Token Lexer::takeWord() {
   const std::size_t end = lettersEnd(wordEnd(text_, at_));
-  if (end == at_) {  // a character beyond ASCII that is no letter
-    // A byte that is no UTF-8 has no length: the lexer moves on all the same.
+  if (end == at_) {  // a character beyond ASCII that is not a letter
+    // A byte that is not UTF-8 has no length: the lexer moves on all the same.
     return take(TokenKind::Unexpected,
                 at_ + std::max<std::size_t>(decodeUtf8(text_, at_).length, 1));
   }

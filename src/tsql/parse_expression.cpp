@@ -398,7 +398,7 @@ ExpressionPtr Parser::parseCall(ObjectName name) {
   return makeExpression(position, std::move(call));
 }
 
-/// The calls whose arguments are no plain list; null when the current word is none of them.
+/// The calls whose arguments are not a plain list; null when the current word is none of them.
 ExpressionPtr Parser::parseSpecialCall() {
   if (isWord("CAST")) {
     return parseCast();

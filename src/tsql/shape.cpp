@@ -41,14 +41,14 @@ ClassByte classOf(LiteralKind kind) {
   }
 }
 
-/// One pass over a text: what is no constant is copied to the key span by span.
+/// One pass over a text: what is not a constant is copied to the key span by span.
 class ShapeScanner {
  public:
   ShapeScanner(std::string_view text, Shape& shape) : text_(text), shape_(shape) {}
 
   void run() {
     shape_.literals.clear();
-    // Bytes that are no UTF-8 must reach the parser, which refuses them, in a constant too.
+    // Bytes that are not UTF-8 must reach the parser, which refuses them, in a constant too.
     shape_.cacheable = findMalformedUtf8(text_) == std::string_view::npos;
     shape_.key.resize(text_.size());
     while (at_ < text_.size()) {

@@ -103,7 +103,7 @@ ChangeBinder::Target ChangeBinder::bindTarget(const tsql::NamedTable& target,
   const std::size_t index = findTarget(target, scope, change.from);
   change.table = scope.sources[index].table;
   if (!change.table) {
-    refuse(context_.text, target.name.position, "a change of what is no table");
+    refuse(context_.text, target.name.position, "changing something that is not a table");
   }
   change.source = scope.sources[index].sqlName;
   if (scope.sources.size() == 1) {

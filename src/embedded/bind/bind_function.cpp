@@ -142,7 +142,7 @@ BoundExpression ExpressionBinder::bindAbs(const tsql::FunctionCall& call,
   requireArguments(call, 1, 1);
   BoundExpression value = bind(*call.arguments[0], clause);
   if (!value.type.isNumber()) {
-    refuse(context_.text, position, "ABS of what is no number");
+    refuse(context_.text, position, "ABS of a value that is not a number");
   }
   const std::string sql = constants_.inOwnType(value);
   if (value.type.isWide()) {
@@ -187,7 +187,7 @@ int ExpressionBinder::bindStyle(const tsql::Expression& expression, const Type& 
                                 const Type& to) {
   const auto* const literal = std::get_if<tsql::Literal>(&expression.node);
   if (literal == nullptr || literal->kind != tsql::LiteralKind::Integer) {
-    refuse(context_.text, expression.position, "CONVERT with a style that is no constant");
+    refuse(context_.text, expression.position, "CONVERT with a style that is not a constant");
   }
   constants_.guardText(*literal);
   const auto number = Decimal::parse(literal->text);

@@ -61,7 +61,7 @@ void describeBase(const OutputColumn& column, const TableCounts& counts, ColumnI
   info.isIdentity = base.identity;
 }
 
-/// A key that is only partly in the result does not tell rows apart.
+/// A key that is only partly in the result does not identify a row.
 void dropPartialKeys(const std::vector<OutputColumn>& outputs, std::vector<ResultColumn>& columns) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     if (columns[i].info.baseTable.empty()) {

@@ -29,7 +29,7 @@ class ExpressionBinder {
 
   /// A value.
   [[nodiscard]] BoundExpression bind(const tsql::Expression& expression, const Clause& clause);
-  /// A condition. `nullIsFalse`: where it stands, unknown and false come to the same.
+  /// A condition. `nullIsFalse`: where it stands, unknown counts as false.
   [[nodiscard]] BoundCondition bindCondition(const tsql::Expression& expression,
                                              const Clause& clause, bool nullIsFalse);
 

@@ -163,7 +163,7 @@ void Definer::createRoutine(const std::string& source) {
   for (const RoutineParameter& parameter : routine->parameters) {
     if (parameter.defaultValue != nullptr &&
         !constantValue(*parameter.defaultValue, parameter.type)) {
-      refuse(source, parameter.defaultValue->position, "a default that is no constant");
+      refuse(source, parameter.defaultValue->position, "a default that is not a constant");
     }
   }
   atomically([&] {

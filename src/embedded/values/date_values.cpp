@@ -45,7 +45,7 @@ struct Clock {
   bool tooFine = false;
 };
 
-/// `hh:mm[:ss[.f…]]`; false when it is no time.
+/// `hh:mm[:ss[.f…]]`; false when it is not a time.
 bool readClock(Cursor& cursor, Clock& clock) {
   if (cursor.digits() < 1 || cursor.digits() > 2) {
     return false;

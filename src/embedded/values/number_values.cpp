@@ -76,7 +76,7 @@ std::optional<Int128> digitsOfDouble(double number, int scale) {
   if (!std::isfinite(number) || std::fabs(number) >= 1e38) {
     return std::nullopt;
   }
-  // 17 significant digits tell a double apart from every other; what the decimal keeps of them is
+  // 17 significant digits distinguish a double from every other; what the decimal keeps of them is
   // rounded once, by the decimal's own rule.
   std::array<char, 64> buffer{};
   const int exponent =
