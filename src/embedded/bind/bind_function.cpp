@@ -109,10 +109,12 @@ BoundExpression ExpressionBinder::bindIsNull(const tsql::FunctionCall& call, con
   requireArguments(call, 2, 2);
   BoundExpression checked = bind(*call.arguments[0], clause);
   BoundExpression replacement = bind(*call.arguments[1], clause);
+  // NULL has no type of its own to convert the replacement to.
   if (checked.type.kind == TypeKind::Null) {
     replacement.reach |= checked.reach;
     return replacement;
   }
+  // Unlike COALESCE, ISNULL has the type of its first argument, and cuts the second one to it.
   const Type type = checked.type;
   const std::string first = constants_.inOwnType(checked);
   return computed(
@@ -127,6 +129,7 @@ BoundExpression ExpressionBinder::bindNullIf(const tsql::FunctionCall& call,
   BoundExpression other = bind(*call.arguments[1], clause);
   const Type type = value.type;
   const Type common = constants_.unify({&value, &other}, position);
+  // NULLIF gives its first argument as it was, which could not be compared as it is.
   if (!sameForm(type, common)) {
     refuse(context_.text, position, "NULLIF of different types");
   }
@@ -260,6 +263,7 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
       sql += text.sql;
       reach |= text.reach;
       unicode = unicode || text.type.isUnicode();
+      // Functions that do not build give no text longer than their first one.
       length = i == 0 && text.type.isText() ? text.type.length : length;
     } else {
       BoundExpression number = bind(*call.arguments[i], clause);
@@ -269,6 +273,7 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
     }
   }
   const Type kind = unicode ? kNVarChar : kVarChar;
+  // The length of what these build is not known beforehand.
   const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
   return computed(sql + ")", found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
                   reach);

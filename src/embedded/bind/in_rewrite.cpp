@@ -80,6 +80,7 @@ bool InRewrite::takeCorrelation(const tsql::Expression& conjunct, const Clause& 
   if (innerLeft == innerRight || !sameForm(a.type, b.type) || !a.isColumn || !b.isColumn) {
     return false;
   }
+  // Not part of the reach yet: a query counts as correlated by what else it takes from outside.
   select.correlationLevels |= (a.reach.levels | b.reach.levels) & outside;
   select.correlations.push_back(innerLeft ? Correlation{a.sql, b.sql} : Correlation{b.sql, a.sql});
   return true;
