@@ -21,9 +21,8 @@ inline constexpr std::size_t kMaxChain = 1000;
 
 /// A text that is not understood. `number` is SQL Server's message number (102, 105, 156, 191 …),
 /// or 0 for T-SQL that is valid but outside what this system runs, and for a text that is not
-/// UTF-8. `what()` is the message alone,
-/// in SQL Server's wording for the numbered ones; `located()` adds line, column and the marked
-/// fragment.
+/// UTF-8. `what()` is the message alone, in SQL Server's wording for the numbered ones; `located()`
+/// adds line, column and the marked fragment.
 class SyntaxError : public std::runtime_error {
  public:
   SyntaxError(int number, const std::string& message, Position position, std::string fragment);
@@ -49,7 +48,7 @@ struct ScriptBatch {
   std::uint32_t firstLine = 1;
 };
 
-/// Parts a script at its lines that hold nothing but GO (any letter case, blanks around it);
+/// Splits a script at its lines that hold nothing but GO (any letter case, blanks around it);
 /// batches without a statement are left out. A GO inside a comment or a quoted text does not count.
 /// A mark of the byte order at the start is dropped.
 [[nodiscard]] std::vector<ScriptBatch> splitScript(std::string_view script);
