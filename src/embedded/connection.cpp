@@ -46,6 +46,8 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
   ErrorInfo info = errorInfo(number, message, statement);
   info.transactionLost = transactionLost;
   std::vector<ErrorInfo> entries{std::move(info)};
+  // SQL Server reports that the statement was ended as a second error, which ADO shows behind the
+  // first.
   if (terminated) {
     constexpr int kTerminated = 3621;
     entries.push_back(errorInfo(kTerminated, std::string(kStatementTerminated), statement));
@@ -56,6 +58,7 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
 /// Runs an operation of the provider; its failures are recorded.
 template <typename Action>
 auto EmbeddedConnection::recorded(std::string_view statement, Action action) {
+  // Asked behind the failure, by which SQLite may have undone the transaction.
   const auto lost = [&] { return engine_ && engine_->isTransactionLost(); };
   try {
     return action();
@@ -173,6 +176,7 @@ ExecutionResult EmbeddedConnection::call(const Routine& routine, std::vector<Var
   for (std::size_t index = 0; index < values.size(); ++index) {
     values[index] = asDeclared(values[index], routine.parameters[index].type);
   }
+  // A command's time-out counts for its own call, also when that fails.
   engine.setTimeout(timeoutSeconds);
   try {
     ExecutionResult result = recorded(routine.name, [&] { return engine.call(routine, values); });
