@@ -184,6 +184,7 @@ ExpressionPtr Parser::parseIn(ExpressionPtr left, bool negated) {
     return makeExpression(position, InQuery{std::move(left), std::move(query), negated});
   }
   InList list{std::move(left), parseScalarList(), negated};
+  // `IN ((SELECT …) UNION …)` looks like a list of one value up to the UNION.
   auto* const first = std::get_if<ScalarQuery>(&list.items[0]->node);
   if (list.items.size() == 1 && continueQuery(first)) {
     expect(Symbol::RightParenthesis);
@@ -219,6 +220,7 @@ ExpressionPtr Parser::parseArithmetic(int minimum, bool conditionAllowed) {
   if (conditionAllowed && isCondition(*left)) {
     return left;
   }
+  // `T.*` is a whole item: nothing is calculated with it.
   if (std::holds_alternative<Star>(left->node)) {
     return left;
   }
@@ -292,6 +294,7 @@ ExpressionPtr Parser::parseReservedPrimary() {
       return parseCase();
     case Keyword::Convert:
       return parseConvert();
+    // Reserved words that name functions only in front of a parenthesis.
     case Keyword::Coalesce:
     case Keyword::Nullif:
     case Keyword::Left:
@@ -356,6 +359,7 @@ ExpressionPtr Parser::parseNamePrimary() {
   ObjectName name = parseObjectName(4);
   if (is(Symbol::Dot)) {  // parseObjectName() stops in front of `.*`
     advance();
+    // A star with a table's name opens an item of a select list and stands nowhere else.
     if (position.offset != starOffset_) {
       fail();
     }
@@ -383,6 +387,7 @@ ExpressionPtr Parser::parseCall(ObjectName name) {
     advance();
   } else if (!is(Symbol::RightParenthesis)) {
     call.distinct = accept(Keyword::Distinct);
+    // ALL says what holds without it.
     if (!call.distinct) {
       accept(Keyword::All);
     }

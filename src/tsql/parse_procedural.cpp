@@ -108,6 +108,7 @@ Statement Parser::parseUnreservedStatement() {
 DeclareStatement Parser::parseDeclare() {
   DeclareStatement declare;
   advance();
+  // DECLARE name CURSOR: variables begin with `@`.
   if (isName()) {
     failOutside("cursors");
   }
@@ -192,6 +193,7 @@ IfStatement Parser::parseIf() {
   advance();
   statement.condition = parseCondition();
   statement.then = parseNestedStatement();
+  // A semicolon ends the statement inside, not the IF.
   if (is(Symbol::Semicolon) && peek().keyword == Keyword::Else) {
     advance();
   }
@@ -224,6 +226,7 @@ Statement Parser::parseBegin(Position position) {
   const Nesting nesting(*this);
   BlockStatement block;
   block.statements = parseStatementsUntil(Keyword::End);
+  // T-SQL has no empty block.
   if (block.statements.empty()) {
     fail();
   }
@@ -272,6 +275,7 @@ bool Parser::startsValue() const {
 ReturnStatement Parser::parseReturn() {
   ReturnStatement statement;
   advance();
+  // RETURN ends without a mark of its own: the next statement may follow at once.
   if (startsValue()) {
     statement.value = parseScalar();
   }
