@@ -76,8 +76,8 @@ function(azcoll_room name)
   endforeach()
 endfunction()
 
-# azcoll_alone(SOURCE file): for each room a program of all its objects and of the rooms that the table
-# names for it, and no others: what a room needed of one above it would be missing.
+# azcoll_alone(SOURCE file): for each room a program of all its objects, of the rooms that the table names
+# for it and what those need: what a room needed of one above it would be missing.
 function(azcoll_alone)
   cmake_parse_arguments(ALONE "" "SOURCE" "" ${ARGN})
   get_property(rooms GLOBAL PROPERTY AZCOLL_ROOMS)

@@ -16,7 +16,7 @@ if "build/fuzz/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=25 \
   say "$(grep -aE '^Done' "$log")"
 else
   grep -aE '^BROKEN|runtime error|^SUMMARY|Test unit written' "$log" >&2 || true
-  say "found something (whole log: $log); once mended, the file belongs into" \
+  say "found something (whole log: $log); once fixed, the file belongs into" \
     "tests/fuzz/crashes/$target under the next number"
   exit 1
 fi

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # server-suite.sh FOLDER PROGRAM FILTER: one test program on the server of AZCOLL_TEST_CONNESSIONE. Prints
-# its closing lines, what it tells of random draws, each reason for which cases were skipped once, and
+# its closing lines, what it says of random draws, each reason for which cases were skipped once, and
 # everything when it fails.
 set -euo pipefail
 folder=$1 program=$2 filter=$3

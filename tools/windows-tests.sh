@@ -56,7 +56,7 @@ program() {
     timeout 600 "$wine" "./$name.exe" --gtest_brief=1 "$@" </dev/null | tr -d '\r' | tail -n 60)
 }
 
-# script FILE EXPECTED [ARGS...]: cscript tells of no error by its exit code, so the output decides.
+# script FILE EXPECTED [ARGS...]: cscript reports no error by its exit code, so the output decides.
 script() {
   local file=$1 name expected=$2 output
   name=$(basename "$file")

@@ -109,7 +109,7 @@ class ClassesRoot {
         key_, entry.key.c_str(), entry.name.empty() ? nullptr : entry.name.c_str(), REG_SZ,
         entry.value.c_str(), static_cast<DWORD>((entry.value.size() + 1) * sizeof(wchar_t)));
   }
-  /// The key with all below it; a key that is not there is no failure.
+  /// The key with all below it; a key that is not there is not a failure.
   [[nodiscard]] LSTATUS remove(const std::wstring& key) const {
     const LSTATUS code = RegDeleteTreeW(key_, key.c_str());
     return code == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : code;

@@ -11,7 +11,7 @@ namespace azcoll::clifor {
 struct Group {
   std::string company;  ///< the current one
   std::string main;     ///< "" when it is not known
-  std::string others;   ///< the rest, parted by ", "
+  std::string others;   ///< the rest, separated by ", "
 };
 
 /// Finds the first code, counting up from `code`, that no company of the group but the current one

@@ -109,7 +109,7 @@ class Platform {
   [[nodiscard]] virtual Date today();
 
   /// Asks a question with Yes and No; `style` is the message box style value, lines in `text` are
-  /// parted by CR LF.
+  /// separated by CR LF.
   [[nodiscard]] virtual Answer messageBox(std::string_view text, int style, std::string_view title);
 
   /// Creates the object registered under `progId`. Throws `Error` when there is none.

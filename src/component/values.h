@@ -39,7 +39,7 @@ void ignoreErrors(const Step& step) noexcept {
 [[nodiscard]] std::string currentDescription();
 
 /// Whether `value` stands for `number`: a number of any kind, or a text that holds it. Null, Empty
-/// and everything else stand for no number.
+/// and everything else never equal a number.
 [[nodiscard]] bool equalsNumber(const Variant& value, std::int64_t number) noexcept;
 
 /// Whether `value` is a number above 0. Throws `Error` for Null and for what is not a number.

@@ -80,6 +80,7 @@ Columns keyColumns(const RowStore& rows, std::size_t row, std::string_view table
 
 void appendCondition(ChangeStatement& statement, std::string_view column, const Variant& original) {
   appendName(statement.text, column);
+  // `= ?` never holds for a missing value.
   if (original.isNull() || original.isEmpty()) {
     statement.text += " IS NULL";
     return;
@@ -93,6 +94,7 @@ ChangeStatement insertStatement(const RowStore& rows, std::size_t row,
   const std::vector<ColumnInfo>& infos = rows.columns();
   Columns columns;
   for (std::size_t column = 0; column < infos.size(); ++column) {
+    // Columns without a value are left to their defaults, the identity to the database.
     if (given[column] && !infos[column].isIdentity) {
       columns.push_back(column);
     }
@@ -140,6 +142,8 @@ ChangeStatement updateStatement(const RowStore& rows, std::size_t row,
     statement.parameters.push_back(rows.row(row)[column]);
     separator = ", ";
   }
+  // The key finds the row; the changed columns must still hold what was read, or somebody else has
+  // changed them in between.
   separator = " WHERE ";
   const auto addCondition = [&](std::size_t column) {
     statement.text += separator;

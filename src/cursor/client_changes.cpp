@@ -39,6 +39,7 @@ void ClientRecordset::finishEdit() {
   if (!added) {
     return;
   }
+  // The filter is not asked: a new row is shown until a filter is set again.
   if (shown_) {
     shown_->push_back(rows_.rowCount() - 1);
   }
@@ -89,6 +90,7 @@ void ClientRecordset::updateBatch(Affect affect) {
     throw Error(messages::kDetached);
   }
   const std::vector<std::size_t> rows = rowsToSend(affect);
+  // Only now, because it may cost questions to the database.
   if (!rows.empty()) {
     rows_.completeColumns(*connection_);
   }
@@ -105,9 +107,11 @@ void ClientRecordset::updateBatch(Affect affect) {
 
 void ClientRecordset::send(const ChangeStatement& statement) {
   const std::int64_t changed = connection_->runChange(statement.text, statement.parameters);
+  // An INSERT that adds no row fails by itself.
   if (statement.isUpdate && changed != 1) {
     failUpdate(*connection_, statement, changed);
   }
+  // One by one: what was sent before a failure is not sent again.
   rows_.sent(statement.row);
 }
 

@@ -31,9 +31,11 @@ void ClientCommand::setActiveConnection(std::shared_ptr<Connection> connection) 
     return;
   }
   std::shared_ptr<NativeConnection> native = nativeOf(connection);
+  // A procedure can only be run by the provider that found it.
   if (native->provider() != provider_) {
     throw Error(messages::kWrongConnection);
   }
+  // Another database may declare the procedure in another way.
   if (native != connection_) {
     forget();
   }
@@ -100,6 +102,7 @@ NativeConnection& ClientCommand::requireConnection() const {
 
 void ClientCommand::load() {
   NativeConnection& connection = requireConnection();
+  // Found once: asking may cost round trips.
   if (procedure_) {
     return;
   }

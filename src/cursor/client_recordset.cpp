@@ -54,6 +54,7 @@ void ClientRecordset::open(CursorType type, LockType lock, CommandOption options
     throw Error(messages::kNoSource);
   }
   ExecutionResult result = connection_->run(source_);
+  // A text without results leaves the recordset closed, as in ADO.
   if (result.results.empty()) {
     return;
   }
@@ -110,6 +111,7 @@ std::size_t ClientRecordset::shownRow(std::int64_t position) const {
 }
 
 std::size_t ClientRecordset::currentRow() const {
+  // The row being added lies behind all others.
   if (adding()) {
     return rows_.rowCount();
   }
@@ -155,6 +157,7 @@ void ClientRecordset::moveNext() {
 void ClientRecordset::setFilter(std::string_view criteria) {
   requireOpen();
   finishEdit();
+  // Blank criteria take the filter away.
   if (criteria.find_first_not_of(" \t\r\n") == std::string_view::npos) {
     shown_.reset();
     position_ = 0;
@@ -179,6 +182,7 @@ std::int64_t ClientRecordset::searchStart(Bookmark start) const {
     case Bookmark::Last:
       return shownCount() - 1;
     default:
+      // Throws where there is no row to start from.
       static_cast<void>(currentRow());
       return position_;
   }
@@ -195,6 +199,7 @@ void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchD
   const std::int64_t from = searchStart(start);
   // Without rows there is one position only, which is both ends.
   std::int64_t position = step > 0 || count == 0 ? count : -1;
+  // A larger skip leads out of the rows, and would overflow below.
   if (skip >= -count && skip <= count) {
     for (std::int64_t next = from + step * skip; next >= 0 && next < count; next += step) {
       if (wanted.matches(rows_.row(shownRow(next)))) {

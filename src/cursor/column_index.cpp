@@ -45,6 +45,8 @@ std::optional<std::size_t> ColumnIndex::find(const std::vector<ColumnInfo>& colu
 }
 
 void ColumnIndex::build(const std::vector<ColumnInfo>& columns) {
+  // Never more than half full, so that a search ends soon; a power of two makes the remainder a
+  // mask.
   places_.assign(std::bit_ceil(columns.size() * 2), 0);
   const std::size_t mask = places_.size() - 1;
   for (std::size_t position = 0; position < columns.size(); ++position) {

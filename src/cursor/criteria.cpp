@@ -100,6 +100,7 @@ bool holds(const Comparison& comparison, const Variant& value) {
   if (literal.kind == Literal::Kind::Null) {
     return missing == (comparison.comparator == Comparator::Equal);
   }
+  // A missing value satisfies no comparison but the one with NULL.
   if (missing) {
     return false;
   }
@@ -108,6 +109,7 @@ bool holds(const Comparison& comparison, const Variant& value) {
   }
   const std::optional<std::partial_ordering> order = compare(value, literal);
   if (!order) {
+    // An error instead of a row passed over: the criteria do not fit the column.
     throw Error(join(messages::kCriteriaType, comparison.columnName));
   }
   return satisfies(*order, comparison.comparator);

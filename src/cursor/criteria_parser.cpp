@@ -25,6 +25,7 @@ class CriteriaParser {
     bool grouped = atGroup();
     result.groups_.push_back(group());
     if (grouped && atWord("OR")) {
+      // Beside an OR every side is a group in parentheses.
       while (takeWord("OR")) {
         if (!atGroup()) {
           fail(reasons::kOrOutsideGroups);
@@ -155,6 +156,7 @@ class CriteriaParser {
 
   Literal textLiteral() {
     Literal result{.kind = Literal::Kind::Text, .text = delimited('\'', reasons::kOpenText)};
+    // Read as everything that it can be; the kind of the column decides when rows are compared.
     result.number = Decimal::parse(result.text);
     result.date = Date::parse(trim(result.text));
     if (equalsIgnoringCase(result.text, "True") || equalsIgnoringCase(result.text, "False")) {

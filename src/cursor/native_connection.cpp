@@ -12,6 +12,7 @@ std::vector<ColumnInfo> NativeConnection::completeColumns(
 }
 
 void NativeConnection::failWith(std::vector<ErrorInfo> entries) {
+  // Made first: recording takes the entries away.
   Error failure = Error::provider(entries.front());
   record(std::move(entries));
   throw failure;
@@ -31,6 +32,7 @@ std::shared_ptr<NativeConnection> nativeOf(const std::shared_ptr<Connection>& co
   if (native == nullptr) {
     throw Error(messages::kWrongConnection);
   }
+  // Owns what the caller holds, a decorator included, which keeps the connection inside.
   return {connection, native};
 }
 

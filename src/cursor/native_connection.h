@@ -45,8 +45,8 @@ class NativeProcedure {
   std::vector<ProcedureParameter> parameters_;
 };
 
-/// A connection of a provider of this house, in whose hands rows come as they are: what recordsets
-/// and commands of the client-side cursor work with.
+/// A connection of one of this system's own providers; recordsets and commands of the client-side
+/// cursor work on it.
 ///
 /// Every operation throws `Error`; a failure of the provider is recorded in `errors()` first.
 class NativeConnection : public Connection, public std::enable_shared_from_this<NativeConnection> {
@@ -73,7 +73,7 @@ class NativeConnection : public Connection, public std::enable_shared_from_this<
     return std::nullopt;
   }
 
-  /// Puts the entries of a failure, the most telling one first, in the place of those in
+  /// Puts the entries of a failure, the most informative one first, in the place of those in
   /// `errors()`.
   virtual void record(std::vector<ErrorInfo> entries) = 0;
   /// Records the entries, of which there is at least one, and throws the first. Every failure that

@@ -41,6 +41,7 @@ struct Day {
 template <typename T>
 T load(const std::byte*& at) {
   T value{};
+  // Values lie side by side, whatever alignment they would need.
   std::memcpy(&value, at, sizeof value);
   at += sizeof value;
   return value;
@@ -98,8 +99,10 @@ Variant loadValue(const std::byte*& at) {
 
 void PackedRows::grow(std::size_t size) {
   const auto written = static_cast<std::size_t>(at_ - row_);
+  // Blocks grow with the result: a short one takes little, a long one few of them.
   blockSize_ = std::max(std::clamp(2 * blockSize_, kFirstBlock, kLargestBlock), written + size);
   auto block = std::make_unique_for_overwrite<std::byte[]>(blockSize_);
+  // A row lies in one block, so the one being written moves along.
   if (written > 0) {
     std::memcpy(block.get(), row_, written);
   }
@@ -129,6 +132,7 @@ void PackedRows::append(double value) { store(kDouble, value); }
 void PackedRows::append(const Decimal& value) {
   const auto scale = static_cast<std::uint8_t>(value.scale());
   const auto small = static_cast<std::int64_t>(value.unscaled());
+  // Nearly all decimals: half the size.
   const bool isSmall = Int128{small} == value.unscaled();
   std::byte* const place = take(2 + (isSmall ? sizeof small : sizeof(Int128)));
   place[0] = std::byte{isSmall ? kDecimal64 : kDecimal128};
@@ -203,6 +207,7 @@ void PackedRows::append(const Variant& value) {
 }
 
 void PackedRows::endRow() {
+  // Rows are not moved from here on.
   starts_.push_back(row_);
   row_ = at_;
 }

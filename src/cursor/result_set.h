@@ -69,8 +69,8 @@ struct ResultOrigin {
 };
 
 /// One result of an execution, all rows in memory: in `packed`, as providers hand them over, or in
-/// `values` row after row, `columns.size()` values each, where somebody looks at the values
-/// themselves (a catalogue's answer, rows made by hand). `allValues` reads both.
+/// `values` row after row, `columns.size()` values each, where code reads the values directly
+/// (a catalogue's answer, rows made by hand). `allValues` reads both.
 struct ResultSet {
   ColumnList columns;
   std::vector<Variant> values;

@@ -76,6 +76,7 @@ void RowStore::set(std::size_t row, std::size_t column, const Variant& value) {
     at(row, column) = std::move(stored);
     return;
   }
+  // Nothing changes. For a row that waits to be inserted the value counts as given all the same.
   if (sameValue(this->row(row)[column], stored)) {
     const auto pending = pending_.find(row);
     if (pending == pending_.end() || !pending->second.added) {
@@ -84,6 +85,7 @@ void RowStore::set(std::size_t row, std::size_t column, const Variant& value) {
   }
   edit_ = Edit::Changing;
   editedRow_ = row;
+  // The first value of the edit is the one to go back to.
   if (entryOf(undo_, column) == undo_.end()) {
     undo_.emplace_back(column, std::move(at(row, column)));
   }
@@ -115,11 +117,12 @@ void RowStore::finishChanged() {
     if (pending.added) {
       pending.given[column] = true;
     } else if (entryOf(pending.originals, column) == pending.originals.end()) {
+      // The first value of all edits is the one that the database has.
       pending.originals.emplace_back(column, std::move(before));
     }
   }
   undo_.clear();
-  // A value that is back to what the database has is no change any more.
+  // A value that is back to what the database has is not a change any more.
   std::erase_if(pending.originals, [&](const auto& entry) {
     return sameValue(entry.second, at(editedRow_, entry.first));
   });

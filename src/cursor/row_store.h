@@ -76,7 +76,7 @@ class RowStore {
   ColumnList columns_;
   std::optional<ResultOrigin> origin_;  // while the columns are not complete
   std::shared_ptr<const PackedRows> packed_;
-  std::map<std::size_t, std::vector<Variant>> changed_;  // rows, and those behind the packed ones
+  std::map<std::size_t, std::vector<Variant>> changed_;  // changed rows, and added ones
   mutable std::vector<Variant> unpacked_;                // the packed row looked at last
   mutable std::size_t unpackedRow_ = kNoRow;
   std::size_t rowCount_ = 0;

@@ -13,8 +13,9 @@
 
 namespace azcoll {
 
-/// What the client-side cursor needs of its own provider; see cursor/native_connection.h. This room
-/// knows no more of it than that a connection may be one.
+/// What the client-side cursor needs of its own provider; see cursor/native_connection.h. Only
+/// declared here, because that room lies above this one. `native()` is asked for it instead of a
+/// dynamic_cast, which would stop at a decorator.
 class NativeConnection;
 
 /// A database connection in ADO's shape: the one contract that every provider meets.

@@ -108,7 +108,7 @@ bool readTime(Reader& reader, DateParts& fields) {
   return true;
 }
 
-/// The date part. `dashed` tells whether it was written with dashes.
+/// The date part. `dashed`: whether it was written with dashes.
 bool readDay(Reader& reader, DateParts& fields, bool& dashed) {
   switch (reader.digitsAhead()) {
     case 8:

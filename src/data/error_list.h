@@ -15,7 +15,7 @@ class ErrorList final : public Errors {
   [[nodiscard]] ErrorInfo item(std::size_t index) const override;
   void clear() override { entries_.clear(); }
 
-  /// Replaces the entries by those of a new failure, the most telling one first.
+  /// Replaces the entries by those of a new failure, the most informative one first.
   void record(std::vector<ErrorInfo> entries) { entries_ = std::move(entries); }
 
  private:

@@ -30,7 +30,7 @@ class TracedOperation {
 
   [[nodiscard]] TraceEntry& entry() { return entry_; }
 
-  /// Tells the listener that the operation ended well.
+  /// Reports to the listener that the operation ended well.
   void succeeded() {
     stopClock();
     if (hooks_.after) {
@@ -38,8 +38,8 @@ class TracedOperation {
     }
   }
 
-  /// Tells the listener that the operation failed. What the listener itself may throw is dropped,
-  /// so that the operation's own failure goes on.
+  /// Reports to the listener that the operation failed. What the listener itself may throw is
+  /// dropped, so that the operation's own failure goes on.
   void failed(ErrorInfo error) noexcept {
     stopClock();
     entry_.error = std::move(error);

@@ -94,7 +94,7 @@ class Variant {
   [[nodiscard]] azcoll::Date toDate() const;
 
   /// The value plus one, keeping an integer kind while it fits (then the next wider one); a text
-  /// that holds a number becomes a number. Throws `Error` when there is no number in it.
+  /// that holds a number becomes a number. Throws `Error` when it does not hold a number.
   [[nodiscard]] Variant plusOne() const;
 
   /// The object referred to, or null when the variant holds none.

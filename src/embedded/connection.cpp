@@ -41,6 +41,8 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
   ErrorInfo info = errorInfo(number, message, statement);
   info.transactionLost = transactionLost;
   std::vector<ErrorInfo> entries{std::move(info)};
+  // SQL Server reports that the statement was ended as a second error, which ADO shows behind the
+  // first.
   if (terminated) {
     constexpr int kTerminated = 3621;
     entries.push_back(errorInfo(kTerminated, std::string(kStatementTerminated), statement));
@@ -51,6 +53,7 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
 /// Runs an operation of the provider; its failures are recorded.
 template <typename Action>
 auto EmbeddedConnection::recorded(std::string_view statement, Action action) {
+  // Asked behind the failure, by which SQLite may have undone the transaction.
   const auto lost = [&] { return engine_ && engine_->isTransactionLost(); };
   try {
     return action();
@@ -119,7 +122,8 @@ std::vector<ProcedureParameter> parametersOf(const Routine& routine) {
 }
 
 /// The value as a whole number of the declared type. A command converts its values before it sends
-/// them, as every provider does: rounded, and what does not convert is no failure of the database.
+/// them, as every provider does: rounded, and what does not convert is not a failure of the
+/// database.
 Variant asDeclared(const Variant& value, const Type& type) {
   if (value.isEmpty() || value.isNull()) {
     return value;
@@ -167,6 +171,7 @@ ExecutionResult EmbeddedConnection::call(const Routine& routine, std::vector<Var
   for (std::size_t index = 0; index < values.size(); ++index) {
     values[index] = asDeclared(values[index], routine.parameters[index].type);
   }
+  // A command's time-out counts for its own call, also when that fails.
   engine.setTimeout(timeoutSeconds);
   try {
     ExecutionResult result = recorded(routine.name, [&] { return engine.call(routine, values); });

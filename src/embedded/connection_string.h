@@ -13,7 +13,7 @@ struct ConnectionSettings {
   int timeoutSeconds = 30;
 };
 
-/// Whether the `Provider` key is `embedded`; false for what is no connection string at all.
+/// Whether the `Provider` key is `embedded`; false for what is not a connection string at all.
 [[nodiscard]] bool choosesEmbedded(std::string_view text);
 
 /// Reads the keys; throws `Error` (not of the provider) for an unknown key, a key given twice, a

@@ -21,6 +21,7 @@ namespace {
 constexpr std::size_t kCachedShapes = 400;
 // A statement has a limited number of parameters; beyond, constants are written into its text.
 constexpr std::size_t kMostBoundLiterals = 20000;
+// Steps of SQLite's virtual machine between two questions about the time limit.
 constexpr int kStepsBetweenClockReadings = 100000;
 constexpr std::string_view kMemory = ":memory:";
 
@@ -53,12 +54,14 @@ void Engine::openFile(const ConnectionSettings& settings) {
                              "\" non esiste; con Create=True nella stringa di connessione viene "
                              "creato.");
   }
+  // A connection is used by one thread at a time, so SQLite need not lock its own state.
   int flags = SQLITE_OPEN_NOMUTEX;
   flags |= settings.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
   if (memory || settings.create) {
     flags |= SQLITE_OPEN_CREATE;
   }
   session_.database = SqliteDatabase(path_, flags);
+  // Before the first look into the file, on which another process may hold a lock.
   sqlite3_busy_timeout(session_.database.get(), settings.timeoutSeconds * 1000);
   const CatalogueStore store(session_.database);
   switch (store.inspect()) {
@@ -66,6 +69,7 @@ void Engine::openFile(const ConnectionSettings& settings) {
       break;
     case CatalogueStore::FileKind::Empty:
       if (memory || settings.create) {
+        // In front of the transaction: inside one SQLite does not change the journal.
         session_.database.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
         session_.database.execute("BEGIN IMMEDIATE");
         // Another process may have been quicker.
@@ -86,14 +90,17 @@ void Engine::openFile(const ConnectionSettings& settings) {
 
 void Engine::configure(const ConnectionSettings& settings) {
   sqlite3* const handle = session_.database.get();
-  // A name in double quotes that is no column must never be taken for a text.
+  // A name in double quotes that is not a column must never be taken for a text.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  // A file may come from anywhere: what stands in its schema calls harmless functions only.
   sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   registerFunctions(handle, session_.runtime);
   if (!settings.readOnly) {
     session_.database.execute("PRAGMA journal_mode = WAL");
   }
+  // FULL: a commit that has been reported survives a power cut. SQLite checks foreign keys only
+  // where a connection asks for it. Temporary tables are the table variables.
   session_.database.execute(
       "PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA temp_store = MEMORY");
   if (!options_.optimizer) {
@@ -104,6 +111,7 @@ void Engine::configure(const ConnectionSettings& settings) {
       handle, kStepsBetweenClockReadings,
       [](void* limit) { return static_cast<TimeLimit*>(limit)->isOver() ? 1 : 0; },
       &session_.timeLimit);
+  // Asked before every change, so it is prepared once.
   catalogueVersion_ = session_.database.prepare("PRAGMA user_version");
 }
 
@@ -126,6 +134,7 @@ void Engine::refreshCatalogue() {
 
 void Engine::definitionsChanged() {
   forgetPlans();
+  // The connection's own change must not look like another's.
   knownVersion_ = catalogueVersion_.step() ? catalogueVersion_.integer(0) : 0;
   catalogueVersion_.reset();
   definedInTransaction_ = definedInTransaction_ || inTransaction();
@@ -164,13 +173,17 @@ std::shared_ptr<Plan> Engine::planFor(std::string_view text) {
   }
   refreshCatalogue();
   auto plan = compiler().compileBatch(std::string(text), inside);
+  // The scanner knows no grammar. Where it counts other constants than the parser, their numbers do
+  // not match, and the constants become part of the text.
   if (!inside && plan->tree->literalCount != shape_.literals.size()) {
     plan = compiler().compileBatch(std::string(text), true);
   } else {
     checkConstants(shape_);
   }
+  // A rollback takes temporary tables back, too, and the plans that use them would be left without.
   definedInTransaction_ = definedInTransaction_ || (plan->makesTempTables && inTransaction());
   if (!plan->constantsInside) {
+    // Constants that the parser has built into the tree (the length of a type, an alias in quotes).
     for (const std::size_t ordinal : plan->tree->structuralLiterals) {
       plan->guards.push_back(
           {Guard::Kind::SameText, ordinal, {}, literalText(shape_.literals[ordinal])});
@@ -197,12 +210,15 @@ ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant
                           " marcatori ?, i valori sono " + std::to_string(markers) + ".");
   }
   const auto& statements = plan->tree->statements;
+  // A transaction that SQLite has undone can still be ended.
   const bool endsTransaction =
       !statements.empty() &&
       std::holds_alternative<tsql::TransactionStatement>(statements.front()->node);
   if (!endsTransaction) {
     requireTransaction();
   }
+  // Inside a transaction the write lock, taken at its beginning, keeps everybody else from changing
+  // the schema.
   if (plan->changesData && !inTransaction() && isStale()) {
     reloadCatalogue();
     plan = planFor(text);
@@ -216,6 +232,8 @@ ExecutionResult Engine::runText(std::string_view text, const std::vector<Variant
       return result;
     }
   } catch (const SqliteFailure&) {
+    // SQLite prepares a statement anew when the schema has changed, and fails where a table is
+    // gone.
     if (session_.runtime.failure || !isStale()) {
       throw;
     }
@@ -298,6 +316,7 @@ ExecutionResult Engine::call(const Routine& routine, std::vector<Variant>& value
     BatchRunner runner(surroundings(), *plan, result);
     std::vector<std::optional<Value>> arguments(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
+      // Empty: not given, so the default counts.
       if (!values[i].isEmpty()) {
         arguments[i] = valueFromVariant(values[i], routine.parameters[i].type, Conversion::Cut);
       }
@@ -335,6 +354,7 @@ void Engine::begin() {
     const bool readOnly = sqlite3_db_readonly(session_.database.get(), "main") == 1;
     // Taking the lock for writing now saves a transaction from being refused half-way.
     session_.database.execute(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+    // Behind BEGIN: from here on the schema stays what it is.
     begun_ = true;
     definedInTransaction_ = false;
     refreshCatalogue();
@@ -358,6 +378,7 @@ void Engine::rollback() {
                    "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
   }
   translated([&] {
+    // SQLite may have undone it by itself.
     if (inTransaction()) {
       session_.database.execute("ROLLBACK");
     }
@@ -372,6 +393,7 @@ void Engine::rollback() {
 // ---------------------------------------------------------------- failures
 
 SqlError Engine::translate(const SqliteFailure& failure) const {
+  // SQLite reports that a function failed; why it did is kept here.
   if (session_.runtime.failure) {
     return *session_.runtime.failure;
   }
@@ -397,6 +419,7 @@ SqlError Engine::translate(const SqliteFailure& failure) const {
       return {823,
               "Errore di lettura o scrittura del database " + file + ": " + failure.message + "."};
     case SQLITE_INTERRUPT:
+      // A time-out is noticed by clients, not by the server, which has no number for it.
       return {-2, "Query timeout expired"};
     case SQLITE_NOMEM:
       return {701, "There is insufficient system memory to run this query."};
@@ -405,6 +428,8 @@ SqlError Engine::translate(const SqliteFailure& failure) const {
     default:
       break;
   }
+  // SQLite has no codes for its limits (depth of an expression, columns, tables of a join): only
+  // the messages name them.
   for (const std::string_view limit : {"too large", "too many", "overflow", "at most", "too big"}) {
     if (failure.message.find(limit) != std::string::npos) {
       return {8623,

@@ -15,7 +15,7 @@ constexpr int kDecember = 12;
 constexpr int kLastOfDecember = 31;
 
 /// Counts the financial years that open or close between the two days, or span them. Callers rely
-/// on it: the lines of this text are parted by carriage returns alone.
+/// on it: the lines of this text are separated by carriage returns alone.
 std::string touchingYears(const Variant& company, std::string_view first, std::string_view last) {
   constexpr std::string_view cr = "\r";
   return join(" SELECT COUNT(1)", cr,                                                            //

@@ -25,7 +25,7 @@ struct GroupFilter {
 [[nodiscard]] std::shared_ptr<Command> groupCommand(const std::shared_ptr<Connection>& connection,
                                                     const Variant& company, const Date& start);
 
-/// Tells the command which companies to give. `duplicating` is handed over as it is. Throws
+/// Sets the parameters that select the companies; `duplicating` is passed unchanged. Throws
 /// `Error`.
 void selectCompanies(Command& command, std::int16_t duplicating, const GroupFilter& filter);
 

@@ -34,7 +34,7 @@ bool handOutAccountingType(Call& call, Recordset& companies) {
   return true;
 }
 
-/// Hands out the companies of `companies`, then the current one, parted by ", "; nothing when
+/// Hands out the companies of `companies`, then the current one, separated by ", "; nothing when
 /// `companies` has no company. Callers rely on it: the current company is the last one whether it
 /// is the main company or not, and a company with several rows stands there several times.
 void listCompanies(Call& call, Recordset& companies) {

@@ -37,7 +37,7 @@ void readGroup(Call& call, const GroupFilter& filter, std::shared_ptr<Recordset>
 
 std::string GetDittaPrincipale(Call& call) noexcept {
   std::string main;
-  // Callers rely on it: a failure is no failure here, it means that no main company is known.
+  // Callers rely on it: a failure is not reported here, it means that no main company is known.
   ignoreErrors([&] {
     if (!call.InizializzaMetodo(Connect::Yes)) {
       return;

@@ -21,7 +21,7 @@ std::string itsMainCompanies(const CompanyOfYear& of) {
               " AND CG86_DITTACOLL_CG18 = ", of.company, ")");
 }
 
-/// Linked companies and main company with a column that tells them apart, in no order.
+/// Linked companies and main company with a column that distinguishes them, in no order.
 std::string markedGroup(const CompanyOfYear& of) {
   return join("SELECT CG86_DITTACOLL_CG18 AS DITTA, CG86_INDTIPOCONT, 0 AS 'ORDINAMENTO'",        //
               " FROM CG86_AZIENDECOLL",                                                           //

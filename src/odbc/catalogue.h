@@ -21,7 +21,7 @@ struct TableInfo {
 class Catalogue {
  public:
   /// The table of that name, letter case ignored; null when there is none, or several of that name
-  /// in different schemas, or the database does not tell. Never throws for what the driver answers.
+  /// in different schemas, or the database does not say. Never throws for what the driver answers.
   [[nodiscard]] const TableInfo* find(const Session& session, std::string_view table,
                                       int timeoutSeconds);
 

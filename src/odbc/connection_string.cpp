@@ -15,7 +15,8 @@ namespace azcoll::odbc {
 namespace {
 
 constexpr std::string_view kMask = "***";
-constexpr std::size_t kDistinctive = 4;  // characters from which a password is no common word part
+// From so many characters on a password is not likely to be part of another word.
+constexpr std::size_t kDistinctive = 4;
 
 /// What drivers read; they pass over a piece without `=`.
 std::vector<ConnectionPair> pairsOf(std::string_view text) {

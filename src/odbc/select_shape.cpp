@@ -21,7 +21,7 @@ bool isAnyOf(const SqlWord& word, const std::array<std::string_view, N>& keyword
                      [&](std::string_view keyword) { return word.is(keyword); });
 }
 
-// A query with one of these is no plain one; so is a second SELECT of the same depth.
+// A query with one of these is not a plain one; so is a second SELECT of the same depth.
 constexpr std::array<std::string_view, 12> kNotPlain{"UNION",   "EXCEPT",   "INTERSECT", "INTO",
                                                      "GROUP",   "DISTINCT", "FOR",       "PIVOT",
                                                      "UNPIVOT", "OPENXML",  "OPTION",    "COMPUTE"};

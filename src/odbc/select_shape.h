@@ -7,8 +7,8 @@
 
 namespace azcoll::odbc {
 
-/// A table that a query names in its FROM; `name` is empty for anything that is no plain table (a
-/// derived table, a function, a table of another database or a qualified one).
+/// A table that a query names in its FROM; `name` is empty for anything that is not a plain table
+/// (a derived table, a function, a table of another database or a qualified one).
 struct SelectSource {
   std::string name{};
   std::string alias{};  ///< the name itself where there is none
@@ -29,7 +29,7 @@ struct SelectShape {
   std::vector<SelectSource> sources;
 };
 
-/// The queries of a batch, in order, when it consists of plain queries parted by semicolons (one
+/// The queries of a batch, in order, when it consists of plain queries separated by semicolons (one
 /// query per result). Empty for every other batch, and for queries whose rows are not rows of their
 /// tables (UNION and its like, GROUP BY, DISTINCT, INTO). It reads just enough of T-SQL to be sure;
 /// of what it does not understand it says nothing.

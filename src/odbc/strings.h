@@ -12,7 +12,7 @@ namespace azcoll::odbc {
 // Text is UTF-8 inside and UTF-16 in every call of the driver manager; this is the one place that
 // converts.
 
-/// UTF-8 as UTF-16. Throws `Error` when the bytes are no UTF-8.
+/// UTF-8 as UTF-16. Throws `Error` when the bytes are not UTF-8.
 [[nodiscard]] std::u16string wideOf(std::string_view text);
 
 /// UTF-16 as UTF-8; empty when a surrogate stands alone.

@@ -29,7 +29,7 @@ class Transaction {
   /// confirmed is committed, whatever goes wrong afterwards.
   void commit();
 
-  /// That the server has nothing left to undo is no failure.
+  /// That the server has nothing left to undo is not a failure.
   void rollback();
 
   /// To be called before a statement: refuses it in a transaction that the server has undone, and

@@ -61,7 +61,7 @@ class CLSCO_AZIENDECOLL {
   void ControllaDittaCollegata() noexcept;
 
   /// Sets `DitteCollegate`: the companies linked to this main company, then the company itself,
-  /// parted by ", "; "" when there are none. Sets `IndTipoCont` from the first link.
+  /// separated by ", "; "" when there are none. Sets `IndTipoCont` from the first link.
   void DitteCollegate() noexcept;
 
   /// Sets `Grst_DitteCollegate`: the companies linked to this main company, in no order; an open
@@ -74,7 +74,7 @@ class CLSCO_AZIENDECOLL {
   void RecordsetDitteCollegateOPrincipale() noexcept;
 
   /// Sets `DitteCollegate`: the other companies of the group, whether the company is the main one
-  /// or linked, then the company itself, parted by ", "; "" when it takes part in no link. Sets
+  /// or linked, then the company itself, separated by ", "; "" when it takes part in no link. Sets
   /// `IndTipoCont` from the first row. Failures: " in DitteCollegatePiuPrincipale".
   void DitteCollegatePiuPrincipale() noexcept;
 

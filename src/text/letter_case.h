@@ -39,8 +39,8 @@ constexpr bool equalsIgnoringCase(std::string_view left, std::string_view right)
 }  // namespace ascii
 
 /// The small letter of a capital one: Latin with its accents, Greek, Cyrillic. Every other code
-/// point itself; among them the dotted and dotless i of Turkish, which are no pair of either. The
-/// small letter has as many bytes as the capital one.
+/// point itself; among them the dotted and dotless i of Turkish, which are not each other's case.
+/// The small letter has as many bytes as the capital one.
 [[nodiscard]] std::uint32_t foldCase(std::uint32_t codePoint);
 
 /// `text` with its capital letters made small. Malformed bytes stay.

@@ -5,7 +5,7 @@
 
 namespace azcoll::tsql {
 
-/// The reserved words that the grammar names. The others are told apart only by what they open:
+/// The reserved words that the grammar names. The others differ only in what they open:
 /// a statement of T-SQL outside this system, a value without parentheses, a full-text or row-set
 /// function outside this system, or nothing here.
 enum class Keyword : std::uint8_t {

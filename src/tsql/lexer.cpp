@@ -20,6 +20,7 @@ std::string Token::value() const {
       inner = inner.substr(1, inner.size() - 2);
       break;
     case TokenKind::UnclosedQuote:
+      // N' or the mark alone; there is none at the end.
       inner.remove_prefix(hasClass(inner.front(), kWordStart) ? 2 : 1);
       return std::string(inner);
     default:
@@ -48,6 +49,7 @@ Token Lexer::next() {
     return take(TokenKind::End, at_);
   }
   const char c = text_[at_];
+  // In front of symbols: a number may begin with its point.
   if (startsNumber(text_, at_)) {
     return takeNumber();
   }
@@ -99,6 +101,7 @@ Token Lexer::take(TokenKind kind, std::size_t end, Keyword keyword) {
   token.kind = kind;
   token.keyword = keyword;
   token.raw = text_.substr(at_, end - at_);
+  // From the last place on, so that a text is read once for all its positions.
   token.position = located_ = positionAt(text_, at_, located_);
   at_ = end;
   track(token);
@@ -137,8 +140,8 @@ Token Lexer::takeNumber() {
 
 Token Lexer::takeWord() {
   const std::size_t end = lettersEnd(wordEnd(text_, at_));
-  if (end == at_) {  // a character beyond ASCII that is no letter
-    // A byte that is no UTF-8 has no length: the lexer moves on all the same.
+  if (end == at_) {  // a character beyond ASCII that is not a letter
+    // A byte that is not UTF-8 has no length: the lexer moves on all the same.
     return take(TokenKind::Unexpected,
                 at_ + std::max<std::size_t>(decodeUtf8(text_, at_).length, 1));
   }
@@ -148,6 +151,7 @@ Token Lexer::takeWord() {
   }
   const bool isValue = keyword == Keyword::Null && values_.atValue();
   Token token = take(TokenKind::Reserved, end, keyword);
+  // As in the shape, where this NULL stands for any value.
   if (isValue) {
     token.ordinal = literalCount_++;
   }

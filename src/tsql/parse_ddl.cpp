@@ -243,6 +243,7 @@ void Parser::parseReferences(ConstraintDefinition& constraint) {
     if (!accept(Keyword::Delete)) {
       expect(Keyword::Update);
     }
+    // NO ACTION is what happens anyway.
     if (!isWord("NO")) {
       failOutside("foreign keys that change rows (CASCADE, SET NULL, SET DEFAULT)");
     }
@@ -333,6 +334,7 @@ DropStatement Parser::parseDrop() {
   drop.name = parseObjectName(4);
   if (drop.kind == "INDEX" && accept(Keyword::On)) {
     ObjectName table = parseObjectName(3);
+    // `DROP INDEX i ON t` and `DROP INDEX t.i` become the same: the table's name, then the index's.
     table.position = drop.name.position;
     table.parts.push_back(drop.name.parts.back());
     drop.name = std::move(table);

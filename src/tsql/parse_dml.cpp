@@ -41,6 +41,7 @@ InsertStatement Parser::parseInsert() {
   }
   accept(Keyword::Into);
   insert.target = parseTarget();
+  // A parenthesis opens the list of columns, or a query.
   const bool queryFollows = peek().keyword == Keyword::Select || peek().raw == "(";
   if (is(Symbol::LeftParenthesis) && !queryFollows) {
     insert.columns = parseNameList();
@@ -71,6 +72,7 @@ std::vector<std::vector<ExpressionPtr>> Parser::parseValues() {
     expect(Symbol::LeftParenthesis);
     std::vector<ExpressionPtr> row;
     do {
+      // No expression: the column's default.
       if (accept(Keyword::Default)) {
         row.push_back(nullptr);
       } else {

@@ -186,6 +186,7 @@ ExpressionPtr Parser::parseIn(ExpressionPtr left, bool negated) {
     return makeExpression(position, InQuery{std::move(left), std::move(query), negated});
   }
   InList list{std::move(left), parseScalarList(), negated};
+  // `IN ((SELECT …) UNION …)` looks like a list of one value up to the UNION.
   auto* const first = std::get_if<ScalarQuery>(&list.items[0]->node);
   if (list.items.size() == 1 && continueQuery(first)) {
     expect(Symbol::RightParenthesis);
@@ -221,6 +222,7 @@ ExpressionPtr Parser::parseArithmetic(int minimum, Inside inside) {
   if (inside == Inside::ValueOrCondition && isCondition(*left)) {
     return left;
   }
+  // `T.*` is a whole item: nothing is calculated with it.
   if (std::holds_alternative<Star>(left->node)) {
     return left;
   }
@@ -294,6 +296,7 @@ ExpressionPtr Parser::parseReservedPrimary() {
       return parseCase();
     case Keyword::Convert:
       return parseConvert();
+    // Reserved words that name functions only in front of a parenthesis.
     case Keyword::Coalesce:
     case Keyword::Nullif:
     case Keyword::Left:
@@ -358,6 +361,7 @@ ExpressionPtr Parser::parseNamePrimary() {
   ObjectName name = parseObjectName(4);
   if (is(Symbol::Dot)) {  // parseObjectName() stops in front of `.*`
     advance();
+    // A star with a table's name opens an item of a select list and stands nowhere else.
     if (position.offset != starOffset_) {
       fail();
     }
@@ -385,6 +389,7 @@ ExpressionPtr Parser::parseCall(ObjectName name) {
     advance();
   } else if (!is(Symbol::RightParenthesis)) {
     call.distinct = accept(Keyword::Distinct);
+    // ALL says what holds without it.
     if (!call.distinct) {
       accept(Keyword::All);
     }
@@ -400,7 +405,7 @@ ExpressionPtr Parser::parseCall(ObjectName name) {
   return makeExpression(position, std::move(call));
 }
 
-/// The calls whose arguments are no plain list; null when the current word is none of them.
+/// The calls whose arguments are not a plain list; null when the current word is none of them.
 ExpressionPtr Parser::parseSpecialCall() {
   if (isWord("CAST")) {
     return parseCast();

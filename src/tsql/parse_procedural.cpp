@@ -109,6 +109,7 @@ Statement Parser::parseUnreservedStatement() {
 DeclareStatement Parser::parseDeclare() {
   DeclareStatement declare;
   advance();
+  // DECLARE name CURSOR: variables begin with `@`.
   if (isName()) {
     failOutside("cursors");
   }
@@ -190,6 +191,7 @@ IfStatement Parser::parseIf() {
   advance();
   statement.condition = parseCondition();
   statement.then = parseNestedStatement();
+  // A semicolon ends the statement inside, not the IF.
   if (is(Symbol::Semicolon) && peek().keyword == Keyword::Else) {
     advance();
   }
@@ -222,6 +224,7 @@ Statement Parser::parseBegin(Position position) {
   const Nesting nesting(*this);
   BlockStatement block;
   block.statements = parseStatementsUntil(Keyword::End);
+  // T-SQL has no empty block.
   if (block.statements.empty()) {
     fail();
   }
@@ -270,6 +273,7 @@ bool Parser::startsValue() const {
 ReturnStatement Parser::parseReturn() {
   ReturnStatement statement;
   advance();
+  // RETURN ends without a mark of its own: the next statement may follow at once.
   if (startsValue()) {
     statement.value = parseScalar();
   }

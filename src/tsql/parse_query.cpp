@@ -32,6 +32,7 @@ QueryPtr Parser::parseQuery() {
 
 /// A query inside another statement or query, without its parentheses.
 QueryPtr Parser::parseSubquery() {
+  // 1033 is reported at the subquery's own beginning.
   const Token place = current_;
   ++subqueries_;
   QueryPtr query = parseQuery();
@@ -128,6 +129,7 @@ std::optional<Top> Parser::parseTop() {
     top.count = parseScalar();
     expect(Symbol::RightParenthesis);
   } else if (current_.kind == TokenKind::Integer) {
+    // Without parentheses TOP takes a number only.
     top.count = takeLiteral();
   } else {
     fail();
@@ -152,6 +154,7 @@ SelectItem Parser::parseSelectItem() {
     advance();
     return item;
   }
+  // Only a SELECT that is a statement gives values to variables.
   if (current_.kind == TokenKind::Variable && subqueries_ == 0) {
     const Symbol behind = peek().symbol;
     if (behind == Symbol::CompoundAssignment) {
@@ -172,6 +175,7 @@ SelectItem Parser::parseSelectItem() {
     item.expression = parseScalar();
     return item;
   }
+  // `T.*` may stand here, and is recognised by its place.
   starOffset_ = current_.position.offset;
   item.expression = parseScalar();
   if (!std::holds_alternative<Star>(item.expression->node)) {

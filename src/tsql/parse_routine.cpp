@@ -32,6 +32,7 @@ CreateProcedureStatement Parser::parseCreateProcedure(Position start) {
     failOutside("options of a procedure (WITH, FOR)");
   }
   expect(Keyword::As);
+  // A procedure's body reaches to the end of the batch, with or without BEGIN and END.
   procedure.body = parseStatementsUntil(Keyword::None);
   if (procedure.body.empty()) {
     fail();

@@ -81,6 +81,7 @@ TableSourcePtr Parser::parseJoins(TableSourcePtr left) {
     } else {
       join.right = parseSource();
     }
+    // The kinds before Cross have an ON.
     if (join.kind < JoinKind::Cross) {
       if (atJoin()) {  // `A JOIN B JOIN C ON … ON …`
         const Nesting nesting(*this);
@@ -211,6 +212,7 @@ Parser::SourceOrQuery Parser::parseInParentheses() {
     result.query = parseSubquery();
   } else if (is(Symbol::LeftParenthesis)) {
     SourceOrQuery inner = parseInParentheses();
+    // Still a query: more parentheses around it, or an operand of a set operation.
     if (inner.query && (atSetOperator() || is(Symbol::RightParenthesis))) {
       result.query = std::move(inner.query);
       if (atSetOperator()) {

@@ -26,6 +26,7 @@ Parser::Parser(std::string_view text) : lexer_(text) {
 // ---------------------------------------------------------------- tokens
 
 void Parser::advance() {
+  // A constant passed here becomes part of the tree; takeLiteral() takes it back.
   if (current_.isConstant()) {
     structural_.push_back(current_.ordinal);
   }
@@ -174,9 +175,11 @@ std::string Parser::takeAnyName(const Token& token) {
            "as \"\" or [] are not allowed. Change the alias to a valid name.",
            token);
   }
+  // What follows could be lost: many interfaces take a name to end there.
   if (name.find('\0') != std::string::npos) {
     failAt(0, "Outside the supported T-SQL: a name with a zero character.", token);
   }
+  // Bytes first: they are at least as many as characters.
   if (name.size() > kMaxShown && leftCharacters(name, kMaxShown).size() < name.size()) {
     failAt(103,
            "The identifier that starts with '" + std::string(leftCharacters(name, kMaxShown)) +
@@ -191,6 +194,7 @@ ObjectName Parser::parseObjectName(std::size_t maxParts) {
   name.position = current_.position;
   const Token first = current_;
   name.parts.push_back(takeName());
+  // `T.*` belongs to the caller.
   while (is(Symbol::Dot) && peek().symbol != Symbol::Star) {
     advance();
     if (is(Symbol::Dot)) {
@@ -215,6 +219,7 @@ ObjectName Parser::parseTableName() {
     advance();
     return name;
   }
+  // Everywhere behind the parser `@` at the start means a table variable.
   if (current_.kind == TokenKind::QuotedName && current_.raw.substr(1, 1) == "@") {
     failOutside("a table whose name begins with @");
   }

@@ -43,15 +43,16 @@ ClassByte classOf(LiteralKind kind) {
   }
 }
 
-/// One pass over a text: what is no constant is copied to the key span by span.
+/// One pass over a text: what is not a constant is copied to the key span by span.
 class ShapeScanner {
  public:
   ShapeScanner(std::string_view text, Shape& shape) : text_(text), shape_(shape) {}
 
   void run() {
     shape_.literals.clear();
-    // Bytes that are no UTF-8 must reach the parser, which refuses them, in a constant too.
+    // Bytes that are not UTF-8 must reach the parser, which refuses them, in a constant too.
     shape_.cacheable = findMalformedUtf8(text_) == std::string_view::npos;
+    // A constant takes one byte of the key and at least one of the text.
     shape_.key.resize(text_.size());
     while (at_ < text_.size()) {
       step();
@@ -105,6 +106,7 @@ class ShapeScanner {
       case '"':
         quotedName('"');
         return;
+      // A digit in a variable's name is not a number.
       case '@':
       case '$':
         at_ = wordEnd(text_, at_);
@@ -159,6 +161,7 @@ class ShapeScanner {
     copyUpTo(at_);
     ClassByte byte = classOf(kind);
     if (values_.atValue()) {
+      // The constant must be the whole value: `1 + 2` is no single one.
       const char behind = byteAt(text_, classEnd(text_, end, kBlank));
       if (behind == ',' || behind == ')') {
         byte = kValue;

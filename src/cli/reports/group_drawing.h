@@ -19,7 +19,7 @@ namespace azcoll::cli {
 /// XML does not allow are replaced.
 [[nodiscard]] std::string labelText(std::string_view text);
 
-/// `text` in lines of at most `width` characters, parted at blanks; a longer word is cut.
+/// `text` in lines of at most `width` characters, broken at blanks; a longer word is cut.
 [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
 }  // namespace azcoll::cli

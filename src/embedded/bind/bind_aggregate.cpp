@@ -63,6 +63,7 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   inside.aggregates = false;
   const auto* const literal = std::get_if<tsql::Literal>(&argument.node);
   const bool constant = literal != nullptr && literal->kind != tsql::LiteralKind::Null;
+  // COUNT(1) counts rows: its constant needs no slot.
   if (counts && !call.distinct && (constant || std::holds_alternative<tsql::Star>(argument.node))) {
     return computed("count(*)", countType, {});
   }

@@ -137,6 +137,7 @@ BoundSources QueryBinder::inlineApplied(const tsql::FunctionTable& function,
   QueryBinder body(context, translation_);
   Reach reach = bindArguments(*routine, function, Clause{scope}, body);
   Scope inner(nullptr);
+  // The body's table joins the sources around it: it is of their query.
   inner.level = scope.level;
   const Clause insideBody{inner};
   const BoundSources from = body.bindSources(select->from, inner);

@@ -68,6 +68,7 @@ std::size_t ChangeBinder::findTarget(const tsql::NamedTable& target, Scope& scop
                                      std::string& from) {
   const std::string& name = target.name.parts.back();
   const std::string folded = foldCase(name);
+  // A bare name may be an alias of the clause, which goes before a table of that name.
   if (target.name.parts.size() == 1) {
     for (std::size_t i = 0; i < scope.sources.size(); ++i) {
       if (scope.sources[i].folded == folded) {
@@ -106,9 +107,10 @@ ChangeBinder::Target ChangeBinder::bindTarget(const tsql::NamedTable& target,
   const std::size_t index = findTarget(target, scope, change.from);
   change.table = scope.sources[index].table;
   if (!change.table) {
-    refuse(context_.text, target.name.position, "a change of what is no table");
+    refuse(context_.text, target.name.position, "changing something that is not a table");
   }
   change.source = scope.sources[index].sqlName;
+  // FROM repeats the target alone: the same as none.
   if (scope.sources.size() == 1) {
     change.from.clear();
   }
@@ -156,6 +158,7 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
   const Table& table = *bound.table;
   for (const tsql::Assignment& assignment : statement.assignments) {
     const auto column = table.find(assignment.column.parts.back());
+    // For the report of a broken key: SQL Server compares keys when all rows are written.
     if (column && assignment.value && dependsOnRow(*assignment.value)) {
       bound.computed.push_back(*column);
     }
@@ -166,6 +169,7 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
           ? expressions_.bindCondition(*statement.where, Clause{scope}, Unknown::AsFalse).sql
           : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
+  // Without another table and without a query nothing reads what the statement writes.
   if (change.from.empty() && translation_.queries == 0) {
     const std::string set = joinAll(assigned, ",", [&](const auto& assignment) {
       return quoteName(table.columns[assignment.first].name) + "=" + assignment.second;

@@ -57,6 +57,7 @@ BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expressio
   const tsql::Position& position = expression.position;
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
     if (unary->op == tsql::UnaryOperator::Not) {
+      // Under NOT unknown stays unknown, while false becomes true.
       const BoundCondition operand = bindCondition(*unary->operand, clause, Unknown::Kept);
       return {"NOT (" + operand.sql + ")", operand.reach};
     }
@@ -66,6 +67,7 @@ BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expressio
       const BoundCondition left = bindCondition(*binary->left, clause, unknown);
       const BoundCondition right = bindCondition(*binary->right, clause, unknown);
       const Reach reach = left.reach | right.reach;
+      // AND needs no parentheses: an OR inside it has its own.
       return {binary->op == tsql::BinaryOperator::And ? left.sql + " AND " + right.sql
                                                       : "(" + left.sql + " OR " + right.sql + ")",
               reach};
@@ -120,6 +122,7 @@ std::optional<bool> ExpressionBinder::foldConstants(const tsql::Binary& node) {
   if (!a || !b) {
     return std::nullopt;
   }
+  // The outcome, not the numbers, is in the plan.
   constants_.guardText(*left);
   constants_.guardText(*right);
   return holds(node.op, *a <=> *b);
@@ -128,6 +131,7 @@ std::optional<bool> ExpressionBinder::foldConstants(const tsql::Binary& node) {
 BoundCondition ExpressionBinder::compare(std::string_view op, BoundExpression& left,
                                          BoundExpression& right, const tsql::Position& position) {
   const Type common = constants_.unify({&left, &right}, position);
+  // A column brings its collation along; two computed texts would be compared byte by byte.
   const bool plain = left.isColumn || right.isColumn;
   const std::string a = constants_.coerceToCompare(left, common);
   const std::string b = constants_.coerceToCompare(right, common);
@@ -137,6 +141,7 @@ BoundCondition ExpressionBinder::compare(std::string_view op, BoundExpression& l
   }
   test += std::string(op) + b;
   BoundCondition bound{"(" + a + test + ")", left.reach | right.reach};
+  // For InRewrite, which may apply the test to another column.
   if (left.isColumn && a == left.sql) {
     bound.column = a;
     bound.test = test;
@@ -149,11 +154,13 @@ BoundCondition ExpressionBinder::bindBetween(const tsql::Between& node,
   BoundExpression operand = bind(*node.operand, clause);
   BoundExpression low = bind(*node.low, clause);
   BoundExpression high = bind(*node.high, clause);
+  // T-SQL compares with each limit in a type of its own; here all three share one.
   if (operand.type.isText() && low.type.isText() != high.type.isText()) {
     refuse(context_.text, position, "BETWEEN a text and a number");
   }
   const Type common = constants_.unify({&operand, &low, &high}, position);
   std::string sql = "(" + constants_.coerceToCompare(operand, common);
+  // SQLite compares with both limits by the collation of what stands on the left.
   if (common.isText() && !operand.isColumn) {
     sql += kCollateClause;
   }
@@ -170,6 +177,7 @@ BoundCondition ExpressionBinder::bindLike(const tsql::Like& node, const tsql::Po
   if (operand.type.isFloat()) {
     refuse(context_.text, position, "LIKE on a floating-point number");
   }
+  // SQLite's own LIKE has no sets of characters and folds ASCII letters only.
   std::string sql = node.negated ? "(NOT ts_like(" : "(ts_like(";
   sql += operand.sql + "," + pattern.sql + ",";
   Reach reach = operand.reach | pattern.reach;
@@ -197,6 +205,7 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
   const Type common = constants_.unify(all, position);
   const std::string left = constants_.coerceToCompare(operand, common);
   std::string test;
+  // SQLite compares with a list by the collation of what stands on the left.
   if (common.isText() && !operand.isColumn) {
     test += kCollateClause;
   }
@@ -248,6 +257,7 @@ BoundCondition ExpressionBinder::bindInQuery(const tsql::InQuery& node,
   std::string negation = node.negated ? " NOT IN (" : " IN (";
   if (query.select && !query.select->correlations.empty()) {
     BoundSelect& select = *query.select;
+    // A plain SELECT: its column can be converted in place.
     column.sql = constants_.coerce(inner, common, Conversion::Compare);
     std::string outer = "(" + left;
     for (const Correlation& correlation : select.correlations) {
@@ -261,6 +271,7 @@ BoundCondition ExpressionBinder::bindInQuery(const tsql::InQuery& node,
   if (same) {
     return {"(" + left + negation + render(query) + "))", reach};
   }
+  // Converted around the query: DISTINCT and UNION inside it work on the values as they are.
   inner.sql = "c1";
   return {"(" + left + negation + "SELECT " +
               constants_.coerce(inner, common, Conversion::Compare) + " FROM (" + render(query) +
@@ -270,6 +281,8 @@ BoundCondition ExpressionBinder::bindInQuery(const tsql::InQuery& node,
 
 BoundCondition ExpressionBinder::bindExists(const tsql::Exists& node, const Clause& clause) {
   BoundQuery query = queries_.bindQuery(*node.query, &clause, {});
+  // The list of an EXISTS is bound for its errors and never evaluated. Groups and TOP decide
+  // whether there is a row, so they stay.
   if (query.select && !query.select->grouped && query.select->limit.empty()) {
     return {"EXISTS (SELECT 1" + renderTail(*query.select) + ")", query.reach()};
   }

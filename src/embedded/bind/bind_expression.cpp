@@ -110,6 +110,7 @@ BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql:
                                             const Clause& clause) {
   BoundExpression operand = bind(*node.operand, clause);
   if (operand.type.isText() || operand.type.isDate()) {
+    // A plus leaves a text as it is.
     const bool minus = node.op == tsql::UnaryOperator::Minus;
     if (!minus && operand.type.isText()) {
       return operand;
@@ -124,6 +125,7 @@ BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql:
     return operand;
   }
   if (operand.literal != nullptr && operand.pending) {
+    // Part of the constant: the slot turns its sign, and the number still waits for what it meets.
     operand.pending->negate = !operand.pending->negate;
     return operand;
   }
@@ -132,6 +134,7 @@ BoundExpression ExpressionBinder::bindUnary(const tsql::Unary& node, const tsql:
     return computed("ts_wide_negate(" + sql + ")", operand.type, operand.reach);
   }
   if (operand.type.isInteger()) {
+    // The least number of a type has no positive counterpart in it.
     return computed("ts_integer(-(" + sql + ")," + typeCode(operand.type) + ")", operand.type,
                     operand.reach);
   }
@@ -160,6 +163,7 @@ BoundExpression ExpressionBinder::bindArithmetic(const tsql::Binary& node,
     refuse(context_.text, position, "arithmetic with dates (use DATEADD and DATEDIFF)");
   }
   if (left.type.isText() && right.type.isText()) {
+    // In the order of BinaryOperator.
     constexpr std::string_view kVerbs[]{"add", "subtract", "multiply", "divide", "modulo"};
     throw SqlError(8117, "Operand data type " + std::string(typeName(left.type)) +
                              " is invalid for " +
@@ -181,6 +185,8 @@ BoundExpression ExpressionBinder::joinTexts(BoundExpression& left, BoundExpressi
                      left.type.isText() && right.type.isText();
   const Type type{common.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar,
                   known ? left.type.length + right.type.length : kUnlimited, 0, 0};
+  // By itself: C++ does not say which operand of + is evaluated first, and parameters are numbered
+  // as they come.
   const std::string a = constants_.inOwnType(left);
   return computed("(" + a + "||" + constants_.inOwnType(right) + ")", type,
                   left.reach | right.reach);
@@ -210,6 +216,7 @@ BoundExpression ExpressionBinder::evaluateDecimals(tsql::BinaryOperator op, Boun
   if (op == tsql::BinaryOperator::Divide || op == tsql::BinaryOperator::Modulo) {
     refuse(context_.text, position, "division of decimals");
   }
+  // An integer counts as a decimal of all the digits that its type can have.
   const auto asDecimal = [&](BoundExpression& operand) {
     if (operand.type.isText()) {  // takes the type of the decimal that it meets
       return left.type.isText() ? right.type : left.type;

@@ -112,10 +112,12 @@ BoundExpression ExpressionBinder::bindIsNull(const tsql::FunctionCall& call, con
   requireArguments(call, 2, 2);
   BoundExpression checked = bind(*call.arguments[0], clause);
   BoundExpression replacement = bind(*call.arguments[1], clause);
+  // NULL has no type of its own to convert the replacement to.
   if (checked.type.kind == TypeKind::Null) {
     replacement.reach |= checked.reach;
     return replacement;
   }
+  // Unlike COALESCE, ISNULL has the type of its first argument, and cuts the second one to it.
   const Type type = checked.type;
   const std::string first = constants_.inOwnType(checked);
   return computed(
@@ -130,6 +132,7 @@ BoundExpression ExpressionBinder::bindNullIf(const tsql::FunctionCall& call,
   BoundExpression other = bind(*call.arguments[1], clause);
   const Type type = value.type;
   const Type common = constants_.unify({&value, &other}, position);
+  // NULLIF gives its first argument as it was, which could not be compared as it is.
   if (!sameForm(type, common)) {
     refuse(context_.text, position, "NULLIF of different types");
   }
@@ -145,7 +148,7 @@ BoundExpression ExpressionBinder::bindAbs(const tsql::FunctionCall& call,
   requireArguments(call, 1, 1);
   BoundExpression value = bind(*call.arguments[0], clause);
   if (!value.type.isNumber()) {
-    refuse(context_.text, position, "ABS of what is no number");
+    refuse(context_.text, position, "ABS of a value that is not a number");
   }
   const std::string sql = constants_.inOwnType(value);
   if (value.type.isWide()) {
@@ -190,7 +193,7 @@ int ExpressionBinder::bindStyle(const tsql::Expression& expression, const Type& 
                                 const Type& to) {
   const auto* const literal = std::get_if<tsql::Literal>(&expression.node);
   if (literal == nullptr || literal->kind != tsql::LiteralKind::Integer) {
-    refuse(context_.text, expression.position, "CONVERT with a style that is no constant");
+    refuse(context_.text, expression.position, "CONVERT with a style that is not a constant");
   }
   constants_.guardText(*literal);
   const auto number = Decimal::parse(literal->text);
@@ -262,6 +265,7 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
       arguments.push_back(text.sql);
       reach |= text.reach;
       unicode = unicode || text.type.isUnicode();
+      // Functions that do not build give no text longer than their first one.
       length = i == 0 && text.type.isText() ? text.type.length : length;
     } else {
       BoundExpression number = bind(*call.arguments[i], clause);
@@ -271,6 +275,7 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
     }
   }
   const Type kind = unicode ? kNVarChar : kVarChar;
+  // The length of what these build is not known beforehand.
   const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
   return computed(std::string(found->sqlName) + "(" + joinAll(arguments, ",") + ")",
                   found->givesWholeNumber ? kInt : textResult(kind, grows ? kUnlimited : length),

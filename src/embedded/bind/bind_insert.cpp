@@ -52,6 +52,7 @@ void checkPositional(const Table& table, std::size_t values, std::size_t columns
   if (values == columns) {
     return;
   }
+  // A value for every column, the identity included.
   if (table.identity && values == table.columns.size()) {
     throw SqlError(8101, "An explicit value for the identity column in table '" + table.name +
                              "' can only be specified when a column list is used and "
@@ -105,6 +106,8 @@ std::string ChangeBinder::defaultOf(const Table& table, std::size_t column) {
   if (info.defaultValue == nullptr) {
     return "NULL";
   }
+  // The default stands in the table's definition: its constants have no ordinals in this text, and
+  // it sees none of its variables.
   BindContext context = context_;
   context.constantsInside = true;
   context.variables = nullptr;
@@ -134,6 +137,7 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
     values.reserve(row.size() + defaults.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
       if (!row[i]) {
+        // The word DEFAULT.
         values.push_back(defaultOf(table, columns[i]));
         continue;
       }
@@ -141,6 +145,7 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
       values.push_back(
           constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign));
     }
+    // SQLite's tables have no defaults of their own: they are part of each statement.
     for (const std::size_t column : defaults) {
       values.push_back(defaultOf(table, column));
     }
@@ -153,6 +158,7 @@ std::string ChangeBinder::insertQuery(const tsql::InsertStatement& statement, co
                                       const std::vector<std::size_t>& columns,
                                       const std::vector<std::size_t>& defaults) {
   QueryUse use;
+  // The query of an INSERT may be ordered.
   use.orderNeedsTop = false;
   BoundQuery query = queries_.bindQuery(*statement.query, nullptr, use);
   const std::size_t count = query.columns().size();
@@ -167,6 +173,8 @@ std::string ChangeBinder::insertQuery(const tsql::InsertStatement& statement, co
     targets.push_back(table.columns[column].type);
   }
   queries_.fixTypesForInsert(query, targets);
+  // fixTypesForInsert() has put a DISTINCT or UNION into a query inside: constants in the list
+  // outside do not touch it.
   for (const std::size_t column : defaults) {
     OutputColumn value;
     value.sql = defaultOf(table, column);
@@ -193,6 +201,7 @@ BoundChange ChangeBinder::bindInsert(const tsql::InsertStatement& statement) {
   }
   if (statement.defaultValues) {
     bound.sql = "INSERT INTO " + table.sqlName;
+    // An identity counts, everything else is NULL.
     if (defaults.empty()) {
       bound.sql += " DEFAULT VALUES";
       return bound;

@@ -50,6 +50,7 @@ bool aggregates(const tsql::QuerySpecification& specification, const tsql::Query
 
 BoundQuery QueryBinder::bindQuery(const tsql::Query& query, const Clause* outer,
                                   const QueryUse& use) {
+  // An UPDATE with a query inside is written in another way (updateByKey).
   ++translation_.queries;
   const auto* const specification = std::get_if<tsql::QuerySpecification>(&query.body);
   if (!query.orderBy.empty() && use.orderNeedsTop &&
@@ -86,12 +87,14 @@ BoundQuery QueryBinder::bindSetOperation(const tsql::SetOperation& operation,
 void QueryBinder::bindSpecification(const tsql::QuerySpecification& specification,
                                     const tsql::Query& query, const Clause* outer,
                                     const QueryUse& use, BoundSelect& select) {
+  // FROM first: all other clauses look their names up in its sources.
   Scope scope(outer);
   select.distinct = specification.distinct;
   BoundSources sources = bindSources(specification.from, scope);
   select.from = std::move(sources.sql);
   select.reach = sources.reach;
   const bool grouped = !specification.groupBy.empty() || aggregates(specification, query);
+  // A condition taken out of WHERE would change the rows that groups, TOP and DISTINCT work on.
   const bool plain = !grouped && !specification.top && !specification.distinct;
   if (specification.where) {
     bindWhere(*specification.where, scope, plain ? use : QueryUse{}, select);
@@ -99,12 +102,14 @@ void QueryBinder::bindSpecification(const tsql::QuerySpecification& specificatio
   Grouping grouping;
   bindGroupBy(specification, Clause{scope}, grouping, select);
   select.grouped = grouped;
+  // HAVING alone makes one group, which SQLite sees only where the list has an aggregate.
   select.oneGroup = grouped && specification.groupBy.empty() && !selectsAggregate(specification);
   Clause clause{scope};
   clause.grouping = grouped ? &grouping : nullptr;
   clause.aggregates = grouped;
   bindItems(specification, clause, use, select);
   if (specification.having) {
+    // Each clause has a number of its own for a column that is neither grouped nor aggregated.
     clause.number = 8121;
     clause.name = "HAVING clause";
     BoundCondition having =
@@ -118,8 +123,10 @@ void QueryBinder::bindSpecification(const tsql::QuerySpecification& specificatio
   clause.number = 8127;
   clause.name = "ORDER BY clause";
   bindOrderBy(query, clause, select);
+  // Such a query needs no check that it gives a single value (512).
   const bool oneRow = specification.from.empty() || (grouped && specification.groupBy.empty());
   select.atMostOneRow = select.atMostOneRow || oneRow;
+  // Only now is it known whether anything but the equations taken out refers to the queries around.
   const std::uint64_t outside = select.reach.levels & outerLevels(scope.level);
   select.correlated = outside != 0;
   InRewrite::putBack(select);
@@ -132,6 +139,7 @@ void QueryBinder::bindSpecification(const tsql::QuerySpecification& specificatio
 void QueryBinder::bindItems(const tsql::QuerySpecification& specification, const Clause& clause,
                             const QueryUse& use, BoundSelect& select) {
   for (const tsql::SelectItem& item : specification.items) {
+    // Either all items assign or none does.
     if (item.assignTo.empty() == use.assigns) {
       throw SqlError(141,
                      "A SELECT statement that assigns a value to a variable must not be "
@@ -164,6 +172,8 @@ void QueryBinder::expandStar(const tsql::Star& star, const Clause& clause, Bound
   const std::string wanted =
       star.qualifier.parts.empty() ? "" : foldCase(star.qualifier.parts.back());
   bool found = false;
+  // Written out: SQLite's star would also give the column that holds the rowid of a table without a
+  // key.
   for (const Source& source : clause.scope.sources) {
     if (!wanted.empty() && source.folded != wanted) {
       continue;
@@ -232,7 +242,9 @@ void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, con
     if (bound.isColumn) {
       grouping.columns.insert(sql);
     } else {
+      // The list repeats an expression by its text.
       grouping.printed.insert(foldCase(tsql::print(*key)));
+      // Groups are formed by the collation, which an expression has lost.
       if (bound.type.isText()) {
         sql += kCollateClause;
       }
@@ -257,6 +269,7 @@ void QueryBinder::bindTop(const tsql::Top& top, BoundSelect& select) {
   BoundExpression count = expressions_.bind(*top.count, Clause{nothing});
   select.reach |= count.reach;
   constants_.requireConvertible(count.type, kBigInt, top.count->position);
+  // Checked when it runs: SQLite takes a negative LIMIT for none.
   select.limit = "ts_top(" + constants_.coerce(count, kBigInt, Conversion::Cut) + ")";
 }
 
@@ -270,6 +283,7 @@ std::optional<std::size_t> QueryBinder::outputPosition(const tsql::Expression& e
       throw SqlError(408,
                      "A constant expression was encountered in the ORDER BY list, position 1.");
     }
+    // The plan holds for this position only.
     constants_.guardText(*literal);
     const auto number = Decimal::parse(literal->text);
     const auto position = number ? number->toInteger() : std::nullopt;
@@ -300,12 +314,14 @@ std::optional<std::size_t> QueryBinder::outputPosition(const tsql::Expression& e
 
 std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause& clause,
                                        BoundSelect& select) {
+  // By its number: in SQLite's text the columns have other names (c1, c2 …).
   if (const auto position = outputPosition(*item.expression, select.columns)) {
     return std::to_string(*position + 1);
   }
   const bool checks = select.distinct;
   const std::string printed = checks ? foldCase(tsql::print(*item.expression)) : "";
   BoundExpression bound = bindKey(*item.expression, clause, KeyOf::OrderBy);
+  // SQLite would sort by the constant, that is not at all.
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
   }

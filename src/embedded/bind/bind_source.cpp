@@ -59,6 +59,7 @@ void describeDerived(BoundQuery& query, Source& source) {
       throw SqlError(8156, "The column '" + column.name + "' was specified multiple times for '" +
                                source.name + "'.");
     }
+    // A value of a group, or of several equal rows, is not that of one row.
     const bool plain = query.select && !query.select->grouped && !query.select->distinct;
     source.columns.push_back({column.name, source.sqlName + ".c" + std::to_string(number),
                               column.type,
@@ -73,6 +74,8 @@ BoundSources QueryBinder::bindSources(const std::vector<tsql::TableSourcePtr>& s
     const std::size_t first = scope.sources.size();
     const VisibleSources visible(scope, first);
     const BoundSources bound = bindSource(*source, scope);
+    // A comma becomes a JOIN without a condition. It binds less tightly than JOIN, so a later
+    // source that is a join stands in parentheses.
     if (all.sql.empty()) {
       all.sql = bound.sql;
     } else {
@@ -133,12 +136,14 @@ BoundSources QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
   const std::size_t middle = scope.sources.size();
   std::string right;
   {
+    // A join on the right sees its own sources only.
     const VisibleSources visible(scope, middle);
     BoundSources bound = bindSource(*join.right, scope);
     right = isJoin(*join.right) ? "(" + bound.sql + ")" : std::move(bound.sql);
     joined.reach |= bound.reach;
   }
   if (join.kind == tsql::JoinKind::Cross) {
+    // SQLite's CROSS JOIN would also fix the order in which the tables are read.
     joined.sql = left + " JOIN " + right;
     return joined;
   }
@@ -174,6 +179,7 @@ BoundSources QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
 BoundSources QueryBinder::bindApply(const tsql::Join& join, Scope& scope) {
   const bool outer = join.kind == tsql::JoinKind::OuterApply;
   BoundSources joined = bindSource(*join.left, scope);
+  // SQLite has no LATERAL: only what can be written out as a join is taken.
   const auto* const function = std::get_if<tsql::FunctionTable>(&join.right->node);
   if (function == nullptr) {
     refuse(context_.text, join.right->position, "APPLY of anything but a function");

@@ -61,7 +61,7 @@ void describeBase(const OutputColumn& column, const TableCounts& counts, ColumnI
   info.isIdentity = base.identity;
 }
 
-/// A key that is only partly in the result does not tell rows apart.
+/// A key that is only partly in the result does not identify a row.
 void dropPartialKeys(const std::vector<OutputColumn>& outputs, std::vector<ResultColumn>& columns) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     if (columns[i].info.baseTable.empty()) {
@@ -88,6 +88,7 @@ std::string Binder::bindSelect(const tsql::Query& query, std::vector<ResultColum
   BoundQuery bound = queries.bindQuery(query, nullptr, use);
   queries.fixTypes(bound);
   TableCounts counts;
+  // Rows of groups, of a DISTINCT and of set operations are not those of a table.
   if (bound.select && !bound.select->grouped && !bound.select->distinct) {
     countTables(query, counts);
   }
@@ -186,6 +187,7 @@ void Binder::checkFunction(const Routine& routine) {
   queries.names().enterFunction();
   for (const RoutineParameter& parameter : routine.parameters) {
     BoundExpression nothing;
+    // What stands for a parameter does not matter to the check, its type does.
     nothing.sql = "NULL";
     nothing.type = parameter.type;
     queries.names().addArgument(parameter.name, std::move(nothing));
@@ -216,6 +218,7 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   Source source;
   source.table = std::make_shared<const Table>(table);
   source.name = table.name;
+  // It has no name in the SQLite text: a CHECK names its columns bare.
   source.folded = foldCase(table.name);
   scope.sources.push_back(std::move(source));
   std::string sql =

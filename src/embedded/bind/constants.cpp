@@ -113,7 +113,7 @@ std::string Constants::inOwnType(BoundExpression& expression) {
     return expression.sql;
   }
   if (isMarker(expression)) {
-    throw SqlError(0, "Outside the supported T-SQL: a ? marker whose type nothing tells.");
+    throw SqlError(0, "Outside the supported T-SQL: a ? marker whose type cannot be determined.");
   }
   if (expression.type.kind == TypeKind::Null) {
     return "NULL";

@@ -12,11 +12,11 @@
 
 namespace azcoll::embedded {
 
-/// Constants, variables and markers on their way into a statement. They have no text before it is
-/// known what they meet, because that decides the type to which they are converted: once, when the
-/// statement is bound, instead of row by row. A plan is shared by all texts of its shape, so
+/// Constants, variables and markers on their way into a statement. They get their text only when
+/// the other operand is known, because it decides the type to which they are converted: once, when
+/// the statement is bound, instead of row by row. A plan is shared by all texts of its shape, so
 /// whatever is read off a constant here (its type, its digits, its text) is guarded: a text whose
-/// constant is otherwise gets a plan of its own.
+/// constant differs gets a plan of its own.
 class Constants {
  public:
   Constants(const BindContext& context, Translation& translation)

@@ -24,7 +24,7 @@ bool namesOneValue(const tsql::Expression& condition) {
 
 }  // namespace
 
-/// Keeps in mind what the condition demands of a column of the query by constants alone.
+/// Records what the condition demands of a column of the query by constants alone.
 void InRewrite::noteConstantFilter(const tsql::Expression& conjunct,
                                    const BoundCondition& condition, Scope& scope) {
   const tsql::Expression* operand = nullptr;
@@ -59,8 +59,8 @@ void InRewrite::addConstantFilters(const Clause* outer, BoundSelect& select) {
   }
 }
 
-/// Takes `inner = outer` out of a condition. False when the part is no such equality of two columns
-/// that compare as they are; nothing is bound then.
+/// Takes `inner = outer` out of a condition. False when the part is not such an equality of two
+/// columns that compare as they are; nothing is bound then.
 bool InRewrite::takeCorrelation(const tsql::Expression& conjunct, const Clause& clause,
                                 BoundSelect& select) {
   const auto* const binary = std::get_if<tsql::Binary>(&conjunct.node);
@@ -80,6 +80,7 @@ bool InRewrite::takeCorrelation(const tsql::Expression& conjunct, const Clause& 
   if (innerLeft == innerRight || !sameForm(a.type, b.type) || !a.isColumn || !b.isColumn) {
     return false;
   }
+  // Not part of the reach yet: a query counts as correlated by what else it takes from outside.
   select.correlationLevels |= (a.reach.levels | b.reach.levels) & outside;
   select.correlations.push_back(innerLeft ? Correlation{a.sql, b.sql} : Correlation{b.sql, a.sql});
   return true;

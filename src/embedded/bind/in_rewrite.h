@@ -16,8 +16,8 @@ class InRewrite {
   InRewrite(const Names& names, ExpressionBinder& expressions)
       : names_(names), expressions_(expressions) {}
 
-  /// Takes a part of the query's WHERE out of it where that is possible; nothing is bound where
-  /// not.
+  /// Takes a part of the query's WHERE out of it where that is possible; otherwise nothing is
+  /// bound.
   bool take(const tsql::Expression& conjunct, const Clause& clause, BoundSelect& select) {
     return takeCorrelation(conjunct, clause, select) || takeAlternatives(conjunct, clause, select);
   }
@@ -25,10 +25,10 @@ class InRewrite {
   /// When the whole query is bound: what cannot stay out of the condition goes back into it.
   static void putBack(BoundSelect& select);
 
-  /// Keeps in mind, in the scope of any query, what a part of its WHERE demands of a column.
+  /// Records, in the scope of any query, what a part of its WHERE demands of a column.
   static void noteConstantFilter(const tsql::Expression& conjunct, const BoundCondition& condition,
                                  Scope& scope);
-  /// Tells a query inside what is demanded of the columns outside that its own must equal.
+  /// Passes to an inner query the constant conditions on the outer columns it is equated with.
   static void addConstantFilters(const Clause* outer, BoundSelect& select);
 
  private:

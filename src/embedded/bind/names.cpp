@@ -94,6 +94,7 @@ BoundExpression Names::resolveQualified(const tsql::ObjectName& name, const Clau
       if (!isNamedBy(at->scope.sources[i], qualifier)) {
         continue;
       }
+      // The first source of that name decides: one further out is hidden.
       const auto match = at->scope.sources[i].find(foldCase(column));
       if (!match) {
         throw SqlError(207, "Invalid column name '" + column + "'.");
@@ -138,6 +139,7 @@ BoundExpression Names::bindVariable(const tsql::Variable& variable) const {
     bound.pending->source = SlotSource::Variable;
     bound.pending->index = static_cast<std::uint32_t>(index);
     bound.type = context_.variables->scalars[index].type;
+    // A slot would hold the value from before the first row.
     if (liveVariables_.contains(index)) {
       bound.pending.reset();
       bound.sql = "ts_var(" + std::to_string(index) + ")";

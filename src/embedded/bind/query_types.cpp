@@ -32,6 +32,8 @@ void QueryBinder::collectTypes(BoundQuery& query, std::vector<Type>& types, bool
   types.resize(columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const BoundExpression& expression = columns[i].expression;
+    // The result's type is read off the constant: one of another type needs a plan of its own. All
+    // floats have one type.
     if (expression.pending && expression.type.isNumber() && !expression.type.isFloat()) {
       constants_.guard(expression, Guard::Kind::SameType, expression.type);
     }
@@ -64,6 +66,7 @@ void QueryBinder::fixTypes(BoundQuery& query) {
   bool first = true;
   collectTypes(query, types, first);
   for (Type& type : types) {
+    // NULL in every operand: SQL Server calls the column an INT.
     if (type.kind == TypeKind::Null) {
       type = kInt;
     }
@@ -73,6 +76,7 @@ void QueryBinder::fixTypes(BoundQuery& query) {
 
 void QueryBinder::fixTypesForInsert(BoundQuery& query, const std::vector<Type>& targets) {
   std::vector<OutputColumn>& columns = query.columns();
+  // Nothing compares the rows of such a query, so each value is converted where it is computed.
   if (query.select && !query.select->distinct) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       columns[i].sql = columnText(columns[i], &targets[i], Conversion::Assign);
@@ -86,6 +90,7 @@ void QueryBinder::fixTypesForInsert(BoundQuery& query, const std::vector<Type>& 
     OutputColumn column;
     column.expression.sql = "c" + std::to_string(i + 1);
     column.expression.type = columns[i].type;
+    // The column of the query inside keeps the collation that it was given there.
     column.expression.isColumn = true;
     column.sql = columnText(column, &targets[i], Conversion::Assign);
     outer->columns.push_back(std::move(column));

@@ -71,6 +71,7 @@ class TableDescriber {
     column.nullable = definition.nullable.value_or(true);
     column.identity = definition.identity;
     column.defaultValue = definition.defaultValue.get();
+    // The one collation that there is, and the name by which a column says that it has no other.
     if (!definition.collation.empty() &&
         !ascii::equalsIgnoringCase(definition.collation, "LATIN1_GENERAL_CI_AS") &&
         !ascii::equalsIgnoringCase(definition.collation, "DATABASE_DEFAULT")) {
@@ -132,6 +133,7 @@ class TableDescriber {
     table_->key = constraint.columns;
     for (const std::size_t index : constraint.columns) {
       Column& column = table_->columns[index];
+      // A key's columns are NOT NULL without saying so; saying NULL contradicts it.
       if (definition_.columns[index].nullable.value_or(false)) {
         throw SqlError(8111, "Cannot define PRIMARY KEY constraint on nullable column in table '" +
                                  table_->name + "'.");
@@ -148,6 +150,7 @@ class TableDescriber {
       table_->rowColumn = table_->columns[*table_->identity].name;
     } else if (table_->key.empty()) {
       table_->rowColumn = "row";
+      // A name that no column has.
       while (table_->byName.contains(table_->rowColumn)) {
         table_->rowColumn += "_";
       }
@@ -224,6 +227,7 @@ Index describeIndex(const tsql::CreateIndexStatement& definition, const Table& t
 std::shared_ptr<const Routine> describeRoutine(std::string source) {
   auto routine = std::make_shared<Routine>();
   routine->source = std::move(source);
+  // From the routine's own copy of the text, to which places in messages refer.
   routine->tree = std::make_shared<const tsql::Batch>(tsql::parse(routine->source));
   const auto& node = routine->tree->statements.front()->node;
   routine->isFunction = std::holds_alternative<tsql::CreateFunctionStatement>(node);
@@ -280,6 +284,7 @@ Type declaredType(const tsql::TypeName& name, std::string_view text, std::size_t
 }
 
 Type castType(const tsql::TypeName& name, std::string_view text) {
+  // CAST(… AS VARCHAR) without a length; in a declaration it would be 1.
   constexpr std::int32_t kDefaultLength = 30;
   if (const std::optional<Type> type = typeFromName(name, kDefaultLength)) {
     return *type;

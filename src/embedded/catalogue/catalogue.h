@@ -53,7 +53,7 @@ struct Table {
   std::vector<Constraint> constraints;
   std::vector<Index> indexes;
   std::optional<std::size_t> identity;
-  std::string rowColumn;  ///< without a primary key: the column by which SQLite tells rows apart
+  std::string rowColumn;  ///< without a primary key: the column that identifies a row in SQLite
   bool hasRowid = true;
   bool isVariable = false;
   std::shared_ptr<const tsql::CreateTableStatement> definition;

@@ -15,9 +15,10 @@ namespace {
 // "AZCL": marks the file among all SQLite files.
 constexpr std::int64_t kApplicationId = 0x415A434C;
 constexpr std::int64_t kFormat = 1;
-// The format stands above the count of changes.
+// user_version has 32 bits: the format stands above the count of changes, which wraps around.
 constexpr std::int64_t kChanges = 1 << 24;
 
+/// Objects come in the order in which they were made, so the table of an index is there already.
 void loadObject(Catalogue& catalogue, const std::string& kind, std::string definition) {
   if (kind == "PROCEDURE" || kind == "FUNCTION") {
     catalogue.add(describeRoutine(std::move(definition)));
@@ -43,6 +44,7 @@ CatalogueStore::FileKind CatalogueStore::inspect() const {
   if (id == kApplicationId) {
     return format == kFormat ? FileKind::Ours : FileKind::Newer;
   }
+  // A file of SQLite's own with tables in it is somebody else's; an empty one bears no marks yet.
   const bool empty = database_->queryInteger("SELECT count(*) FROM sqlite_schema") == 0;
   return id == 0 && format == 0 && empty ? FileKind::Empty : FileKind::Foreign;
 }
@@ -61,11 +63,13 @@ std::int64_t CatalogueStore::version() const {
 }
 
 void CatalogueStore::countChange() const {
+  // Part of the file: a rollback takes the count back with the change.
   const std::int64_t changes = (version() + 1) % kChanges;
   database_->execute("PRAGMA user_version = " + std::to_string(kFormat * kChanges + changes));
 }
 
 void CatalogueStore::load(Catalogue& catalogue) const {
+  // All anew: what changed is not recorded, only that something did.
   catalogue.clear();
   const SqliteStatement rows = database_->prepare(
       "SELECT kind, definition FROM " + std::string(kCatalogueTable) + " ORDER BY position");
@@ -86,6 +90,7 @@ std::vector<std::string> CatalogueStore::definitions() const {
 
 void CatalogueStore::add(std::string_view kind, std::string_view name, std::string_view parent,
                          std::string_view definition) const {
+  // bind() copies nothing: these live until the statement has run.
   const std::string foldedName = foldCase(name);
   const std::string foldedParent = foldCase(parent);
   const SqliteStatement insert =

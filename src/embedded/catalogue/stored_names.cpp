@@ -11,6 +11,7 @@ std::string storedColumn(const Column& column) {
   const Type& type = column.type;
   const std::string name = quoteName(column.name);
   if (type.isText()) {
+    // The column's collation decides every comparison with it, and the order of its index.
     return name + " TEXT COLLATE " + kCollationName;
   }
   if (type.isDate()) {
@@ -27,6 +28,7 @@ std::string indexStoreName(const Table& table, std::string_view index) {
 }
 
 std::vector<std::size_t> referencedColumns(const Constraint& foreignKey, const Table& referenced) {
+  // REFERENCES without columns means the primary key.
   if (foreignKey.referencedColumns.empty()) {
     return referenced.key;
   }

@@ -97,7 +97,10 @@ std::shared_ptr<Plan> Compiler::compileBatch(std::string text, bool constantsIns
   for (const tsql::StatementPtr& statement : plan->tree->statements) {
     work.putOff = work.putOff || containsDefinition(*statement);
   }
+  // A definition throws all plans away, the one that runs it included.
   plan->cacheable = !work.putOff && !constantsInside;
+  // Before anything but one SELECT the engine looks whether the schema is still the one that was
+  // compiled, and never runs it twice.
   plan->changesData =
       plan->tree->statements.size() != 1 ||
       !std::holds_alternative<tsql::SelectStatement>(plan->tree->statements.front()->node);
@@ -109,6 +112,7 @@ std::shared_ptr<Plan> Compiler::compileProcedure(const Routine& routine) const {
   auto plan = std::make_shared<Plan>();
   plan->text = routine.source;
   plan->tree = routine.tree;
+  // A body has one text, so its constants need no slots.
   plan->constantsInside = true;
   Work work{*plan, plan->text};
   work.inProcedure = true;
@@ -127,6 +131,7 @@ void Compiler::checkRoutine(const Routine& routine) const {
     static_cast<void>(compileProcedure(routine));
     return;
   }
+  // No plan is kept: what would guard one is dropped.
   std::vector<Guard> guards;
   Translation translation;
   translation.guards = &guards;
@@ -149,6 +154,7 @@ PreparedStatement Compiler::prepare(Work& work, Bind bind) const {
   PreparedStatement prepared;
   prepared.sql = bind(binder);
   prepared.statement = database_.prepare(prepared.sql);
+  // Complete only now: binding the text has filled them, in the order of its parameters.
   prepared.slots = std::move(translation.slots);
   prepared.failure = std::move(translation.failure);
   return prepared;
@@ -228,6 +234,7 @@ Node Compiler::compileNode(Work& work, const tsql::Statement& statement) const {
     IfNode result;
     result.condition =
         prepare(work, [&](Binder& binder) { return binder.bindTest(*branch->condition); });
+    // Each branch may be deferred by itself: one that is not taken misses no object.
     result.then = std::make_unique<Node>(compile(work, *branch->then));
     if (branch->otherwise) {
       result.otherwise = std::make_unique<Node>(compile(work, *branch->otherwise));
@@ -268,6 +275,8 @@ Node Compiler::compileOption(Work& work, const tsql::Statement& statement) const
     if (back->value && !work.inProcedure) {
       throw SqlError(178, "A RETURN statement with a return value cannot be used in this context.");
     }
+    // Nobody can take the value (the parser refuses EXECUTE with one), so a constant has no effect,
+    // but an expression could fail.
     if (back->value && !std::holds_alternative<tsql::Literal>(back->value->node)) {
       refuse(work.text, back->value->position, "RETURN with anything but a constant");
     }
@@ -320,6 +329,7 @@ Node Compiler::compileSelect(Work& work, const tsql::SelectStatement& statement)
 
 void Compiler::declare(Work& work, const tsql::DeclareStatement& statement,
                        BlockNode& block) const {
+  // Messages about a type count the variables of the statement.
   std::size_t ordinal = 0;
   for (const tsql::VariableDeclaration& declaration : statement.variables) {
     if (declaration.table) {
@@ -328,6 +338,7 @@ void Compiler::declare(Work& work, const tsql::DeclareStatement& statement,
     }
     addVariable(work.plan.variables, declaration.name,
                 declaredType(declaration.type, work.text, ++ordinal));
+    // The declaration itself does nothing at run time; its first value is a statement in its place.
     if (declaration.initial) {
       block.statements.push_back(assign(work, declaration.name, *declaration.initial));
     }
@@ -344,9 +355,11 @@ void Compiler::declareTable(Work& work, const tsql::VariableDeclaration& declara
                             "' has already been declared. Variable names must be unique within a "
                             "query batch or stored procedure.");
   }
+  // Shares the ownership of the whole tree: the table keeps pointers to its defaults.
   const std::shared_ptr<const tsql::CreateTableStatement> definition(work.plan.tree,
                                                                      declaration.table.get());
   const std::shared_ptr<Table> table = describeTable(definition, work.text);
+  // Counted over the whole connection: plans stay side by side in the cache.
   table->storeName = "variable_" + std::to_string(++tempTables_);
   table->sqlName = "temp." + quoteName(table->storeName);
   for (const std::string& sql : tableDefinition(*table, catalogue_, work.text)) {
@@ -380,6 +393,7 @@ Node Compiler::assign(Work& work, const std::string& name, const tsql::Expressio
 Node Compiler::compileExecute(Work& work, const tsql::ExecuteStatement& statement) const {
   ExecuteNode call;
   call.routine = catalogue_.findRoutine(objectName(statement.procedure, work.text));
+  // compile() defers the call for this number: the procedure may yet be made.
   if (!call.routine || call.routine->isFunction) {
     throw SqlError(2812,
                    "Could not find stored procedure '" + statement.procedure.parts.back() + "'.");

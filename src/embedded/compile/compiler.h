@@ -31,7 +31,7 @@ class Compiler {
   /// Compiles a routine for its errors alone.
   void checkRoutine(const Routine& routine) const;
 
-  /// A statement that was put off, now that it is reached.
+  /// A deferred statement, compiled when reached.
   [[nodiscard]] Node compileDeferred(Plan& plan, const tsql::Statement& statement) const;
 
  private:

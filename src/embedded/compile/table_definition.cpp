@@ -31,6 +31,7 @@ std::string keyList(const Table& table, const std::vector<std::size_t>& columns,
 
 std::string columnDefinition(const Column& column) {
   if (column.identity) {
+    // Without AUTOINCREMENT SQLite gives the number of a deleted last row out again.
     return quoteName(column.name) + " INTEGER PRIMARY KEY AUTOINCREMENT";
   }
   return storedColumn(column) + (column.nullable ? "" : " NOT NULL");
@@ -46,8 +47,11 @@ std::vector<std::string> nullIndex(const Table& table, const std::vector<std::si
     if (column.nullable) {
       conditions.push_back(quoted + " IS NULL");
     }
+    // SQLite takes NULLs for different from each other, so the index holds other values: whether
+    // the column is missing, which distinguishes a missing value from a 0, and what is there.
     std::string part = quoted + " IS NULL,ifnull(" + quoted + ",0)";
     if (column.type.isText()) {
+      // ifnull() loses the column's collation.
       part += kCollateClause;
     }
     return part;
@@ -55,6 +59,7 @@ std::vector<std::string> nullIndex(const Table& table, const std::vector<std::si
   if (conditions.empty()) {
     return {};
   }
+  // A temporary index is named with its schema, its table without.
   std::string schema;
   if (table.isVariable) {
     schema = "temp.";
@@ -114,6 +119,7 @@ void checkForeignKey(const Table& table, const Constraint& constraint, const Tab
 
 std::string foreignKey(const Table& table, const Constraint& constraint,
                        const Catalogue& catalogue) {
+  // A table that refers to itself is not in the catalogue yet.
   const bool self = foldCase(constraint.referencedTable) == foldCase(table.name);
   const Catalogue::TablePtr found =
       self ? nullptr : catalogue.findTable(constraint.referencedTable);
@@ -135,12 +141,16 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
   std::string sql = table.isVariable ? "CREATE TEMP TABLE " : "CREATE TABLE ";
   sql += quoteName(table.storeName) + " (" + joinAll(table.columns, ",", columnDefinition);
   if (table.key.empty() && !table.identity) {
+    // Changes that gather their rows first find them by this column where there is no key.
     sql += "," + quoteName(table.rowColumn) + " INTEGER PRIMARY KEY";
   }
   std::vector<std::string> statements{""};
+  // An identity is SQLite's primary key; the table's own becomes a unique key beside it, unless it
+  // is that column.
   const bool keyIsRowid = table.key.size() == 1 && table.identity == table.key.front();
   for (std::size_t i = 0; i < table.constraints.size(); ++i) {
     const Constraint& constraint = table.constraints[i];
+    // SQLite's message about a broken CHECK gives this name.
     const std::string name = ",CONSTRAINT " + quoteName(constraint.name) + " ";
     switch (constraint.kind) {
       case tsql::ConstraintKind::PrimaryKey:
@@ -166,6 +176,7 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
         Binder binder(context, translation);
         sql += name + "CHECK (" + binder.bindCheck(*table.definition->constraints[i].check, table) +
                ")";
+        // There is no statement whose run could report it later.
         if (translation.failure) {
           throw *translation.failure;
         }
@@ -173,8 +184,11 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
       }
     }
   }
+  // STRICT: a value that conversions let through in a wrong form is refused instead of stored.
+  // WITHOUT ROWID: the rows lie in the order of their key.
   statements.front() = sql + (table.hasRowid ? ") STRICT" : ") STRICT, WITHOUT ROWID");
   if (table.identity && table.definition->columns[*table.identity].identitySeed != 1) {
+    // AUTOINCREMENT counts on from the number that this table of SQLite's holds.
     const std::int64_t seed = table.definition->columns[*table.identity].identitySeed;
     if (table.isVariable) {
       refuse(text, table.definition->name.position,

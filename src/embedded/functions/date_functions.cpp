@@ -59,6 +59,7 @@ void part(const FunctionCallFrame& frame) {
       return give(date.second);
     case 'l':
       return give(date.millisecond);
+    // The day of the year.
     default:
       return frame.give(date.dayNumber() - Date{date.year, 1, 1}.dayNumber() + 1);
   }
@@ -66,6 +67,7 @@ void part(const FunctionCallFrame& frame) {
 
 std::optional<Date> addMonths(const Date& date, std::int64_t months) {
   const std::int64_t all = std::int64_t{date.year} * 12 + date.month - 1 + months;
+  // Months since the year 0: the calendar begins with the year 1 and ends with 9999.
   if (all < 12 || all >= std::int64_t{10000} * 12) {
     return std::nullopt;
   }
@@ -83,6 +85,7 @@ std::optional<Date> addTime(const Date& date, std::int64_t count, std::int64_t u
   const std::int64_t all = timeOfDay(date) + count * unit;
   std::int64_t days = all / kDay;
   std::int64_t rest = all % kDay;
+  // C++ divides towards 0; a moment before midnight belongs to the day before.
   if (rest < 0) {
     rest += kDay;
     --days;
@@ -102,6 +105,7 @@ void add(const FunctionCallFrame& frame) {
   std::optional<Date> sum = milliseconds == 0 ? addMonths(date, frame.integer(1) * monthsOf(unit))
                                               : addTime(date, frame.integer(1), milliseconds);
   const Type type = frame.type(3);
+  // A type may end before the calendar does, and rounds to its own step.
   sum = sum ? fitDate(*sum, type) : std::nullopt;
   if (!sum) {
     throw SqlError(517, "Adding a value to a '" + std::string(typeName(type)) +

@@ -32,6 +32,7 @@ void readVariable(const FunctionCallFrame& frame) {
 }
 
 /// The value of a subquery of which at most one row is allowed.
+/// The first argument is the number of rows, two at most: the query inside stops at the second.
 void single(const FunctionCallFrame& frame) {
   if (frame.integer(0) > 1) {
     throw SqlError(512,
@@ -42,6 +43,7 @@ void single(const FunctionCallFrame& frame) {
   frame.giveArgument(1);
 }
 
+/// SQLite takes a negative LIMIT for none at all.
 void top(const FunctionCallFrame& frame) {
   if (frame.isNull(0) || frame.integer(0) < 0) {
     throw SqlError(1060,
@@ -53,6 +55,7 @@ void top(const FunctionCallFrame& frame) {
 
 constexpr std::array<FunctionEntry, 4> kGeneral{{
     {"ts_cast", 4, reportingErrors<castValue>},
+    // Not deterministic: the variable changes from row to row.
     {"ts_var", 1, reportingErrors<readVariable>, false},
     {"ts_single", 2, reportingErrors<single>},
     {"ts_top", 1, reportingErrors<top>},
@@ -65,6 +68,9 @@ void require(sqlite3* database, int code) {
 }
 
 void add(sqlite3* database, RuntimeState& state, const FunctionEntry& entry) {
+  // INNOCUOUS: the others are forbidden to a file's CHECK constraints (TRUSTED_SCHEMA is off).
+  // DETERMINISTIC: only such functions may stand there, and SQLite evaluates one of constant
+  // arguments once.
   const int flags =
       SQLITE_UTF8 | SQLITE_INNOCUOUS | (entry.deterministic ? SQLITE_DETERMINISTIC : 0);
   require(database, sqlite3_create_function_v2(database, entry.name, entry.arguments, flags, &state,
@@ -106,6 +112,7 @@ std::string_view FunctionCallFrame::text(int index) const {
 }
 
 void FunctionCallFrame::give(std::string_view text) const {
+  // A null pointer would give NULL in the place of an empty text.
   sqlite3_result_text64(context_, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
                         SQLITE_UTF8);
 }
@@ -133,6 +140,7 @@ void FunctionCallFrame::give(const Value& value) const {
   }
 }
 
+/// Checked here for all of them: 128 bits hold more than 38 digits.
 void FunctionCallFrame::giveWide(Int128 digits) const {
   const Int128 limit = powerOfTen(Decimal::kMaxDigits);
   if (digits >= limit || digits <= -limit) {

@@ -80,6 +80,7 @@ void reportingErrors(sqlite3_context* context, int count, sqlite3_value** argume
   try {
     Body(frame);
   } catch (const SqlError& error) {
+    // SQLite passes on a text only; the error itself, with its number, waits in the state.
     frame.state().failure = error;
     sqlite3_result_error(context, error.what(), -1);
   } catch (const std::bad_alloc&) {

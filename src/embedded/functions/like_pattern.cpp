@@ -38,6 +38,7 @@ bool readSet(const std::vector<std::uint32_t>& pattern, std::size_t& at, Element
     element.negated = true;
     ++i;
   }
+  // Right behind the opening bracket `]` is a member of the set.
   const std::size_t first = i;
   while (i < pattern.size() && (pattern[i] != ']' || i == first)) {
     const bool range = i + 2 < pattern.size() && pattern[i + 1] == '-' && pattern[i + 2] != ']';
@@ -58,6 +59,7 @@ std::vector<Element> compile(std::string_view text, std::optional<char32_t> esca
     const std::uint32_t c = pattern[at++];
     Element element;
     element.character = c;
+    // The pattern is folded, and so the escape character has to be.
     if (escape && c == foldCase(*escape) && at < pattern.size()) {
       element.character = pattern[at++];
     } else if (c == '%') {
@@ -95,6 +97,8 @@ bool matchesOne(const Element& element, std::uint32_t c) {
 bool matchesLike(std::string_view text, std::string_view pattern, std::optional<char32_t> escape) {
   const std::vector<std::uint32_t> subject = characters(text);
   const std::vector<Element> elements = compile(pattern, escape);
+  // Only the last `%` is ever extended: what an earlier one could take, it can take as well. So the
+  // time is at most the text's length times the pattern's.
   constexpr auto kNone = static_cast<std::size_t>(-1);
   std::size_t s = 0;
   std::size_t e = 0;

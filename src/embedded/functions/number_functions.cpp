@@ -39,15 +39,19 @@ void divide(const FunctionCallFrame& frame) {
     return;
   }
   const std::int64_t divisor = frame.integer(1);
+  // SQLite's own division by zero gives NULL.
   if (divisor == 0) {
     failDivision();
   }
+  // The one quotient that 64 bits do not hold; C++ leaves it undefined.
   if (divisor == -1 && frame.integer(0) == std::numeric_limits<std::int64_t>::min()) {
     failBigInt();
   }
   frame.give(checkedResult(frame.integer(0) / divisor, frame.type(2)));
 }
 
+/// A remainder is never larger than the number divided, so the type in the third argument is not
+/// asked for.
 void modulo(const FunctionCallFrame& frame) {
   if (frame.isNull(0) || frame.isNull(1)) {
     frame.giveNull();
@@ -57,6 +61,7 @@ void modulo(const FunctionCallFrame& frame) {
   if (divisor == 0) {
     failDivision();
   }
+  // C++ leaves the least number modulo -1 undefined.
   frame.give(divisor == -1 ? std::int64_t{0} : frame.integer(0) % divisor);
 }
 
@@ -65,12 +70,15 @@ void checkFloat(const FunctionCallFrame& frame) {
     frame.giveNull();
     return;
   }
+  // SQLite goes on with infinity.
   if (!std::isfinite(frame.real(0))) {
     throw SqlError(8115, "Arithmetic overflow error converting expression to data type float.");
   }
   frame.give(frame.real(0));
 }
 
+/// Decided before dividing, because a quotient by zero would be infinity and have the other
+/// message.
 void divideFloats(const FunctionCallFrame& frame) {
   if (frame.anyNull()) {
     frame.giveNull();
@@ -103,6 +111,8 @@ void wide(const FunctionCallFrame& frame, Operation operation) {
   }
 }
 
+// Digits alone are enough here: the binder has brought both sides of a sum to one scale and added
+// the scales of a product (evaluateDecimals).
 void negateWide(const FunctionCallFrame& frame) {
   wide(frame, [&] { return -frame.digits(0); });
 }
@@ -136,6 +146,8 @@ struct Sum {
   void setTotal(Int128 number) { std::memcpy(bytes.data(), &number, bytes.size()); }
 };
 
+/// The sum of the group; without `create` null when no row has been added. SQLite gives the memory
+/// zeroed.
 Sum* sumOf(sqlite3_context* context, bool create) {
   return static_cast<Sum*>(
       sqlite3_aggregate_context(context, create ? static_cast<int>(sizeof(Sum)) : 0));
@@ -149,6 +161,8 @@ void addToSum(const FunctionCallFrame& frame) {
   if (sum == nullptr) {
     throw std::bad_alloc();
   }
+  // In 128 bits, so that only the end of a sum decides whether it fits its type, not the order of
+  // the rows.
   const std::optional<Int128> total = sumWithin(sum->total(), frame.digits(0));
   if (!total) {
     failDecimalOverflow();
@@ -183,6 +197,7 @@ void finishSum(const FunctionCallFrame& frame) {
   }
 }
 
+/// The average of whole numbers is a whole number, its fraction cut off.
 void finishAverage(const FunctionCallFrame& frame) {
   const Sum* const sum = sumOf(frame.context(), false);
   if (sum == nullptr || sum->count == 0) {
@@ -192,6 +207,7 @@ void finishAverage(const FunctionCallFrame& frame) {
   }
 }
 
+/// The end of a group has no arguments.
 template <void (*Body)(const FunctionCallFrame&)>
 void finish(sqlite3_context* context) {
   reportingErrors<Body>(context, 0, nullptr);

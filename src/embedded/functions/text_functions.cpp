@@ -36,6 +36,7 @@ std::int64_t requireCount(std::int64_t count) {
   return count;
 }
 
+/// LEN does not count blanks at the end.
 void length(const FunctionCallFrame& frame) {
   frame.give(static_cast<std::int64_t>(utf16Length(trimEnd(frame.text(0)))));
 }
@@ -56,6 +57,7 @@ void right(const FunctionCallFrame& frame) {
 }
 
 void substring(const FunctionCallFrame& frame) {
+  // Within these bounds nothing below overflows; no text reaches them.
   const std::int64_t start =
       std::clamp(frame.integer(1), -std::int64_t{1} << 40U, std::int64_t{1} << 40U);
   const std::int64_t count = std::min(requireCount(frame.integer(2)), std::int64_t{1} << 41U);
@@ -93,6 +95,7 @@ std::size_t findFolded(std::string_view text, std::string_view wanted, std::size
 void replace(const FunctionCallFrame& frame) {
   const std::string_view text = frame.text(0);
   const std::string_view wanted = frame.text(1);
+  // Nothing is found nowhere: the text stays as it is.
   if (wanted.empty()) {
     frame.giveArgument(0);
     return;
@@ -113,6 +116,7 @@ void charIndex(const FunctionCallFrame& frame) {
   const std::string_view text = frame.text(1);
   const std::int64_t start = frame.count() > 2 ? std::max(frame.integer(2), std::int64_t{1}) : 1;
   const std::size_t from = leftCharacters(text, static_cast<std::size_t>(start - 1)).size();
+  // An empty text is found nowhere: 0.
   const std::size_t found =
       frame.text(0).empty() ? std::string_view::npos : findFolded(text, frame.text(0), from);
   const std::size_t position =
@@ -129,6 +133,7 @@ void replicate(const FunctionCallFrame& frame) {
   std::string result;
   for (std::int64_t i = 0; i < frame.integer(1) && !text.empty(); ++i) {
     if (result.size() + text.size() > kLongestBuilt) {
+      // SQL Server would cut the result off without a word.
       throw SqlError(0, "Outside the supported T-SQL: REPLICATE beyond 8000 characters.");
     }
     result += text;
@@ -170,6 +175,7 @@ void character(const FunctionCallFrame& frame) {
     frame.giveNull();
     return;
   }
+  // SQL Server's code page (1252) has characters of its own there; elsewhere it is Latin-1.
   if (code >= 128 && code < 160) {
     throw SqlError(0, "Outside the supported T-SQL: CHAR between 128 and 159.");
   }
@@ -199,6 +205,7 @@ void like(const FunctionCallFrame& frame) {
   std::optional<char32_t> escape;
   if (!frame.isNull(2)) {
     const std::string_view text = frame.text(2);
+    // An escape of more than one character, or of none, is an error of its own in T-SQL.
     if (characterCount(text) != 1) {
       throw SqlError(506, "The invalid escape character \"" + std::string(text) +
                               "\" was specified in a LIKE predicate.");

@@ -10,6 +10,7 @@ namespace azcoll::embedded {
 
 namespace {
 
+// Numbers of so many digits fit, whichever they are.
 constexpr std::size_t kInt32Digits = 9;
 constexpr std::size_t kInt64Digits = 18;
 
@@ -23,6 +24,7 @@ bool guardHolds(const Guard& guard, const tsql::LiteralToken& token) {
              token.raw.size() - point - 1 <= std::size_t{guard.type.scale};
     }
     case Guard::Kind::SameType:
+      // Nearly all whole numbers: no need to find their type.
       if (guard.type == kInt && token.raw.size() <= kInt32Digits &&
           token.kind == tsql::LiteralKind::Integer) {
         return true;
@@ -31,6 +33,7 @@ bool guardHolds(const Guard& guard, const tsql::LiteralToken& token) {
     case Guard::Kind::SameText:
       break;
   }
+  // The token is the text as written, the guard holds its value.
   return token.hasDoubledQuotes ? literalText(token) == guard.text : token.raw == guard.text;
 }
 
@@ -48,6 +51,7 @@ void checkConstants(const tsql::Shape& shape) {
         token.kind == tsql::LiteralKind::Integer || token.kind == tsql::LiteralKind::Decimal;
     if (token.kind == tsql::LiteralKind::Binary || token.kind == tsql::LiteralKind::Float ||
         (exact && token.raw.size() > Decimal::kMaxDigits)) {
+      // For what it throws; the value is made again where it is bound.
       static_cast<void>(literalValue(token.kind, token.raw, literalType(token.kind, token.raw)));
     }
   }

@@ -12,6 +12,8 @@ std::shared_ptr<Plan> PlanCache::find(const tsql::Shape& shape) {
   if (found == byKey_.end()) {
     return nullptr;
   }
+  // The last used stands in front; splicing moves the node and leaves the key, of which the map
+  // holds a view, where it is.
   if (found->second != entries_.begin()) {
     entries_.splice(entries_.begin(), entries_, found->second);
   }
@@ -30,6 +32,7 @@ void PlanCache::add(const tsql::Shape& shape, std::shared_ptr<Plan> plan) {
   const auto found = byKey_.find(shape.key);
   if (found != byKey_.end()) {
     auto& plans = found->second->plans;
+    // Constants that need ever new plans must not fill the memory.
     if (plans.size() >= kPlansOfAShape) {
       plans.erase(plans.begin());
     }
@@ -37,6 +40,7 @@ void PlanCache::add(const tsql::Shape& shape, std::shared_ptr<Plan> plan) {
     return;
   }
   if (entries_.size() >= capacity_) {
+    // First the view, then the text behind it.
     byKey_.erase(entries_.back().key);
     entries_.pop_back();
   }

@@ -33,7 +33,7 @@ struct Slot {
   Type target;
 };
 
-/// What a plan took for granted of a constant; a text of the same shape whose constant is otherwise
+/// What a plan took for granted of a constant; a text of the same shape whose constant differs
 /// needs a plan of its own.
 struct Guard {
   enum class Kind : std::uint8_t {

@@ -17,6 +17,7 @@ namespace azcoll::embedded {
 
 namespace {
 
+// SQL Server's own limit, which message 217 names.
 constexpr std::size_t kDeepestCall = 32;
 
 /// Ends a statement's execution on every way out, so that it holds no lock.
@@ -44,6 +45,7 @@ class VisibleVariables {
   VisibleVariables(VisibleVariables&&) = delete;
   VisibleVariables& operator=(const VisibleVariables&) = delete;
   VisibleVariables& operator=(VisibleVariables&&) = delete;
+  // A procedure runs inside the batch that calls it, which goes on with its own variables.
   ~VisibleVariables() { state_.variables = before_; }
 
  private:
@@ -59,6 +61,7 @@ class ActiveCall {
                      "Maximum stored procedure, function, trigger, or view nesting level "
                      "exceeded (limit 32).");
     }
+    // Both calls would use the same temporary tables: those of the plan.
     if (plan.activeCalls > 0 && !plan.clearings.empty()) {
       throw SqlError(0,
                      "Outside the supported T-SQL: a procedure with table variables that calls "
@@ -84,10 +87,12 @@ class ActiveCall {
 }  // namespace
 
 void BatchRunner::run() {
+  // A procedure's arguments are in their places already.
   if (variables_.size() < plan_.variables.scalars.size()) {
     variables_.resize(plan_.variables.scalars.size());
   }
   const VisibleVariables visible(session_.runtime, variables_);
+  // The tables of table variables outlive a run, their rows must not.
   for (const PreparedStatement& clearing : plan_.clearings) {
     clearing.statement.run();
   }
@@ -98,6 +103,7 @@ void BatchRunner::runProcedure(const Routine& routine,
                                const std::vector<std::optional<Value>>& arguments) {
   const ActiveCall active(session_.depth, plan_);
   variables_.resize(plan_.variables.scalars.size());
+  // The compiler declares the parameters first: their numbers are those of the variables.
   for (std::size_t i = 0; i < routine.parameters.size(); ++i) {
     const RoutineParameter& parameter = routine.parameters[i];
     if (arguments[i]) {
@@ -181,6 +187,7 @@ BatchRunner::Flow BatchRunner::runDeferred(const DeferredNode& deferred) {
   if (definer.define(*deferred.statement, plan_.text)) {
     return Flow::Next;
   }
+  // Compiled for this once: when a loop comes here again, the names may stand for other objects.
   Node node = surroundings_.plans.compileDeferred(plan_, *deferred.statement);
   variables_.resize(plan_.variables.scalars.size());
   return runNode(node);
@@ -192,6 +199,7 @@ void BatchRunner::select(SelectNode& node) {
   sqlite3_stmt* const statement = node.prepared.statement.get();
   result_.results.emplace_back();
   ResultSet& set = result_.results.back();
+  // Made once for the plan: all its results share the list.
   if (node.shown.size() != node.columns.size()) {
     std::vector<ColumnInfo> infos;
     infos.reserve(node.columns.size());
@@ -201,6 +209,8 @@ void BatchRunner::select(SelectNode& node) {
     node.shown = std::move(infos);
   }
   set.columns = node.shown;
+  // All rows at once: an unfinished statement would hold its lock on the file and keep its tables
+  // from being dropped, and the result outlives the plan.
   const auto rows = std::make_shared<cursor::PackedRows>();
   set.packed = rows;
   while (node.prepared.statement.step()) {
@@ -218,6 +228,8 @@ void BatchRunner::assign(AssignNode& node) {
   bind(node.prepared);
   const Execution execution(node.prepared);
   sqlite3_stmt* const statement = node.prepared.statement.get();
+  // The last row's values stay. Without a row the variables keep theirs, as T-SQL has it; a SET
+  // never comes without one, because its text is a SELECT without FROM.
   std::int64_t rows = 0;
   while (node.prepared.statement.step()) {
     int index = 0;
@@ -234,6 +246,8 @@ void BatchRunner::change(ChangeNode& node) {
   try {
     node.prepared.statement.run();
   } catch (const SqliteFailure& failure) {
+    // An extended code holds the primary one in its lowest byte. A function that refused a value
+    // has left its own error: no constraint was broken then.
     constexpr int kPrimaryCode = 0xFF;
     if (session_.runtime.failure || (failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
       throw;
@@ -246,9 +260,12 @@ void BatchRunner::change(ChangeNode& node) {
 
 void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {
   session_.rowCount = rows;
+  // An identity column is the table's rowid, so SQLite knows the last one.
   if (node.kind == ChangeKind::Insert && node.table->identity && session_.rowCount > 0) {
     session_.lastIdentity = sqlite3_last_insert_rowid(session_.database.get());
   }
+  // NOCOUNT hides counts from the caller only: @@ROWCOUNT has them all the same. -1 so far means
+  // that no statement has counted.
   if (!noCount_) {
     result_.recordsAffected =
         std::max<std::int64_t>(result_.recordsAffected, 0) + session_.rowCount;
@@ -258,6 +275,7 @@ void BatchRunner::countChange(const ChangeNode& node, std::int64_t rows) {
 bool BatchRunner::test(PreparedStatement& prepared) {
   bind(prepared);
   const Execution execution(prepared);
+  // Unknown is NULL, which SQLite gives as 0: false.
   return prepared.statement.step() && prepared.statement.integer(0) != 0;
 }
 
@@ -305,8 +323,10 @@ void BatchRunner::execute(ExecuteNode& node) {
           argumentValue(*argument.value, routine.parameters[argument.parameter].type);
     }
   }
+  // Held while it runs: a definition inside the procedure makes the engine let go of all plans.
   const std::shared_ptr<Plan> plan = surroundings_.plans.planOf(routine);
   BatchRunner callee(surroundings_, *plan, result_);
+  // NOCOUNT holds for what is called; set in there, it ends with the call.
   callee.noCount_ = noCount_;
   callee.runProcedure(routine, arguments);
   passBack(node, callee);

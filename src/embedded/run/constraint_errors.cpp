@@ -30,6 +30,8 @@ class TrialRun {
   TrialRun(TrialRun&&) = delete;
   TrialRun& operator=(const TrialRun&) = delete;
   TrialRun& operator=(TrialRun&&) = delete;
+  // SQLite takes defer_foreign_keys back at the end of a transaction only, not with a savepoint.
+  // execute() would throw, which a destructor must not.
   ~TrialRun() {
     sqlite3_exec(database_.get(),
                  "ROLLBACK TO trial; RELEASE trial; PRAGMA defer_foreign_keys = OFF", nullptr,
@@ -50,6 +52,7 @@ void traceKey(sqlite3_context* context, int count, sqlite3_value** arguments) {
       trace.push_back(valueOf(arguments[i]));
     }
   } catch (const std::bad_alloc&) {
+    // Nothing may be thrown through SQLite.
     sqlite3_result_error_nomem(context);
   }
 }
@@ -117,6 +120,7 @@ std::string_view ConstraintReporter::verb() const {
 }
 
 SqlError ConstraintReporter::explainNull(std::string_view detail) const {
+  // SQLite names the column TABLE.COLUMN.
   const std::size_t prefix = node_.table->storeName.size() + 1;
   const std::string column(detail.substr(std::min(prefix, detail.size())));
   const std::string table = node_.table->isVariable
@@ -151,10 +155,12 @@ std::vector<Value> ConstraintReporter::failedRow(const std::vector<std::size_t>&
   });
   {
     const TrialRun trial(database);
+    // BEFORE: a row is seen before its keys are compared. The trigger goes with the trial.
     database.execute("CREATE TEMP TRIGGER ts_watch BEFORE " + std::string(verb()) + " ON " +
                      table.sqlName + " BEGIN SELECT ts_trace(" + arguments + "); END");
     rerun();
   }
+  // Taken back before `trace` goes: the function holds its address.
   sqlite3_create_function_v2(database.get(), "ts_trace", -1, SQLITE_UTF8, nullptr, nullptr, nullptr,
                              nullptr, nullptr);
   return trace;
@@ -168,6 +174,7 @@ bool ConstraintReporter::isTaken(const std::vector<std::size_t>& columns) const 
   }
   std::string match;
   for (std::size_t i = 0; i < columns.size(); ++i) {
+    // IS finds a missing value, too: in a unique key it is one like any other.
     match += (i == 0 ? "" : " AND ") + quoteName(node_.table->columns[columns[i]].name) + " IS ?" +
              std::to_string(i + 1);
   }
@@ -309,6 +316,7 @@ SqlError ConstraintReporter::violated(const Table& child, const Constraint& cons
   const bool self = foldCase(constraint.referencedTable) == foldCase(child.name);
   const bool changedIsChild = &child == node_.table.get();
   if (changedIsChild && node_.kind != ChangeKind::Delete) {
+    // It is there: a table that others refer to cannot be dropped (3726).
     const Catalogue::TablePtr parent = session_.catalogue.findTable(constraint.referencedTable);
     return {547, conflict(self ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY", constraint, *parent,
                           referencedColumns(constraint, *parent))};
@@ -342,6 +350,7 @@ std::optional<SqlError> ConstraintReporter::brokenForeignKey() const {
 
 SqlError ConstraintReporter::explainForeignKey() const {
   const TrialRun trial(session_.database);
+  // Deferred, the change leaves the rows in place that lack a partner, and they can be asked for.
   session_.database.execute("PRAGMA defer_foreign_keys = ON");
   rerun();
   return brokenForeignKey().value_or(

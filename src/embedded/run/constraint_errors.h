@@ -21,7 +21,7 @@ namespace azcoll::embedded {
 
 /// Finds out which constraint a failed change broke and words it as SQL Server does. SQLite reports
 /// little about it; what is missing is found by running the change once more inside a savepoint
-/// that is taken back, which costs something on failures only.
+/// that is rolled back; only failures pay for it.
 class ConstraintReporter {
  public:
   ConstraintReporter(Session& session, const ChangeNode& node) : session_(session), node_(node) {}

@@ -33,6 +33,9 @@ namespace {
 
 }  // namespace
 
+/// Inside a transaction a savepoint is a part of it, outside it is one itself. The change is
+/// counted in it, so that others notice it when it is committed and not before. The catalogue in
+/// memory follows when all has succeeded.
 template <typename Action>
 void Definer::atomically(Action action) {
   const SqliteDatabase& database = session_.database;
@@ -50,6 +53,8 @@ void Definer::atomically(Action action) {
 
 bool Definer::define(const tsql::Statement& statement, std::string_view text) {
   if (const auto* const table = std::get_if<tsql::CreateTableStatement>(&statement.node)) {
+    // Tables and indexes may stand among other statements, so their texts are printed from the
+    // tree; a routine is a whole batch and is kept as it was written.
     createTable(table->name, tsql::print(statement), text);
   } else if (const auto* const index = std::get_if<tsql::CreateIndexStatement>(&statement.node)) {
     createIndex(*index, tsql::print(statement), text);
@@ -71,6 +76,7 @@ void Definer::requireFreeName(const std::string& name) const {
   const std::string folded = foldCase(name);
   bool taken = session_.catalogue.findTable(name) || session_.catalogue.findRoutine(name);
   for (const auto& [key, table] : session_.catalogue.tables()) {
+    // Constraints are objects of the database; indexes belong to their table.
     for (const Constraint& constraint : table->constraints) {
       taken = taken || foldCase(constraint.name) == folded;
     }
@@ -83,6 +89,7 @@ void Definer::requireFreeName(const std::string& name) const {
 void Definer::createTable(const tsql::ObjectName& name, const std::string& definition,
                           std::string_view text) {
   const std::string ownName = objectName(name, text);
+  // The object would outlive the connection.
   if (ownName.starts_with('#')) {
     refuse(text, name.position, "a temporary table");
   }
@@ -127,6 +134,7 @@ void Definer::createIndex(const tsql::CreateIndexStatement& statement,
       CatalogueStore(session_.database).add("INDEX", index.name, table->name, definition);
     });
   } catch (const SqliteFailure& failure) {
+    // SQLite notices equal keys while it fills the index.
     constexpr int kPrimaryCode = 0xFF;
     if ((failure.code & kPrimaryCode) != SQLITE_CONSTRAINT) {
       throw;
@@ -163,7 +171,7 @@ void Definer::createRoutine(const std::string& source) {
   for (const RoutineParameter& parameter : routine->parameters) {
     if (parameter.defaultValue != nullptr &&
         !constantValue(*parameter.defaultValue, parameter.type)) {
-      refuse(source, parameter.defaultValue->position, "a default that is no constant");
+      refuse(source, parameter.defaultValue->position, "a default that is not a constant");
     }
   }
   atomically([&] {
@@ -208,8 +216,8 @@ void Definer::dropTable(const std::string& name, bool ifExists) {
   }
   atomically([&] {
     const CatalogueStore store(session_.database);
-    surroundings_.plans
-        .forgetPlans();  // a statement that is still prepared would keep the table in use
+    // A statement that is still prepared would keep the table in use.
+    surroundings_.plans.forgetPlans();
     session_.database.execute("DROP TABLE " + table->sqlName);
     store.remove("TABLE", table->name, "");
     store.removeIndexesOf(table->name);
@@ -237,6 +245,7 @@ void Definer::dropIndex(const tsql::DropStatement& statement) {
   }
   const std::string storeName = indexStoreName(*table, found->name);
   atomically([&] {
+    // The second one is there only for a unique index over nullable columns.
     session_.database.execute("DROP INDEX " + quoteName(storeName));
     session_.database.execute("DROP INDEX IF EXISTS " +
                               quoteName(storeName + std::string(kNullIndexSuffix)));

@@ -15,7 +15,7 @@ class Definer {
   explicit Definer(const Surroundings& surroundings)
       : surroundings_(surroundings), session_(surroundings.session) {}
 
-  /// Runs a definition; false when the statement is none. All or nothing. Throws `SqlError`,
+  /// Runs a definition; false if it is not a definition. All or nothing. Throws `SqlError`,
   /// `tsql::SyntaxError`.
   bool define(const tsql::Statement& statement, std::string_view text);
 

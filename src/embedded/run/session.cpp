@@ -7,6 +7,7 @@ bool TimeLimit::isOver() {
     return false;
   }
   const auto now = std::chrono::steady_clock::now();
+  // Started by the first question, so that short texts never read the clock.
   if (!started_) {
     started_ = now;
   }

@@ -62,7 +62,7 @@ class Plans {
 
   /// The plan of a procedure.
   [[nodiscard]] virtual std::shared_ptr<Plan> planOf(const Routine& routine) = 0;
-  /// A statement of `plan` that was put off, now that it is reached.
+  /// A deferred statement of `plan`, compiled when reached.
   [[nodiscard]] virtual Node compileDeferred(Plan& plan, const tsql::Statement& statement) = 0;
   /// Compiles a routine for its errors alone.
   virtual void checkRoutine(const Routine& routine) = 0;

@@ -28,6 +28,8 @@ bool fitsAsItIs(std::string_view text, const Slot& slot) {
     return true;
   }
   const auto length = static_cast<std::size_t>(type.length);
+  // A text has at least as many bytes as characters, so the cheap question comes first. A padded
+  // type needs a text of its own.
   return !type.isPadded() && (text.size() <= length || utf16Length(text) <= length);
 }
 
@@ -104,6 +106,7 @@ Value BatchRunner::slotValue(const Slot& slot) const {
       value = variables_[slot.index];
       type = plan_.variables.scalars[slot.index].type;
       break;
+    // Converted straight from the caller's value, whose own type counts.
     case SlotSource::Marker:
       value = valueFromVariant(parameters_->at(slot.index), slot.target, slot.conversion);
       type = slot.target;
@@ -116,8 +119,10 @@ Value BatchRunner::slotValue(const Slot& slot) const {
       value = Value::ofInteger(session_.rowCount);
       break;
     case SlotSource::TransactionCount:
+      // Transactions do not nest here.
       value = Value::ofInteger(session_.database.inTransaction() ? 1 : 0);
       break;
+    // @@IDENTITY and SCOPE_IDENTITY() are NUMERIC(38, 0), NULL before the first insert.
     default:
       type = decimalType(38, 0);
       if (session_.lastIdentity) {

@@ -12,6 +12,8 @@ namespace azcoll::embedded {
 
 namespace {
 
+/// The length is asked for behind the text, because fetching a text may convert the value and with
+/// it its length.
 std::string_view columnText(sqlite3_stmt* statement, int column) {
   const unsigned char* const text = sqlite3_column_text(statement, column);
   return text == nullptr
@@ -24,6 +26,8 @@ Decimal readDecimal(sqlite3_stmt* statement, int column, const Type& type) {
   Int128 digits = 0;
   if (type.isWide()) {
     const void* const bytes = sqlite3_column_blob(statement, column);
+    // The engine writes 16 bytes always. Another length comes from a file that something else has
+    // written; 824 is SQL Server's number for a page that cannot be right.
     if (bytes == nullptr || sqlite3_column_bytes(statement, column) != kWideBytes) {
       throw SqlError(824, "Il database contiene un numero decimale danneggiato.");
     }
@@ -46,6 +50,7 @@ Value valueOf(sqlite3_value* value) {
       return Value::ofText({reinterpret_cast<const char*>(sqlite3_value_text(value)),
                             static_cast<std::size_t>(sqlite3_value_bytes(value))});
     case SQLITE_BLOB:
+      // A wide decimal is the only blob that the engine writes; its type says where the point is.
       if (sqlite3_value_bytes(value) == kWideBytes) {
         return Value::ofDigits(
             loadWide(static_cast<const unsigned char*>(sqlite3_value_blob(value))),
@@ -59,12 +64,15 @@ Value valueOf(sqlite3_value* value) {
 }
 
 void appendColumn(cursor::PackedRows& rows, sqlite3_stmt* statement, int column, const Type& type) {
+  // Asked first: the calls below give 0 for NULL, and once a value has been converted SQLite's
+  // answer about its kind is undefined.
   if (sqlite3_column_type(statement, column) == SQLITE_NULL) {
     return rows.appendNull();
   }
   switch (type.kind) {
     case TypeKind::Bit:
       return rows.append(sqlite3_column_int64(statement, column) != 0);
+    // Callers' values have no kind of eight bits.
     case TypeKind::TinyInt:
     case TypeKind::SmallInt:
       return rows.append(static_cast<std::int16_t>(sqlite3_column_int64(statement, column)));
@@ -90,6 +98,7 @@ void appendColumn(cursor::PackedRows& rows, sqlite3_stmt* statement, int column,
 }
 
 Value readValue(sqlite3_stmt* statement, int column) {
+  // SQLite calls this value unprotected: other threads could change it. A connection has one.
   return valueOf(sqlite3_column_value(statement, column));
 }
 
@@ -105,6 +114,7 @@ void bindValue(sqlite3_stmt* statement, int position, const Value& value) {
       sqlite3_bind_double(statement, position, value.real);
       break;
     case Value::Tag::Text:
+      // Copied by SQLite: the value is often a temporary of the caller.
       sqlite3_bind_text64(statement, position, value.text.data(), value.text.size(),
                           SQLITE_TRANSIENT, SQLITE_UTF8);
       break;

@@ -4,6 +4,7 @@ namespace azcoll::embedded {
 
 namespace {
 
+/// Without a connection, for which SQLite had no memory, only the code says what happened.
 [[noreturn]] void fail(sqlite3* database, int code) {
   throw SqliteFailure{code, database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code)};
 }
@@ -15,6 +16,7 @@ void SqliteStatement::bind(int index, std::int64_t value) const {
 }
 
 void SqliteStatement::bind(int index, std::string_view text) const {
+  // A null pointer would bind NULL in the place of an empty text.
   sqlite3_bind_text64(get(), index, text.empty() ? "" : text.data(), text.size(), SQLITE_STATIC,
                       SQLITE_UTF8);
 }
@@ -27,6 +29,8 @@ bool SqliteStatement::step() const {
   if (code == SQLITE_DONE) {
     return false;
   }
+  // The message is that of the last call, so it is read before the reset, which gives back the
+  // statement's locks.
   SqliteFailure failure{code, sqlite3_errmsg(sqlite3_db_handle(get()))};
   reset();
   throw failure;
@@ -50,15 +54,20 @@ std::string_view SqliteStatement::text(int column) const {
 SqliteDatabase::SqliteDatabase(const std::string& path, int flags) {
   sqlite3* database = nullptr;
   const int code = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
+  // Kept before the code is looked at: a file that does not open leaves a handle, too, which has
+  // the message and must be closed.
   handle_.reset(database);
   if (code != SQLITE_OK) {
     fail(database, code);
   }
+  // The extended codes say which kind of constraint was broken.
   sqlite3_extended_result_codes(database, 1);
 }
 
 SqliteStatement SqliteDatabase::prepare(std::string_view sql) const {
   sqlite3_stmt* statement = nullptr;
+  // PERSISTENT: plans live long, and so do not use up the memory that SQLite keeps at hand for
+  // short-lived statements.
   const int code = sqlite3_prepare_v3(get(), sql.data(), static_cast<int>(sql.size()),
                                       SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
   if (code != SQLITE_OK) {

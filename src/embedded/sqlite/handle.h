@@ -67,6 +67,7 @@ class SqliteDatabase {
 
  private:
   struct Close {
+    // A statement that outlives this object keeps the connection open; the last one closes it.
     void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
   };
   std::unique_ptr<sqlite3, Close> handle_;

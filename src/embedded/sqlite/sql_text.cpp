@@ -38,6 +38,8 @@ std::string sqliteConstant(const Value& value) {
       return value.integer == std::numeric_limits<std::int64_t>::min()
                  ? "(-9223372036854775807 - 1)"
                  : std::to_string(value.integer);
+    // 17 digits are read as the same double again; the exponent keeps SQLite from reading a whole
+    // number as an integer.
     case Value::Tag::Real: {
       std::array<char, 40> buffer{};
       const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value.real,

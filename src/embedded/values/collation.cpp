@@ -45,6 +45,7 @@ constexpr std::uint32_t primaryWeight(std::uint32_t folded) {
     return kDigits + plain;
   }
   if (isWithin(plain, 'a', 'z')) {
+    // Two apart: a letter of its own finds a place behind the one it looks like.
     return kLetters + plain * 2;
   }
   switch (plain) {  // letters of their own, behind the letter that they look like
@@ -130,6 +131,7 @@ int compareText(std::string_view left, std::string_view right) {
     const char x = left[at];
     const char y = right[at];
     if (!isAscii(x) || !isAscii(y)) {
+      // What lies in front is equal, whatever follows.
       return compareAccented(left.substr(at), right.substr(at));
     }
     const auto wx = kAsciiWeights[static_cast<unsigned char>(x)];
@@ -138,6 +140,7 @@ int compareText(std::string_view left, std::string_view right) {
       return wx < wy ? -1 : 1;
     }
   }
+  // The rest of the longer text meets blanks.
   const bool leftIsLonger = left.size() > right.size();
   for (const char c : (leftIsLonger ? left : right).substr(at)) {
     if (!isAscii(c)) {
@@ -176,6 +179,7 @@ std::string upperText(std::string_view text) {
         break;
       }
     }
+    // The capital of y with diaeresis lies in another block.
     appendUtf8(result, c == 0xFF ? 0x178 : upper);
     at += character.length;
   }

@@ -58,6 +58,7 @@ std::string named(const Type& type) { return std::string(typeName(type)); }
 
 std::int64_t integerFromText(std::string_view text, const Type& from, const Type& to) {
   const std::string_view trimmed = trim(text);
+  // T-SQL reads '' as 0.
   if (trimmed.empty()) {
     return 0;
   }
@@ -66,11 +67,13 @@ std::int64_t integerFromText(std::string_view text, const Type& from, const Type
     digits.remove_prefix(1);
   }
   if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+    // BIGINT has the message of the decimals.
     if (to.kind == TypeKind::BigInt) {
       failType(from, to);
     }
     failText(text, from, to);
   }
+  // std::from_chars takes no plus sign.
   const std::size_t start = trimmed.front() == '+' ? 1 : 0;
   std::int64_t number = 0;
   const auto [stop, error] =
@@ -104,6 +107,7 @@ Value toInteger(const Value& value, const Type& from, const Type& to) {
                                            : (value.digits() != 0 ? 1 : 0));
   }
   if (from.isFloat()) {
+    // A float is cut to a whole number, as a decimal is, and not rounded.
     const double whole = std::trunc(value.real);
     const IntegerRange range = rangeOf(to);
     // Doubles of the size of 64 bits lie 1024 apart: the limit itself is none of them.
@@ -141,6 +145,7 @@ Value fitDecimal(Int128 digits, int scale, const std::string& from, const Type& 
     }
     failOverflow(from, to);
   }
+  // Compared with the digits left away, the value could equal one that it does not.
   if (conversion == Conversion::Compare && scale > to.scale &&
       rescaledDigits(*scaled, to.scale, scale) != digits) {
     throw SqlError(8115, "Arithmetic overflow error converting numeric to data type numeric.");
@@ -175,6 +180,7 @@ Value toFloat(const Value& value, const Type& from, const Type& to) {
     if (!trimmed.empty()) {
       const auto [stop, error] =
           std::from_chars(trimmed.data() + start, trimmed.data() + trimmed.size(), number);
+      // Behind a plus sign std::from_chars would take a minus.
       if (error != std::errc() || trimmed.starts_with("+-") ||
           stop != trimmed.data() + trimmed.size() || !std::isfinite(number)) {
         failType(from, to);
@@ -187,6 +193,7 @@ Value toFloat(const Value& value, const Type& from, const Type& to) {
     if (std::fabs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
       failOverflow("expression", to);
     }
+    // SQLite stores doubles: a REAL is rounded to its own precision before.
     number = static_cast<double>(static_cast<float>(number));
   }
   return Value::ofReal(number);
@@ -249,6 +256,8 @@ Value toDate(const Value& value, const Type& from, const Type& to) {
         (to.kind == TypeKind::DateTime2 || to.kind == TypeKind::Date)) {
       throw SqlError(0, "Outside the supported T-SQL: parts of a second beyond milliseconds.");
     }
+    // DATETIME and SMALLDATETIME distinguish a text that is not a date (241) from a date that they
+    // do not have (242); the newer types report 241 for both.
     if (parsed.outcome == DateOutcome::Malformed || parsed.outcome == DateOutcome::TooFine ||
         (parsed.outcome == DateOutcome::OutOfRange && to.kind != TypeKind::DateTime &&
          to.kind != TypeKind::SmallDateTime)) {
@@ -295,6 +304,7 @@ void fitText(std::string& text, const Type& from, const Type& to, Conversion con
       if (to.isUnicode() || from.isDecimal() || from.isFloat()) {
         failOverflow(from.isDecimal() ? named(from) : "expression", to);
       }
+      // So SQL Server writes a whole number that a VARCHAR does not hold.
       text = "*";
     } else if (!cutText(text, to.length) && conversion == Conversion::Assign) {
       throw SqlError(8152, "String or binary data would be truncated.");
@@ -351,6 +361,7 @@ bool isConvertible(const Type& from, const Type& to) {
     return !from.isFloat();  // FLOAT as text keeps six digits: refused rather than lost
   }
   if (from.isDate() || to.isDate()) {
+    // A number is days since 1900 for the two older types only.
     const bool days =
         from.isNumber() && (to.kind == TypeKind::DateTime || to.kind == TypeKind::SmallDateTime);
     return (from.isDate() && to.isDate()) || days;

@@ -45,7 +45,7 @@ struct Clock {
   bool tooFine = false;
 };
 
-/// `hh:mm[:ss[.f…]]`; false when it is no time.
+/// `hh:mm[:ss[.f…]]`; false when it is not a time.
 bool readClock(Cursor& cursor, Clock& clock) {
   if (cursor.digits() < 1 || cursor.digits() > 2) {
     return false;
@@ -92,10 +92,12 @@ bool readDay(Cursor& cursor, Day& day) {
       return true;
     case 6: {
       const int year = cursor.take(2);
+      // SQL Server's default: two digits mean 1950 to 2049.
       day = {year < 50 ? 2000 + year : 1900 + year, cursor.take(2), cursor.take(2), false};
       return true;
     }
     case 4:
+      // Four digits alone are the first day of that year.
       day.year = cursor.take(4);
       if (!cursor.accept('-')) {
         return true;
@@ -146,6 +148,7 @@ ParsedDate parseDateText(std::string_view text) {
   Cursor cursor{trim(text)};
   Day day;
   Clock clock;
+  // A time without a day is on 1 January 1900.
   const bool clockAlone = cursor.rest.find(':') != std::string_view::npos && cursor.digits() <= 2;
   if (!cursor.rest.empty() && !clockAlone) {
     if (!readDay(cursor, day)) {
@@ -199,6 +202,8 @@ std::optional<Date> fitDate(const Date& date, const Type& type) {
       lastYear = 2079;
       break;
     case TypeKind::DateTime: {
+      // DATETIME counts in 1/300 second: rounded to a tick, and back to the millisecond (…0, …3,
+      // …7).
       const std::int64_t ticks = (time * 3 + 5) / 10;
       time = (ticks * 10 + 1) / 3;
       firstYear = 1753;
@@ -218,6 +223,7 @@ std::optional<Date> fitDate(const Date& date, const Type& type) {
     time -= kDayMilliseconds;
     fitted = Date::ofDayNumber(date.dayNumber() + 1);
   }
+  // SMALLDATETIME ends with 6 June 2079.
   const bool pastSmall = type.kind == TypeKind::SmallDateTime && fitted && fitted->year == 2079 &&
                          *fitted >= Date{2079, 6, 7, 0, 0, 0, 0};
   if (!fitted || fitted->year < firstYear || fitted->year > lastYear || pastSmall) {
@@ -235,6 +241,7 @@ std::string storedDate(const Date& date, const Type& type) {
 }
 
 Date dateFromStored(std::string_view text) {
+  // The places are fixed. A DATE ends behind the day, so what lies beyond counts as 0.
   const auto number = [text](std::size_t at, std::size_t length) {
     int value = 0;
     if (at + length <= text.size()) {

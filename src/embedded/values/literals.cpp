@@ -24,6 +24,7 @@ Type literalType(tsql::LiteralKind kind, std::string_view text) {
   switch (kind) {
     case tsql::LiteralKind::Integer: {
       const std::size_t digits = significantDigits(text);
+      // Up to the largest INT; beyond it a constant is a decimal of its own digits, never a BIGINT.
       if (digits < 10 || (digits == 10 && text.substr(text.size() - 10) <= "2147483647")) {
         return kInt;
       }

@@ -61,10 +61,12 @@ std::optional<Int128> rescaledDigits(Int128 digits, int from, int to) {
   }
   if (from > to) {
     const Int128 divisor = powerOfTen(from - to);
+    // Rounded half away from zero, as T-SQL rounds decimals.
     const Int128 half = divisor / 2;
     return (digits + (digits < 0 ? -half : half)) / divisor;
   }
   const Int128 factor = powerOfTen(to - from);
+  // 38 digits are the most, although 128 bits would hold some more numbers.
   const Int128 limit = (powerOfTen(Decimal::kMaxDigits) - 1) / factor;
   if (digits > limit || digits < -limit) {
     return std::nullopt;
@@ -76,7 +78,7 @@ std::optional<Int128> digitsOfDouble(double number, int scale) {
   if (!std::isfinite(number) || std::fabs(number) >= 1e38) {
     return std::nullopt;
   }
-  // 17 significant digits tell a double apart from every other; what the decimal keeps of them is
+  // 17 significant digits distinguish a double from every other; what the decimal keeps of them is
   // rounded once, by the decimal's own rule.
   std::array<char, 64> buffer{};
   const int exponent =
@@ -98,6 +100,8 @@ std::string fixedText(double number) {
   return {buffer.data(), written.ptr};
 }
 
+/// The highest byte first and the sign turned over: SQLite compares blobs byte by byte, and so
+/// negative numbers come before positive ones.
 void storeWide(Int128 digits, unsigned char* bytes) {
   UInt128 ordered = static_cast<UInt128>(digits) ^ kSignBit;
   for (int i = kWideBytes - 1; i >= 0; --i) {

@@ -9,6 +9,7 @@
 
 namespace azcoll::embedded {
 
+/// These are followed by 3621 on SQL Server; others end the statement without saying so.
 bool SqlError::terminatesStatement() const {
   constexpr std::array<int, 7> kTerminating{220, 512, 515, 547, 2601, 2627, 8152};
   return std::find(kTerminating.begin(), kTerminating.end(), number_) != kTerminating.end();
@@ -27,6 +28,7 @@ std::string_view sqlStateOf(int number) {
       return state;
     }
   }
+  // 42000 is what drivers give for SQL Server's other errors; 0 is this engine's own.
   return number == 0 ? "HY000" : "42000";
 }
 

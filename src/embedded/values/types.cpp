@@ -25,6 +25,7 @@ Type textType(TypeKind kind, const tsql::TypeName& name, std::int32_t defaultLen
   const bool padded = kind == TypeKind::Char || kind == TypeKind::NChar;
   const std::int32_t longest = unicode ? 4000 : 8000;
   const std::int32_t length = name.length.value_or(defaultLength);
+  // CHAR(MAX) does not exist.
   if (length == kUnlimited && !padded) {
     return {kind, kUnlimited, 0, 0};
   }
@@ -70,6 +71,7 @@ Type commonDecimal(const Type& left, const Type& right, bool& fits) {
 }
 
 Type commonText(const Type& left, const Type& right) {
+  // Kinds are declared in the order of SQL Server's precedence.
   Type common = left.kind > right.kind ? left : right;
   if (left.kind != right.kind && common.kind == TypeKind::NChar) {
     common.kind = TypeKind::NVarChar;  // NCHAR with VARCHAR
@@ -77,6 +79,7 @@ Type commonText(const Type& left, const Type& right) {
   common.length = left.length == kUnlimited || right.length == kUnlimited
                       ? kUnlimited
                       : std::max(left.length, right.length);
+  // No type is both padded and without a limit.
   if (common.isPadded() && common.length == kUnlimited) {
     common.kind = common.isUnicode() ? TypeKind::NVarChar : TypeKind::VarChar;
   }
@@ -96,6 +99,7 @@ bool sameForm(const Type& left, const Type& right) {
     return left.isFloat() && right.isFloat();
   }
   if (left.isDate() || right.isDate()) {
+    // A DATE is stored without a time of day, the other types with one.
     return left.isDate() && right.isDate() &&
            (left.kind == TypeKind::Date) == (right.kind == TypeKind::Date);
   }
@@ -146,6 +150,7 @@ std::optional<Type> typeFromName(const tsql::TypeName& name, std::int32_t defaul
     if (bits < 1 || bits > 53) {
       refuseLength(name, bits);
     }
+    // FLOAT(n) counts bits: up to 24 it is a REAL.
     return bits <= 24 ? Type{TypeKind::Real, 0, 0, 0} : kFloat;
   }
   if (name.name == "DATETIME2" && name.length.value_or(7) <= kMaxDateTime2Scale) {
