@@ -13,7 +13,7 @@ namespace {
 
 /// A Unicode literal with its apostrophes doubled, or Null.
 std::string sqlDoubledText(Call& call, const Variant& value) {
-  return call.isMissing(value) ? "Null, " : join("N", quoted(join(value), '\''), ", ");
+  return call.isMissing(value) ? "Null, " : join("N", inQuotes(join(value), '\''), ", ");
 }
 
 /// Runs the work of a routine with a message of its own: the message is left in `Errore`

@@ -37,7 +37,7 @@ void NumerazioneCG70::ElaboraNumerazione() {
 void NumerazioneCG70::registra() {
   const std::int64_t company = Ditta.toInt64();
   const std::int64_t number = Codice.toInt64();
-  const std::string section = quoted(Sezione, '\'');
+  const std::string section = inQuotes(Sezione, '\'');
   const std::string key =
       join(" WHERE CG70_DITTA_CG18 = ", company, " AND CG70_SEZ_CG68 = ", section,
            " AND CG70_ANNO = ", Anno, " AND CG70_TIPODOCINT = ", TipoDocumento);

@@ -36,7 +36,7 @@ void appendName(std::string& text, std::string_view name) {
     text += name;
     return;
   }
-  text += quoted(name, '[');
+  text += inQuotes(name, '[');
 }
 
 /// The one table that the columns (at least one) belong to.

@@ -20,11 +20,11 @@
 namespace azcoll::deployment {
 namespace {
 
-std::string asSqlText(std::string_view text) { return "N" + quoted(text, '\''); }
+std::string asSqlText(std::string_view text) { return "N" + inQuotes(text, '\''); }
 
 /// `[dbo].[T]`.
 std::string qualified(std::string_view owner, std::string_view object) {
-  return quoted(owner, '[') + "." + quoted(object, '[');
+  return inQuotes(owner, '[') + "." + inQuotes(object, '[');
 }
 
 // ---------------------------------------------------------------- the questions

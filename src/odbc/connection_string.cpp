@@ -119,10 +119,10 @@ std::string withCredentials(std::string_view text, std::string_view user,
     return !overridden;
   });
   if (!user.empty()) {
-    result += join("UID=", quoted(user, '{'), ";");
+    result += join("UID=", inQuotes(user, '{'), ";");
   }
   if (!password.empty()) {
-    result += join("PWD=", quoted(password, '{'), ";");
+    result += join("PWD=", inQuotes(password, '{'), ";");
   }
   return result;
 }

@@ -13,7 +13,7 @@ std::string doubled(std::string_view text, char mark) {
   return result;
 }
 
-std::string quoted(std::string_view text, char open) {
+std::string inQuotes(std::string_view text, char open) {
   const char close = open == '[' ? ']' : (open == '{' ? '}' : open);
   return open + doubled(text, close) + close;
 }

@@ -10,6 +10,6 @@ namespace azcoll {
 
 /// `text` between marks, with every closing one inside it written twice. `open` is `'` or `"`,
 /// which close themselves, or `[` or `{`, which `]` and `}` close.
-[[nodiscard]] std::string quoted(std::string_view text, char open);
+[[nodiscard]] std::string inQuotes(std::string_view text, char open);
 
 }  // namespace azcoll

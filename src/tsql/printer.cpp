@@ -69,7 +69,7 @@ void Printer::name(std::string_view name) {
     out_ += name;
     return;
   }
-  out_ += quoted(name, '[');
+  out_ += inQuotes(name, '[');
 }
 
 void Printer::objectName(const ObjectName& name) {
@@ -129,6 +129,6 @@ void Printer::type(const TypeName& type) {
 }
 
 /// A quoted text.
-void Printer::text(std::string_view value) { out_ += quoted(value, '\''); }
+void Printer::text(std::string_view value) { out_ += inQuotes(value, '\''); }
 
 }  // namespace azcoll::tsql

@@ -30,7 +30,7 @@ std::string embeddedConnectionString(std::string_view file) {
     throw UsageError("Il nome di un file non può contenere un carattere nullo.");
   }
   // Quoted, so that a semicolon or a blank at the end stays part of the name.
-  return fmt::format("Provider=embedded;Data Source={}", quoted(file, '"'));
+  return fmt::format("Provider=embedded;Data Source={}", inQuotes(file, '"'));
 }
 
 std::shared_ptr<Connection> openConnection(const std::string& connectionString) {

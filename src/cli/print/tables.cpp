@@ -70,7 +70,7 @@ std::string csvText(std::string_view text) {
   if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
     return std::string{text};
   }
-  return quoted(text, '"');
+  return inQuotes(text, '"');
 }
 
 std::string csvField(const std::string& name) { return csvText(name); }

@@ -25,9 +25,9 @@ std::string blobConstant(const Bytes& bytes) {
 
 }  // namespace
 
-std::string quoteName(std::string_view name) { return quoted(name, '"'); }
+std::string quoteName(std::string_view name) { return inQuotes(name, '"'); }
 
-std::string quoteText(std::string_view text) { return quoted(text, '\''); }
+std::string quoteText(std::string_view text) { return inQuotes(text, '\''); }
 
 std::string sqliteConstant(const Value& value) {
   switch (value.tag) {

@@ -12,11 +12,11 @@ TEST(Doubled, WritesEachMarkTwice) {
 }
 
 TEST(Quoted, PutsMarksAroundAndDoublesTheClosingOne) {
-  EXPECT_EQ(quoted("L'Aquila", '\''), "'L''Aquila'");
-  EXPECT_EQ(quoted("a\"b", '"'), "\"a\"\"b\"");
-  EXPECT_EQ(quoted("a]b[", '['), "[a]]b[]");
-  EXPECT_EQ(quoted("a}b{", '{'), "{a}}b{}");
-  EXPECT_EQ(quoted("", '\''), "''");
+  EXPECT_EQ(inQuotes("L'Aquila", '\''), "'L''Aquila'");
+  EXPECT_EQ(inQuotes("a\"b", '"'), "\"a\"\"b\"");
+  EXPECT_EQ(inQuotes("a]b[", '['), "[a]]b[]");
+  EXPECT_EQ(inQuotes("a}b{", '{'), "{a}}b{}");
+  EXPECT_EQ(inQuotes("", '\''), "''");
 }
 
 }  // namespace
