@@ -112,7 +112,7 @@ std::size_t ClientRecordset::shownRow(std::int64_t position) const {
 }
 
 std::size_t ClientRecordset::currentRow() const {
-  // The row being added lies behind all others.
+  // The row being added lies after all others.
   if (adding()) {
     return rows_.rowCount();
   }

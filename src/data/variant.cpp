@@ -29,7 +29,7 @@ constexpr double kLeastInDigits = 1e-7;
 constexpr double kMostInDigits = 1e21;
 
 void appendDouble(std::string& target, double value, bool digitsOnly) {
-  std::array<char, 384> buffer{};  // the longest double in digits has 309 before or 326 behind
+  std::array<char, 384> buffer{};  // the longest double in digits has 309 before or 326 after
   const double size = std::fabs(value);
   if (size == 0) {
     target += '0';

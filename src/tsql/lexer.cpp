@@ -157,7 +157,7 @@ Token Lexer::takeWord() {
   return token;
 }
 
-/// `end`, or the first character in front of it that is beyond ASCII and no letter.
+/// `end`, or the first character before it that is beyond ASCII and not a letter.
 std::size_t Lexer::lettersEnd(std::size_t end) const {
   for (std::size_t i = at_; i < end;) {
     if (static_cast<unsigned char>(text_[i]) < 0x80) {

@@ -45,7 +45,7 @@ TableSourcePtr makeSource(const Position& position) {
 
 }  // namespace
 
-/// The sources behind the word FROM.
+/// The sources after the word FROM.
 std::vector<TableSourcePtr> Parser::parseFrom() {
   std::vector<TableSourcePtr> sources;
   do {

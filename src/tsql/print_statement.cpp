@@ -4,7 +4,7 @@ namespace azcoll::tsql {
 
 namespace {
 
-/// Whether an ELSE behind the statement would belong to an IF inside it.
+/// Whether an ELSE after the statement would belong to an IF inside it.
 bool endsInOpenIf(const Statement& statement) {
   if (const auto* branch = std::get_if<IfStatement>(&statement.node)) {
     return !branch->otherwise || endsInOpenIf(*branch->otherwise);

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kContext = 40;  // characters shown on either side of the place
 constexpr std::size_t kMarked = 32;   // characters shown of the place itself
 
-/// Start of the part shown in front of `offset`; `cut` says that the line began earlier.
+/// Start of the part shown before `offset`; `cut` says that the line began earlier.
 std::size_t contextStart(std::string_view text, std::size_t offset, bool& cut) {
   std::size_t characters = 0;
   std::size_t at = offset;

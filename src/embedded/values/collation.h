@@ -11,7 +11,7 @@
 namespace azcoll::embedded {
 
 /// Name of the collation of every text column: letter case does not count, accents do, blanks at
-/// the end do not. Order: punctuation, digits, letters; an accented letter behind its plain one.
+/// the end do not. Order: punctuation, digits, letters; an accented letter after its plain one.
 inline constexpr const char* kCollationName = "TSQL";
 /// Gives an expression of SQLite that collation.
 inline constexpr std::string_view kCollateClause = " COLLATE TSQL";

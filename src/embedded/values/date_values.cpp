@@ -241,7 +241,7 @@ std::string storedDate(const Date& date, const Type& type) {
 }
 
 Date dateFromStored(std::string_view text) {
-  // The places are fixed. A DATE ends behind the day, so what lies beyond counts as 0.
+  // The places are fixed. A DATE ends after the day, so what lies beyond counts as 0.
   const auto number = [text](std::size_t at, std::size_t length) {
     int value = 0;
     if (at + length <= text.size()) {
