@@ -149,6 +149,7 @@ void ClientRecordset::moveFirst() {
 void ClientRecordset::moveNext() {
   requireOpen();
   settle();
+  // At the last row it moves to the end, at the end it fails, as in ADO.
   if (position_ >= shownCount()) {
     throw Error(messages::kMoveBeyondEnd);
   }
@@ -218,6 +219,7 @@ std::shared_ptr<Recordset> ClientRecordset::nextRecordset() {
   if (!following_ || following_->empty()) {
     return nullptr;
   }
+  // Taken out of the queue that all recordsets of the execution share: each result is given once.
   ResultSet next = std::move(following_->front());
   following_->pop_front();
   return std::make_shared<ClientRecordset>(std::move(next), following_, connection_, lock_);

@@ -116,6 +116,7 @@ Token Lexer::takeConstant(TokenKind kind, std::size_t end) {
 Token Lexer::takeQuoted(TokenKind kind, std::size_t openAt, char close) {
   const QuotedSpan span = scanQuoted(text_, openAt, close);
   if (!span.closed) {
+    // A token, not an error: what is wrong before the quote is reported first.
     return take(TokenKind::UnclosedQuote, span.end);
   }
   Token token = kind == TokenKind::QuotedName ? take(kind, span.end) : takeConstant(kind, span.end);
@@ -233,6 +234,7 @@ Token Lexer::takeComparison() {
     default:
       break;
   }
+  // T-SQL's own spellings: `!=`, and `!<` for not less.
   switch (second) {
     case '=':
       return takeOne(Symbol::NotEqual, 2);
@@ -249,6 +251,7 @@ Token Lexer::takeOperator() {
   if (std::string_view("+-*/%&|^~").find(text_[at_]) == std::string_view::npos) {
     return take(TokenKind::Unexpected, at_ + 1);
   }
+  // `+=` and the like; the parser refuses them by that name.
   if (byteAt(text_, at_ + 1) == '=') {
     return takeOne(Symbol::CompoundAssignment, 2);
   }

@@ -83,6 +83,7 @@ ExpressionPtr Parser::parseEither() {
 ExpressionPtr Parser::parseOr(Wanted wanted) {
   ExpressionPtr left = parseAnd(wanted);
   while (is(Keyword::Or)) {
+    // In parentheses only the OR shows that a condition was meant.
     requireCondition(*left);
     advance();
     left = makeBinary(BinaryOperator::Or, std::move(left), parseAnd(Wanted::Condition));

@@ -227,6 +227,7 @@ void Printer::node(const Case& node) {
 
 void Printer::node(const FunctionCall& call) {
   functionName(call.name);
+  // CURRENT_TIMESTAMP and its kind take no parentheses.
   if (isNiladic(call.name)) {
     return;
   }

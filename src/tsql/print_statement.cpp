@@ -112,6 +112,7 @@ void Printer::write(const SetOptionStatement& set) {
 void Printer::write(const IfStatement& statement) {
   out_ += "IF ";
   expression(*statement.condition);
+  // The ELSE would go to the IF inside.
   const bool enclose = statement.otherwise && endsInOpenIf(*statement.then);
   out_ += enclose ? " BEGIN " : " ";
   this->statement(*statement.then);

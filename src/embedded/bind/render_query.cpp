@@ -22,6 +22,8 @@ std::string_view operatorText(tsql::SetOperator op) {
 std::string renderOperand(const BoundQuery& query, bool isRight) {
   const bool limited =
       query.select && (!query.select->limit.empty() || !query.select->orderBy.empty());
+  // SQLite groups set operations to the left and takes no parentheses around them; LIMIT would
+  // count for the whole.
   if (limited || (!query.select && isRight)) {
     return "SELECT * FROM (" + render(query) + ")";
   }

@@ -155,6 +155,7 @@ ParsedDate parseDateText(std::string_view text) {
       return {DateOutcome::Malformed, {}};
     }
     if (!cursor.rest.empty()) {
+      // The `T` of ISO 8601 belongs to the form with dashes.
       const bool joined = day.dashed && cursor.accept('T');
       if (!joined && !cursor.rest.starts_with(' ')) {
         return {DateOutcome::Malformed, {}};
