@@ -10,8 +10,7 @@
 namespace azcoll::deployment {
 
 /// Line of the script on which the failure of a batch lies, as near as it can be determined: the
-/// place of
-/// a syntax error, the start of the failing statement, or the start of the batch.
+/// place of a syntax error, the start of the failing statement, or the start of the batch.
 [[nodiscard]] std::uint32_t failureLine(const tsql::ScriptBatch& batch, const Error& error);
 
 /// `Errore NUMERO (SQLSTATE), riga N: descrizione`, with what is known of it.
