@@ -11,7 +11,7 @@
 #include "data/connection.h"
 #include "data/text.h"
 #include "platform/provider_factory.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 /// The databases that the benchmarks work on.
 namespace azcoll::bench {

@@ -30,7 +30,7 @@ class Exception {
 
   EXCEPINFO* receive() { return &info_; }
 
-  [[nodiscard]] Error error() {
+  [[nodiscard]] Error error(Owner owner) {
     if (info_.pfnDeferredFillIn != nullptr) {
       info_.pfnDeferredFillIn(&info_);
     }
@@ -41,7 +41,7 @@ class Exception {
     }
     // Failures with this facility are about the use of the object (a closed recordset, a column
     // that is not there): they did not come from the database.
-    if (HRESULT_FACILITY(code) == FACILITY_CONTROL) {
+    if (owner == Owner::Host || HRESULT_FACILITY(code) == FACILITY_CONTROL) {
       return Error{description};
     }
     return Error::provider({.description = description, .source = textOf(info_.bstrSource)});
@@ -132,7 +132,7 @@ ScopedVariant Dispatch::invoke(std::wstring_view member, WORD access, const Argu
   const HRESULT code = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, access, &parameters,
                                        &result.raw(), exception.receive(), nullptr);
   if (code == DISP_E_EXCEPTION) {
-    throw exception.error();
+    throw exception.error(owner_);
   }
   if (FAILED(code)) {
     throw Error(join(describe(code), ": ", narrowText(member)));

@@ -43,14 +43,21 @@ class Argument {
   ScopedVariant value_;
 };
 
+/// Whose an object is.
+enum class Owner : std::uint8_t {
+  Provider,  ///< ADO's: what it reports stands in the connection's `Errors`, too
+  Host       ///< the caller's, as a screen: no database has failed
+};
+
 /// A late-bound object: members called by name, their identifiers asked for once.
 ///
 /// The identifiers are kept per object, because nothing promises that two objects of one kind give
-/// a name the same identifier. A failure throws `Error`: one of the provider when the object itself
-/// reports it, unless the object says that the use of automation was at fault.
+/// a name the same identifier. A failure throws `Error`: one of the provider when an object of the
+/// provider reports it, unless it says that the use of automation was at fault.
 class Dispatch {
  public:
-  explicit Dispatch(ComPtr<IDispatch> object) : object_{std::move(object)} {}
+  explicit Dispatch(ComPtr<IDispatch> object, Owner owner = Owner::Provider)
+      : object_{std::move(object)}, owner_{owner} {}
 
   [[nodiscard]] const ComPtr<IDispatch>& object() const { return object_; }
 
@@ -76,6 +83,7 @@ class Dispatch {
                        std::size_t count);
 
   ComPtr<IDispatch> object_;
+  Owner owner_;
   std::vector<std::pair<std::wstring, DISPID>> identifiers_;
 };
 

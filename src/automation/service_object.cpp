@@ -5,7 +5,6 @@
 
 #include "data/error.h"
 #include "data/messages.h"
-#include "data/text.h"
 
 namespace azcoll::automation {
 namespace {

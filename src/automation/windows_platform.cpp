@@ -11,7 +11,6 @@
 #include "ado/variants.h"
 #include "ado/wide_text.h"
 #include "data/error.h"
-#include "data/text.h"
 
 namespace azcoll {
 namespace automation {
@@ -20,7 +19,8 @@ namespace {
 /// An object of the host, its members set and read by name.
 class HostMembers final : public NamedMembers, public ado::Automated {
  public:
-  explicit HostMembers(ado::ComPtr<IDispatch> object) : host_{std::move(object)} {}
+  explicit HostMembers(ado::ComPtr<IDispatch> object)
+      : host_{std::move(object), ado::Owner::Host} {}
 
   [[nodiscard]] const ado::ComPtr<IDispatch>& dispatch() const override { return host_.object(); }
 
@@ -43,7 +43,8 @@ class HostMembers final : public NamedMembers, public ado::Automated {
 /// The suite's own document numbering.
 class HostNumbering final : public NumerazioneDocumenti {
  public:
-  explicit HostNumbering(ado::ComPtr<IDispatch> object) : host_{std::move(object)} {}
+  explicit HostNumbering(ado::ComPtr<IDispatch> object)
+      : host_{std::move(object), ado::Owner::Host} {}
 
   void imposta(Ingresso ingresso, const Variant& valore) override {
     constexpr std::array<std::wstring_view, 9> kNames{
@@ -119,8 +120,8 @@ void WindowsPlatform::show(NamedMembers& screen, const std::shared_ptr<Object>& 
   if (framework == nullptr || object == nullptr) {
     throw Error("Oggetto non impostato: ActiveInterface");
   }
-  ado::Dispatch{ado::ComPtr<IDispatch>::share(framework)}.call(L"Mostra",
-                                                               {object->dispatch().get()});
+  ado::Dispatch{ado::ComPtr<IDispatch>::share(framework), ado::Owner::Host}.call(
+      L"Mostra", {object->dispatch().get()});
 }
 
 }  // namespace automation

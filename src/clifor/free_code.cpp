@@ -8,6 +8,7 @@
 #include "component/values.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::clifor {
 namespace {

@@ -6,6 +6,8 @@
 #include "component/values.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "text/trimming.h"
+#include "text/utf8.h"
 
 namespace azcoll {
 namespace {

@@ -5,6 +5,7 @@
 #include "component/numerazione_cg70.h"
 #include "data/error.h"
 #include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll {
 namespace {

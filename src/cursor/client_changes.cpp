@@ -33,9 +33,9 @@ void ClientRecordset::requireWritable() const {
   }
 }
 
-void ClientRecordset::settle() {
+void ClientRecordset::finishEdit() {
   const bool added = adding();
-  rows_.settle();
+  rows_.finishEdit();
   if (!added) {
     return;
   }
@@ -48,13 +48,13 @@ void ClientRecordset::settle() {
 
 void ClientRecordset::addNew() {
   requireWritable();
-  settle();
+  finishEdit();
   rows_.add();
 }
 
 void ClientRecordset::update() {
   requireWritable();
-  settle();
+  finishEdit();
 }
 
 void ClientRecordset::cancelUpdate() {
@@ -86,14 +86,14 @@ std::vector<std::size_t> ClientRecordset::rowsToSend(Affect affect) const {
 
 void ClientRecordset::updateBatch(Affect affect) {
   requireWritable();
-  settle();
+  finishEdit();
   if (!connection_) {
     throw Error(messages::kDetached);
   }
   const std::vector<std::size_t> rows = rowsToSend(affect);
   // Only now, because it may cost questions to the database.
   if (!rows.empty()) {
-    rows_.settleColumns(*connection_);
+    rows_.completeColumns(*connection_);
   }
   // All statements first: a change that cannot be written at all sends nothing.
   std::vector<ChangeStatement> statements;

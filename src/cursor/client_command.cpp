@@ -107,10 +107,14 @@ void ClientCommand::load() {
   if (procedure_) {
     return;
   }
-  procedure_ = connection.findProcedure(text_);
-  for (const ProcedureParameter& declared : procedure_->parameters()) {
-    parameters_.push_back(std::make_unique<ClientParameter>(declared));
+  std::shared_ptr<NativeProcedure> found = connection.findProcedure(text_);
+  std::vector<std::unique_ptr<Parameter>> declared;
+  for (const ProcedureParameter& each : found->parameters()) {
+    declared.push_back(std::make_unique<ClientParameter>(each));
   }
+  // Both or none: parameters that are not all there would be taken for all.
+  parameters_ = std::move(declared);
+  procedure_ = std::move(found);
 }
 
 void ClientCommand::forget() {

@@ -5,7 +5,6 @@
 #include "cursor/criteria.h"
 #include "data/error.h"
 #include "data/messages.h"
-#include "data/text.h"
 
 namespace azcoll::cursor {
 
@@ -139,7 +138,7 @@ bool ClientRecordset::atEnd() const {
 
 void ClientRecordset::moveFirst() {
   requireOpen();
-  settle();
+  finishEdit();
   if (shownCount() == 0) {
     throw Error(messages::kNoCurrentRow);
   }
@@ -148,7 +147,7 @@ void ClientRecordset::moveFirst() {
 
 void ClientRecordset::moveNext() {
   requireOpen();
-  settle();
+  finishEdit();
   // At the last row it moves to the end, at the end it fails, as in ADO.
   if (position_ >= shownCount()) {
     throw Error(messages::kMoveBeyondEnd);
@@ -158,7 +157,7 @@ void ClientRecordset::moveNext() {
 
 void ClientRecordset::setFilter(std::string_view criteria) {
   requireOpen();
-  settle();
+  finishEdit();
   // Blank criteria take the filter away.
   if (criteria.find_first_not_of(" \t\r\n") == std::string_view::npos) {
     shown_.reset();
@@ -193,7 +192,7 @@ std::int64_t ClientRecordset::searchStart(Bookmark start) const {
 void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchDirection direction,
                            Bookmark start) {
   requireOpen();
-  settle();
+  finishEdit();
   const Criteria wanted =
       Criteria::search(criteria, [this](std::string_view name) { return requiredColumn(name); });
   const std::int64_t count = shownCount();
@@ -215,7 +214,7 @@ void ClientRecordset::find(std::string_view criteria, std::int64_t skip, SearchD
 
 std::shared_ptr<Recordset> ClientRecordset::nextRecordset() {
   requireOpen();
-  settle();
+  finishEdit();
   if (!following_ || following_->empty()) {
     return nullptr;
   }

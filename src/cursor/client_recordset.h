@@ -111,7 +111,7 @@ class ClientRecordset final : public Recordset {
   [[nodiscard]] std::size_t currentRow() const;
   [[nodiscard]] std::size_t requiredColumn(std::string_view name);
   [[nodiscard]] std::int64_t searchStart(Bookmark start) const;
-  void settle();
+  void finishEdit();
   [[nodiscard]] std::vector<std::size_t> rowsToSend(Affect affect) const;
   void send(const ChangeStatement& statement);
 

@@ -31,12 +31,12 @@ std::optional<std::size_t> ColumnIndex::find(const std::vector<ColumnInfo>& colu
   if (columns.empty()) {
     return std::nullopt;
   }
-  if (slots_.empty()) {
+  if (places_.empty()) {
     build(columns);
   }
-  const std::size_t mask = slots_.size() - 1;
-  for (std::size_t slot = hashOf(name) & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
-    const std::size_t position = slots_[slot] - 1;
+  const std::size_t mask = places_.size() - 1;
+  for (std::size_t place = hashOf(name) & mask; places_[place] != 0; place = (place + 1) & mask) {
+    const std::size_t position = places_[place] - 1;
     if (equalsIgnoringCase(columns[position].name, name)) {
       return position;
     }
@@ -47,15 +47,15 @@ std::optional<std::size_t> ColumnIndex::find(const std::vector<ColumnInfo>& colu
 void ColumnIndex::build(const std::vector<ColumnInfo>& columns) {
   // Never more than half full, so that a search ends soon; a power of two makes the remainder a
   // mask.
-  slots_.assign(std::bit_ceil(columns.size() * 2), 0);
-  const std::size_t mask = slots_.size() - 1;
+  places_.assign(std::bit_ceil(columns.size() * 2), 0);
+  const std::size_t mask = places_.size() - 1;
   for (std::size_t position = 0; position < columns.size(); ++position) {
-    std::size_t slot = hashOf(columns[position].name) & mask;
-    while (slots_[slot] != 0) {
-      slot = (slot + 1) & mask;
+    std::size_t place = hashOf(columns[position].name) & mask;
+    while (places_[place] != 0) {
+      place = (place + 1) & mask;
     }
     // Later columns of the same name lie further on, where a search no longer comes.
-    slots_[slot] = static_cast<std::uint32_t>(position + 1);
+    places_[place] = static_cast<std::uint32_t>(position + 1);
   }
 }
 

@@ -19,7 +19,7 @@ namespace azcoll::cursor {
 class ColumnIndex {
  public:
   /// Forgets the columns seen so far.
-  void reset() { slots_.clear(); }
+  void reset() { places_.clear(); }
 
   /// Position of the column `name`; empty when there is none. `columns` must be the same at every
   /// call since the last `reset`.
@@ -29,8 +29,8 @@ class ColumnIndex {
  private:
   void build(const std::vector<ColumnInfo>& columns);
 
-  // Open addressing; a slot holds a position plus one, 0 when free. The size is a power of two.
-  std::vector<std::uint32_t> slots_;
+  // Open addressing; a place holds a position plus one, 0 when free. The size is a power of two.
+  std::vector<std::uint32_t> places_;
 };
 
 }  // namespace azcoll::cursor

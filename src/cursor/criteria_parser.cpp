@@ -7,6 +7,8 @@
 #include "data/messages.h"
 #include "data/text.h"
 #include "text/letter_case.h"
+#include "text/trimming.h"
+#include "text/utf8.h"
 
 namespace azcoll::cursor {
 

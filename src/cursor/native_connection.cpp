@@ -6,8 +6,8 @@
 
 namespace azcoll {
 
-std::vector<ColumnInfo> NativeConnection::settle(const std::vector<ColumnInfo>& /*columns*/,
-                                                 const ResultOrigin& /*origin*/) {
+std::vector<ColumnInfo> NativeConnection::completeColumns(
+    const std::vector<ColumnInfo>& /*columns*/, const ResultOrigin& /*origin*/) {
   throw Error(messages::kWrongConnection);
 }
 

@@ -63,9 +63,9 @@ class NativeConnection : public Connection, public std::enable_shared_from_this<
   [[nodiscard]] virtual std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) = 0;
 
   /// Completes the columns of a result that has an origin, for a change on this connection. Where
-  /// results come complete, one to be settled is another provider's: throws `Error`.
-  [[nodiscard]] virtual std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                                       const ResultOrigin& origin);
+  /// results come complete, one to be completed is another provider's: throws `Error`.
+  [[nodiscard]] virtual std::vector<ColumnInfo> completeColumns(
+      const std::vector<ColumnInfo>& columns, const ResultOrigin& origin);
 
   /// The CREATE statements, as T-SQL, of everything that the open database holds, in the order of
   /// creation; nothing when the provider does not keep them.

@@ -27,7 +27,9 @@ class ProviderConnection : public NativeConnection {
   void record(std::vector<ErrorInfo> entries) override { errors_.record(std::move(entries)); }
 
  protected:
-  /// Calls a procedure, giving it no values.
+  /// Calls a procedure, giving it no values: every parameter takes its default. Returns its result
+  /// sets, fetched whole, and the rows changed. Throws `Error` when there is no such procedure,
+  /// when a parameter has no default, or when it fails; the failure is recorded in `errors()`.
   virtual ExecutionResult callByName(std::string_view name);
 
   /// Seconds for a statement; 0 waits without limit.

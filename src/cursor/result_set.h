@@ -60,8 +60,8 @@ class ColumnList {
 };
 
 /// Where a result comes from, when its columns do not yet say what a change needs to know of the
-/// tables behind them. `NativeConnection::settle` is asked when a first change is sent: most
-/// results are only read, and the answer may cost questions to the database.
+/// tables behind them. `NativeConnection::completeColumns` is asked when a first change is sent:
+/// most results are only read, and the answer may cost questions to the database.
 struct ResultOrigin {
   std::shared_ptr<const std::string> batch;  ///< the text that gave it
   std::size_t index = 0;                     ///< its place among the results of the batch

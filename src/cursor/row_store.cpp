@@ -34,9 +34,9 @@ RowStore::RowStore(ResultSet set)
       packed_{set.packed ? std::move(set.packed) : packedOf(set.values, columns_.size())},
       rowCount_{columns_.empty() ? 0 : packed_->rowCount()} {}
 
-void RowStore::settleColumns(NativeConnection& connection) {
+void RowStore::completeColumns(NativeConnection& connection) {
   if (origin_) {
-    columns_ = connection.settle(columns_.all(), *origin_);
+    columns_ = connection.completeColumns(columns_.all(), *origin_);
     origin_.reset();
   }
 }
@@ -94,26 +94,26 @@ void RowStore::set(std::size_t row, std::size_t column, const Variant& value) {
   at(row, column) = std::move(stored);
 }
 
-void RowStore::settle() {
+void RowStore::finishEdit() {
   switch (edit_) {
     case Edit::None:
       return;
     case Edit::Adding:
-      settleAdded();
+      finishAdded();
       break;
     case Edit::Changing:
-      settleChanged();
+      finishChanged();
       break;
   }
   edit_ = Edit::None;
 }
 
-void RowStore::settleAdded() {
+void RowStore::finishAdded() {
   pending_[rowCount_] = Pending{.added = true, .given = std::move(given_)};
   ++rowCount_;
 }
 
-void RowStore::settleChanged() {
+void RowStore::finishChanged() {
   Pending& pending = pending_[editedRow_];
   for (auto& [column, before] : undo_) {
     if (pending.added) {

@@ -42,7 +42,7 @@ class RowStore {
 
   [[nodiscard]] const std::vector<ColumnInfo>& columns() const { return columns_.all(); }
   /// Completes the columns, if that is still to be done, for a change on `connection`.
-  void settleColumns(NativeConnection& connection);
+  void completeColumns(NativeConnection& connection);
   /// Rows without the one being added.
   [[nodiscard]] std::size_t rowCount() const { return rowCount_; }
   /// Values of a row, until another row is asked for; the row being added has the number
@@ -55,7 +55,7 @@ class RowStore {
   /// Changes a value; starts the edit of that row when none is in progress. Empty becomes Null.
   void set(std::size_t row, std::size_t column, const Variant& value);
   /// Ends the edit in progress, if any; its changes are pending from now on.
-  void settle();
+  void finishEdit();
   /// Undoes the edit in progress, if any.
   void cancel();
 
@@ -68,8 +68,8 @@ class RowStore {
 
  private:
   [[nodiscard]] Variant& at(std::size_t row, std::size_t column);
-  void settleAdded();
-  void settleChanged();
+  void finishAdded();
+  void finishChanged();
 
   static constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 

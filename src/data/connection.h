@@ -25,11 +25,20 @@ class NativeConnection;
 /// `beginTrans` is a provider error.
 class Connection : public Object {
  public:
+  /// What `open` connects to, in the provider's own notation.
   virtual void setConnectionString(std::string text) = 0;
   [[nodiscard]] virtual std::string connectionString() const = 0;
+  /// Seconds after which a statement is broken off, 30 unless set; 0 waits without limit. Holds for
+  /// the statements that follow; may be set before the connection is open.
   virtual void setCommandTimeout(int seconds) = 0;
+  /// Where the rows of results are kept. Only ADO has the choice: the native providers keep them in
+  /// memory, on the client's side, whatever is set.
   virtual void setCursorLocation(CursorLocation location) = 0;
+  /// Connects. `user` and `password` are "" when the connection string says who connects, or nobody
+  /// needs to be named; `options` is for ADO. Fails when the connection is open.
   virtual void open(std::string_view user, std::string_view password, CommandOption options) = 0;
+  /// Ends the connection; an open transaction is undone by the native providers. Fails when the
+  /// connection is not open.
   virtual void close() = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "text/quoting.h"
+#include "text/trimming.h"
 
 namespace azcoll {
 namespace {

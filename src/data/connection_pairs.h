@@ -10,7 +10,7 @@ namespace azcoll {
 /// What is odd about a piece of a connection string. Drivers pass over it, a provider of our own
 /// may refuse it.
 enum class PairFlaw : std::uint8_t {
-  None,
+  None,            ///< nothing; an empty key counts as one
   NoEquals,        ///< no `=`: the piece is the key, without a value
   OpenQuote,       ///< a value in quotes without their end: it goes on to the end of the string
   TextBehindQuote  ///< text between the end of a quoted value and the `;`

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "data/powers_of_ten.h"
-#include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll {
 namespace {

@@ -39,6 +39,7 @@ inline constexpr std::array<std::string_view, 19> kMasterColumns{
 /// How a value of a sales-data row is written into the copy's statement.
 enum class ValueRule : std::uint8_t { Company, Key, Text, Number, Date, DateOrNull };
 
+/// A column of a sales-data row, and how the copy of a row writes its value.
 struct SalesColumn {
   std::string_view name;
   ValueRule rule;

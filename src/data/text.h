@@ -8,8 +8,6 @@
 #include <string_view>
 
 #include "data/variant.h"
-#include "text/quoting.h"
-#include "text/utf8.h"
 
 namespace azcoll {
 

@@ -36,11 +36,12 @@ struct TraceHooks {
 
 /// A connection that passes everything on to another one and reports every operation.
 ///
-/// Its recordsets and commands are traced too. Operations reported: connection `Open`, `Close`,
-/// `Execute`, `BeginTrans`, `CommitTrans`, `RollbackTrans`; recordset `Open`, `Close`, `AddNew`,
-/// `Update`, `CancelUpdate`, `UpdateBatch`, `Filter`, `Find`, `NextRecordset`; command
-/// `CommandExecute`. Reading and moving are not reported: they touch no database. A connection's
-/// `Open` reports no text, so that a password never reaches a trace.
+/// The recordsets and commands that it makes are traced too; one that a caller made otherwise and
+/// puts on this connection works on the connection behind it, unseen. Operations reported:
+/// connection `Open`, `Close`, `Execute`, `BeginTrans`, `CommitTrans`, `RollbackTrans`; recordset
+/// `Open`, `Close`, `AddNew`, `Update`, `CancelUpdate`, `UpdateBatch`, `Filter`, `Find`,
+/// `NextRecordset`; command `CommandExecute`. Reading and moving are not reported: they touch no
+/// database. A connection's `Open` reports no text, so that a password never reaches a trace.
 ///
 /// `options` holds: connection `Open` and `Execute`, command `CommandExecute`: the command option;
 /// recordset `Open`: cursor type, lock type, command option; `UpdateBatch`: which rows; `Find`:

@@ -4,11 +4,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 
 #include "data/error.h"
 #include "data/messages.h"
-#include "data/text.h"
 #include "text/letter_case.h"
 
 namespace azcoll {
@@ -28,14 +28,16 @@ Visitor(Functions...) -> Visitor<Functions...>;
 constexpr double kLeastInDigits = 1e-7;
 constexpr double kMostInDigits = 1e21;
 
-void appendDouble(std::string& target, double value, bool digitsOnly) {
+enum class Form : std::uint8_t { Digits, Shortest };
+
+void appendDouble(std::string& target, double value, Form form) {
   std::array<char, 384> buffer{};  // the longest double in digits has 309 before or 326 after
   const double size = std::fabs(value);
   if (size == 0) {
     target += '0';
     return;
   }
-  const bool inDigits = digitsOnly || (size >= kLeastInDigits && size < kMostInDigits);
+  const bool inDigits = form == Form::Digits || (size >= kLeastInDigits && size < kMostInDigits);
   const auto end =
       std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                     inDigits ? std::chars_format::fixed : std::chars_format::scientific);
@@ -44,7 +46,7 @@ void appendDouble(std::string& target, double value, bool digitsOnly) {
 
 Decimal decimalOf(double value) {
   std::string digits;
-  appendDouble(digits, value, true);
+  appendDouble(digits, value, Form::Digits);
   const std::optional<Decimal> number = Decimal::parse(digits);
   if (!number) {
     fail(messages::kOverflow);
@@ -120,7 +122,7 @@ Decimal exactNumber(const Variant& value) {
 
 bool sameAsDouble(double left, const Decimal& right) {
   std::string digits;
-  appendDouble(digits, left, true);
+  appendDouble(digits, left, Form::Digits);
   const std::optional<Decimal> number = Decimal::parse(digits);
   return number && *number == right;
 }
@@ -142,7 +144,7 @@ std::string Variant::text() const {
 void Variant::appendTo(std::string& target) const {
   std::visit(Visitor{[](std::monostate) {}, [](NullValue) {},
                      [&](bool value) { target += value ? "True" : "False"; },
-                     [&](double value) { appendDouble(target, value, false); },
+                     [&](double value) { appendDouble(target, value, Form::Shortest); },
                      [&](const azcoll::Decimal& value) { value.appendTo(target); },
                      [&](const azcoll::Date& value) { value.appendTo(target); },
                      [&](const std::string& value) { target += value; },

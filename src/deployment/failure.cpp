@@ -5,7 +5,9 @@
 #include <fmt/format.h>
 #include <string_view>
 
-#include "tsql/position.h"
+#include "tsql/ast.h"
+#include "tsql/parser.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::deployment {
 namespace {

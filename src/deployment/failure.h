@@ -5,7 +5,7 @@
 #include <string>
 
 #include "data/error.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 

@@ -9,14 +9,15 @@
 #include <string_view>
 #include <utility>
 
-#include "data/text.h"
 #include "deployment/failure.h"
 #include "deployment/rights.h"
 #include "deployment/schema.h"
 #include "deployment/server_catalogue.h"
 #include "platform/provider_factory.h"
 #include "text/joining.h"
-#include "tsql/parser.h"
+#include "text/trimming.h"
+#include "text/utf8.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

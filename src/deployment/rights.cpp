@@ -1,15 +1,14 @@
 #include "deployment/rights.h"
 
-#include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <utility>
 
 #include "data/error.h"
 #include "deployment/schema.h"
 #include "deployment/scripts.h"
+#include "text/letter_case.h"
 #include "tsql/lexer.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {
@@ -66,9 +65,7 @@ class GrantReader {
   void grant(RoleRights& rights) {
     std::vector<std::string> verbs;
     do {
-      verbs.push_back(takeName());
-      std::ranges::transform(verbs.back(), verbs.back().begin(),
-                             [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+      verbs.push_back(ascii::upper(takeName()));
     } while (accept(tsql::Symbol::Comma));
     require(acceptWord("ON"));
     const std::string owner = takeName();

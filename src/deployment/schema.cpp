@@ -1,14 +1,15 @@
 #include "deployment/schema.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <variant>
 
 #include "deployment/scripts.h"
+#include "text/letter_case.h"
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

@@ -30,6 +30,7 @@ struct SchemaColumn {
       defaultClause{};  ///< `CONSTRAINT DF_… DEFAULT (0)`; empty when only known to be there
 };
 
+/// A table with what defines it.
 struct SchemaTable {
   std::string name;
   std::string owner{};  ///< the schema it lies in; empty where there is but one
@@ -38,6 +39,7 @@ struct SchemaTable {
   std::vector<std::string> definitions{};  ///< CREATE TABLE, then one CREATE INDEX for each index
 };
 
+/// A parameter of a procedure or function.
 struct SchemaParameter {
   std::string name;  ///< with its `@`
   ColumnType type{};

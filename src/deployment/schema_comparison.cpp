@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "text/joining.h"
 #include "text/letter_case.h"
@@ -118,14 +119,14 @@ class Comparison {
   }
 
   static std::string grantsOn(const LimitedUser& user, const std::string& name) {
-    std::string lines;
+    std::vector<std::string> lines;
     for (const Grant& grant : user.needed) {
       if (equalsIgnoringCase(grant.object, name)) {
-        lines += fmt::format("{}GRANT {} ON {}.{} TO {}", lines.empty() ? "" : "\n", grant.right,
-                             grant.owner, grant.object, user.grantee);
+        lines.push_back(fmt::format("GRANT {} ON {}.{} TO {}", grant.right, grant.owner,
+                                    grant.object, user.grantee));
       }
     }
-    return lines;
+    return joinAll(lines, "\n");
   }
 
   static std::string addColumn(const SchemaTable& table, const SchemaColumn& column) {

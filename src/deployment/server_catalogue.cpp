@@ -1,7 +1,6 @@
 #include "deployment/server_catalogue.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <fmt/format.h>
@@ -16,6 +15,7 @@
 #include "text/joining.h"
 #include "text/letter_case.h"
 #include "text/quoting.h"
+#include "text/trimming.h"
 
 namespace azcoll::deployment {
 namespace {
@@ -137,9 +137,7 @@ std::string namesOf(const Schema& schema) {
 }
 
 ColumnType typeOf(const Answer& answer) {
-  ColumnType type{.name = answer.text("TIPO")};
-  std::ranges::transform(type.name, type.name.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  ColumnType type{.name = ascii::upper(answer.text("TIPO"))};
   if (type.name == "NUMERIC") {
     type.name = "DECIMAL";
   }

@@ -6,7 +6,7 @@
 #include "embedded/embedded_connection.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
-#include "tsql/parser.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::embedded {
 
@@ -31,11 +31,6 @@ bool isEmbeddedConnectionString(std::string_view connectionString) {
 }
 
 std::shared_ptr<Connection> newConnection() { return newConnectionWith({}); }
-
-std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
-  NativeConnection* const native = connection.native();
-  return native == nullptr ? std::nullopt : native->storedDefinitions();
-}
 
 std::shared_ptr<EmbeddedConnection> newConnectionWith(const EngineOptions& options) {
   return std::make_shared<EmbeddedConnection>(options);

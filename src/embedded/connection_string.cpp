@@ -58,14 +58,6 @@ int readSeconds(const std::string& key, const std::string& value) {
   return seconds;
 }
 
-std::string upper(std::string_view text) {
-  std::string result(text);
-  for (char& c : result) {
-    c = ascii::upper(c);
-  }
-  return result;
-}
-
 }  // namespace
 
 bool choosesEmbedded(std::string_view text) {
@@ -86,7 +78,7 @@ ConnectionSettings readConnectionString(std::string_view text) {
   for (const ConnectionPair& pair : pairsOf(text)) {
     requireSound(pair);
     const std::string written(pair.key);
-    const std::string key = upper(written);
+    const std::string key = ascii::upper(written);
     if (!seen.insert(key).second) {
       fail("la chiave " + written + " compare due volte");
     }

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "data/connection.h"
 
@@ -22,10 +19,5 @@ namespace azcoll::embedded {
 /// process's lock, default 30; a database still busy then is an error that says so). Unknown keys
 /// are errors, and so is a file that is not a database.
 [[nodiscard]] std::shared_ptr<Connection> newConnection();
-
-/// The CREATE statements, as T-SQL, of everything that the database of an open connection holds, in
-/// the order of creation; nothing when the connection's provider does not keep them. Throws
-/// `Error`.
-[[nodiscard]] std::optional<std::vector<std::string>> storedDefinitions(Connection& connection);
 
 }  // namespace azcoll::embedded

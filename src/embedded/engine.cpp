@@ -3,16 +3,16 @@
 #include <filesystem>
 #include <utility>
 
-#include "data/text.h"
 #include "embedded/catalogue/store.h"
 #include "embedded/plan/guards.h"
 #include "embedded/plan/slots.h"
 #include "embedded/run/batch_runner.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
-#include "tsql/parser.h"
+#include "text/letter_case.h"
+#include "text/trimming.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

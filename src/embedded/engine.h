@@ -16,7 +16,7 @@
 #include "embedded/run/session.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/values/sql_error.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 
@@ -48,8 +48,13 @@ class Engine final : private Plans, private Transactions {
   /// The CREATE statements of what the database holds, in the order of creation.
   [[nodiscard]] std::vector<std::string> definitions();
 
+  /// Begins a transaction; throws `SqlError` when there is one already.
   void begin() override;
+  /// Makes the changes of the transaction last; throws `SqlError` 3902 when there is none, or when
+  /// it is lost.
   void commit() override;
+  /// Undoes the transaction, definitions included; throws `SqlError` 3903 when there is none. Ends
+  /// one that is lost, too.
   void rollback() override;
   [[nodiscard]] bool inTransaction() const { return session_.database.inTransaction(); }
   /// Whether SQLite has undone the transaction by itself (a change broken off, a full disk).
@@ -59,6 +64,7 @@ class Engine final : private Plans, private Transactions {
   /// Seconds after which a text is broken off; 0 for never.
   void setTimeout(int seconds) { session_.timeLimit.setTimeout(seconds); }
 
+  /// The plans kept; for tests.
   [[nodiscard]] const PlanCache& cache() const { return cache_; }
 
  private:

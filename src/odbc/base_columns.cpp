@@ -81,7 +81,7 @@ class ListFollower {
         if (at_ == columns_.size() || !equalsIgnoringCase(columns_[at_].name, column)) {
           return false;
         }
-        settle(source.name, column);
+        describe(source.name, column);
       }
     }
     return any;
@@ -94,7 +94,7 @@ class ListFollower {
     const SelectSource* const source =
         item.kind == SelectItem::Kind::Column ? ownerOf(item) : nullptr;
     if (source != nullptr) {
-      settle(source->name, item.column);
+      describe(source->name, item.column);
     } else {
       ++at_;
     }
@@ -123,7 +123,7 @@ class ListFollower {
     return owner;
   }
 
-  void settle(const std::string& table, const std::string& column) {
+  void describe(const std::string& table, const std::string& column) {
     if (timesNamed(shape_, table) == 1) {
       columns_[at_].baseTable = table;
       columns_[at_].baseColumn = column;
@@ -165,9 +165,10 @@ void markKeys(std::vector<ColumnInfo>& columns, const TableFinder& find) {
 
 }  // namespace
 
-std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns, std::string_view batch,
-                                       std::size_t index, std::size_t count, const Session& session,
-                                       Catalogue& catalogue, int timeoutSeconds) {
+std::vector<ColumnInfo> completedColumns(std::vector<ColumnInfo> columns, std::string_view batch,
+                                         std::size_t index, std::size_t count,
+                                         const Session& session, Catalogue& catalogue,
+                                         int timeoutSeconds) {
   const std::vector<SelectShape> shapes = selectShapes(batch);
   if (shapes.size() != count) {
     forgetBases(columns);

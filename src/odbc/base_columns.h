@@ -17,9 +17,9 @@ namespace azcoll::odbc {
 /// What the driver reported is kept where the query names the table once. Where the driver reported
 /// nothing, the query's own select list says it, if the catalogue's columns agree with the
 /// result's. In doubt a column has no base table, and a change of it is refused.
-[[nodiscard]] std::vector<ColumnInfo> settledColumns(std::vector<ColumnInfo> columns,
-                                                     std::string_view batch, std::size_t index,
-                                                     std::size_t count, const Session& session,
-                                                     Catalogue& catalogue, int timeoutSeconds);
+[[nodiscard]] std::vector<ColumnInfo> completedColumns(std::vector<ColumnInfo> columns,
+                                                       std::string_view batch, std::size_t index,
+                                                       std::size_t count, const Session& session,
+                                                       Catalogue& catalogue, int timeoutSeconds);
 
 }  // namespace azcoll::odbc

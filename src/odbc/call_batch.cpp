@@ -5,6 +5,7 @@
 #include <span>
 
 #include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::odbc {
 namespace {

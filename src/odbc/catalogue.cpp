@@ -29,7 +29,7 @@ SQLWCHAR* argument(std::u16string& text) { return text.empty() ? nullptr : units
 SQLSMALLINT lengthOf(const std::u16string& text) { return static_cast<SQLSMALLINT>(text.size()); }
 
 ResultSet columnsOf(const Session& session, std::string_view table, int timeoutSeconds) {
-  const auto statement = session.newStatement(timeoutSeconds, false);
+  const auto statement = session.newStatement(timeoutSeconds, Escapes::LeftAlone);
   std::u16string name = wideOf(table);
   statement->require(SQLColumnsW(statement->get(), nullptr, 0, nullptr, 0, units(name),
                                  lengthOf(name), nullptr, 0),
@@ -39,7 +39,7 @@ ResultSet columnsOf(const Session& session, std::string_view table, int timeoutS
 
 ResultSet keysOf(const Session& session, std::string_view schema, std::string_view table,
                  int timeoutSeconds) {
-  const auto statement = session.newStatement(timeoutSeconds, false);
+  const auto statement = session.newStatement(timeoutSeconds, Escapes::LeftAlone);
   std::u16string owner = wideOf(schema);
   std::u16string name = wideOf(table);
   statement->require(SQLPrimaryKeysW(statement->get(), nullptr, 0, argument(owner), lengthOf(owner),

@@ -29,7 +29,7 @@ std::vector<ProcedureParameter> namesAndDirections(const std::vector<DeclaredPar
 std::shared_ptr<Connection> newConnection() { return std::make_shared<OdbcConnection>(); }
 
 /// Completes the entries of a failure with what it means for connection and transaction.
-void OdbcConnection::settleTransaction(std::vector<ErrorInfo>& entries) {
+void OdbcConnection::noteTransaction(std::vector<ErrorInfo>& entries) {
   if (!session_) {
     return;
   }
@@ -60,7 +60,7 @@ void OdbcConnection::explain(ErrorInfo& entry) const {
 
 void OdbcConnection::fail(const DriverFailure& failure, std::string_view statement) {
   std::vector<ErrorInfo> entries = failure.entries();
-  settleTransaction(entries);
+  noteTransaction(entries);
   for (ErrorInfo& entry : entries) {
     explain(entry);
     entry.description = secrets_.masked(std::move(entry.description));
@@ -108,12 +108,12 @@ void OdbcConnection::close() {
 
 ExecutionResult OdbcConnection::runOn(std::string_view text,
                                       std::vector<BoundParameter>& parameters, int timeoutSeconds,
-                                      bool escapes, Reading reading) {
+                                      Escapes escapes, Reading reading) {
   Session& session = this->session();
   transaction_->beforeStatement();
-  const bool mayEscape =
-      escapes || text.find('{') == std::string_view::npos;  // nothing to leave alone
-  const auto statement = session.newStatement(timeoutSeconds, mayEscape);
+  const bool nothingToLeaveAlone = text.find('{') == std::string_view::npos;
+  const auto statement =
+      session.newStatement(timeoutSeconds, nothingToLeaveAlone ? Escapes::Translated : escapes);
   SQLUSMALLINT number = 0;
   for (BoundParameter& parameter : parameters) {
     parameter.bind(*statement, ++number);
@@ -131,7 +131,7 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
       catalogue_.forget();
     }
     const bool repeatable = session.speaksTSql() && !session.reread().bound && onlyReads(text);
-    ExecutionResult result = runOn(text, none, timeoutSeconds(), false,
+    ExecutionResult result = runOn(text, none, timeoutSeconds(), Escapes::LeftAlone,
                                    repeatable ? Reading::Repeatable : Reading::Once);
     const std::size_t count = result.results.size();
     if (count > 0) {
@@ -144,13 +144,13 @@ ExecutionResult OdbcConnection::run(std::string_view text) {
   });
 }
 
-std::vector<ColumnInfo> OdbcConnection::settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) {
+std::vector<ColumnInfo> OdbcConnection::completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) {
   Session& session = this->session();
   return recorded(*origin.batch, [&] {
     transaction_->beforeStatement();
-    return settledColumns(columns, *origin.batch, origin.index, origin.count, session, catalogue_,
-                          timeoutSeconds());
+    return completedColumns(columns, *origin.batch, origin.index, origin.count, session, catalogue_,
+                            timeoutSeconds());
   });
 }
 
@@ -164,7 +164,7 @@ std::int64_t OdbcConnection::runChange(std::string_view text,
       bound.push_back(BoundParameter::ofValue(value, session.speaksTSql()));
     }
     const std::int64_t changed =
-        runOn(text, bound, timeoutSeconds(), true, Reading::Once).recordsAffected;
+        runOn(text, bound, timeoutSeconds(), Escapes::Translated, Reading::Once).recordsAffected;
     if (changed < 0) {
       throw DriverFailure{"HY000", "Il driver ODBC non dice quante righe sono state modificate"};
     }
@@ -217,8 +217,8 @@ ExecutionResult OdbcConnection::callInOneStatement(const Procedure& procedure,
   for (std::size_t index = 0; index < declared.size(); ++index) {
     bound.push_back(BoundParameter::ofDeclared(declared[index], values[index]));
   }
-  ExecutionResult execution =
-      runOn(callText(procedure.name, declared.size()), bound, timeoutSeconds, true, Reading::Once);
+  ExecutionResult execution = runOn(callText(procedure.name, declared.size()), bound,
+                                    timeoutSeconds, Escapes::Translated, Reading::Once);
   for (std::size_t index = 0; index < declared.size(); ++index) {
     if (declared[index].direction != ParameterDirection::Input) {
       values[index] = bound[index].output();
@@ -232,7 +232,7 @@ ExecutionResult OdbcConnection::callInABatch(const Procedure& procedure,
                                              std::vector<Variant>& values, int timeoutSeconds) {
   CallBatch batch{procedure.name, procedure.declared, values};
   ExecutionResult execution =
-      runOn(batch.text(), batch.parameters(), timeoutSeconds, false, Reading::Once);
+      runOn(batch.text(), batch.parameters(), timeoutSeconds, Escapes::LeftAlone, Reading::Once);
   batch.takeOutputs(execution, values);
   return execution;
 }

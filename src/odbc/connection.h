@@ -31,8 +31,8 @@ class OdbcConnection final : public cursor::ProviderConnection {
   ExecutionResult run(std::string_view text) override;
   std::int64_t runChange(std::string_view text, const std::vector<Variant>& parameters) override;
   [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) override;
-  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) override;
+  [[nodiscard]] std::vector<ColumnInfo> completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) override;
 
  private:
   class Procedure;
@@ -41,10 +41,10 @@ class OdbcConnection final : public cursor::ProviderConnection {
   auto recorded(std::string_view statement, Action action);
   [[noreturn]] void fail(const DriverFailure& failure, std::string_view statement);
   void explain(ErrorInfo& entry) const;
-  void settleTransaction(std::vector<ErrorInfo>& entries);
+  void noteTransaction(std::vector<ErrorInfo>& entries);
   [[nodiscard]] Session& session() const;
   ExecutionResult runOn(std::string_view text, std::vector<BoundParameter>& parameters,
-                        int timeoutSeconds, bool escapes, Reading reading);
+                        int timeoutSeconds, Escapes escapes, Reading reading);
   ExecutionResult callByName(std::string_view name) override;
   ExecutionResult call(const Procedure& procedure, std::vector<Variant>& values,
                        int timeoutSeconds);

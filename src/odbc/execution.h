@@ -14,7 +14,7 @@ namespace azcoll::odbc {
 /// Throws `DriverFailure`. With `Reading::Repeatable` the text may run a second time, for a driver
 /// that has cut a value and cannot give it again.
 ///
-/// The column descriptions are the driver's own; base tables and keys are for the caller to settle.
+/// The column descriptions are the driver's own; base tables and keys are for the caller to add.
 [[nodiscard]] ExecutionResult runToEnd(const Handle& statement, std::string_view text,
                                        RereadAbilities reread, Reading reading);
 

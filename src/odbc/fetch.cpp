@@ -23,7 +23,7 @@ constexpr std::size_t kLargestPiece = std::size_t{1024} * 1024;
 constexpr std::size_t kLongestValue = std::size_t{1024} * 1024 * 1024;
 
 /// A bound column: where its values and their lengths arrive.
-struct Slot {
+struct BoundColumn {
   Carrier carrier = Carrier::Text;
   std::size_t width = 0;
   std::size_t fixed = 0;  ///< bytes of every value, when they are always the same
@@ -179,7 +179,7 @@ class BlockReader {
       if (rows_ > 1 && status_[row] == SQL_ROW_ERROR) {
         throw DriverFailure{diagnosticsOf(SQL_HANDLE_STMT, statement_.get(), "SQLFetch")};
       }
-      for (std::size_t column = 0; column < slots_.size(); ++column) {
+      for (std::size_t column = 0; column < bound_.size(); ++column) {
         append(rows, row, column);
       }
       rows.endRow();
@@ -203,34 +203,34 @@ class BlockReader {
       statement_.require(setPointer(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_), "SQLSetStmtAttr");
       statement_.require(setPointer(SQL_ATTR_ROW_STATUS_PTR, status_.data()), "SQLSetStmtAttr");
     }
-    slots_.resize(columns_.size());
+    bound_.resize(columns_.size());
     for (std::size_t index = 0; index < columns_.size(); ++index) {
-      Slot& slot = slots_[index];
-      slot.carrier = columns_[index].carrier;
-      slot.width = widthOf(columns_[index]);
-      slot.fixed = fixedWidth(slot.carrier);
-      slot.room = slot.width - terminatorWidth(slot.carrier);
-      slot.values = std::make_unique_for_overwrite<std::byte[]>(slot.width * rows_);
-      slot.lengths.assign(rows_, 0);
+      BoundColumn& bound = bound_[index];
+      bound.carrier = columns_[index].carrier;
+      bound.width = widthOf(columns_[index]);
+      bound.fixed = fixedWidth(bound.carrier);
+      bound.room = bound.width - terminatorWidth(bound.carrier);
+      bound.values = std::make_unique_for_overwrite<std::byte[]>(bound.width * rows_);
+      bound.lengths.assign(rows_, 0);
       statement_.require(
-          SQLBindCol(statement_.get(), static_cast<SQLUSMALLINT>(index + 1), cTypeOf(slot.carrier),
-                     slot.values.get(), static_cast<SQLLEN>(slot.width), slot.lengths.data()),
+          SQLBindCol(statement_.get(), static_cast<SQLUSMALLINT>(index + 1), cTypeOf(bound.carrier),
+                     bound.values.get(), static_cast<SQLLEN>(bound.width), bound.lengths.data()),
           "SQLBindCol");
     }
   }
 
   void append(cursor::PackedRows& rows, std::size_t row, std::size_t column) {
-    const Slot& slot = slots_[column];
-    const SQLLEN length = slot.lengths[row];
+    const BoundColumn& bound = bound_[column];
+    const SQLLEN length = bound.lengths[row];
     if (length == SQL_NULL_DATA) {
       return rows.appendNull();
     }
-    if (slot.fixed != 0) {
-      return decodeInto(rows, slot.carrier, slot.value(row));
+    if (bound.fixed != 0) {
+      return decodeInto(rows, bound.carrier, bound.value(row));
     }
-    if (length >= 0 && static_cast<std::size_t>(length) <= slot.room) {
-      return decodeInto(rows, slot.carrier,
-                        slot.value(row).first(static_cast<std::size_t>(length)));
+    if (length >= 0 && static_cast<std::size_t>(length) <= bound.room) {
+      return decodeInto(rows, bound.carrier,
+                        bound.value(row).first(static_cast<std::size_t>(length)));
     }
     if (repeatable_) {
       throw CutValue{};
@@ -244,7 +244,7 @@ class BlockReader {
       statement_.require(SQLSetPos(statement_.get(), row + 1, SQL_POSITION, SQL_LOCK_NO_CHANGE),
                          "SQLSetPos");
     }
-    return readInPieces(statement_, static_cast<SQLUSMALLINT>(column + 1), slots_[column].carrier);
+    return readInPieces(statement_, static_cast<SQLUSMALLINT>(column + 1), bound_[column].carrier);
   }
 
   const Handle& statement_;
@@ -253,7 +253,7 @@ class BlockReader {
   std::size_t rows_ = 1;
   SQLULEN fetched_ = 0;
   std::vector<SQLUSMALLINT> status_;
-  std::vector<Slot> slots_;
+  std::vector<BoundColumn> bound_;
 };
 
 void fetchInPieces(const Handle& statement, const std::vector<Column>& columns,

@@ -13,6 +13,7 @@
 #include "odbc/sql_words.h"
 #include "odbc/strings.h"
 #include "text/letter_case.h"
+#include "text/trimming.h"
 
 namespace azcoll::odbc {
 namespace {
@@ -112,7 +113,7 @@ SQLULEN sizeOf(const Rows& rows, std::size_t row, SQLSMALLINT type) {
 }
 
 Rows describe(const Session& session, std::string_view procedure, int timeoutSeconds) {
-  const auto statement = session.newStatement(timeoutSeconds, false);
+  const auto statement = session.newStatement(timeoutSeconds, Escapes::LeftAlone);
   std::u16string name = wideOf(procedure);
   statement->require(SQLProcedureColumnsW(statement->get(), nullptr, 0, nullptr, 0, units(name),
                                           static_cast<SQLSMALLINT>(name.size()), nullptr, 0),

@@ -52,7 +52,7 @@ void Session::askAbilities() {
   }
 }
 
-std::unique_ptr<Handle> Session::newStatement(int timeoutSeconds, bool escapes) const {
+std::unique_ptr<Handle> Session::newStatement(int timeoutSeconds, Escapes escapes) const {
   auto statement = std::make_unique<Handle>(SQL_HANDLE_STMT, connection_.get());
   const auto set = [&](SQLINTEGER attribute, SQLULEN value) {
     SQLSetStmtAttrW(statement->get(), attribute, attributeValue(value), SQL_IS_UINTEGER);
@@ -61,7 +61,7 @@ std::unique_ptr<Handle> Session::newStatement(int timeoutSeconds, bool escapes) 
   if (timeoutSeconds > 0) {
     set(SQL_ATTR_QUERY_TIMEOUT, static_cast<SQLULEN>(timeoutSeconds));
   }
-  if (!escapes) {
+  if (escapes == Escapes::LeftAlone) {
     set(SQL_ATTR_NOSCAN, SQL_NOSCAN_ON);
   }
   return statement;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -8,6 +9,9 @@
 #include "odbc/handles.h"
 
 namespace azcoll::odbc {
+
+/// Whether the driver looks for its `{…}` escapes in a text.
+enum class Escapes : std::uint8_t { LeftAlone, Translated };
 
 /// A live connection of the driver manager. Destroying it undoes an open transaction and
 /// disconnects. Every operation throws `DriverFailure`.
@@ -21,9 +25,8 @@ class Session {
   Session& operator=(Session&&) = delete;
   ~Session();
 
-  /// A fresh statement that waits at most `timeoutSeconds` (0: without limit). `escapes`: whether
-  /// the driver looks for its `{…}` escapes in the text.
-  [[nodiscard]] std::unique_ptr<Handle> newStatement(int timeoutSeconds, bool escapes) const;
+  /// A fresh statement that waits at most `timeoutSeconds` (0: without limit).
+  [[nodiscard]] std::unique_ptr<Handle> newStatement(int timeoutSeconds, Escapes escapes) const;
 
   /// Whether every statement counts at once.
   [[nodiscard]] bool isAutocommit() const { return autocommit_; }

@@ -28,14 +28,14 @@ bool isNothingToUndo(const std::vector<ErrorInfo>& entries) {
 }
 
 void run(const Session& session, std::string_view text) {
-  static_cast<void>(runToEnd(*session.newStatement(kQuestionSeconds, false), text, session.reread(),
-                             Reading::Once));
+  static_cast<void>(runToEnd(*session.newStatement(kQuestionSeconds, Escapes::LeftAlone), text,
+                             session.reread(), Reading::Once));
 }
 
 /// The one number that a query gives, as its last result.
 std::int64_t numberOf(const Session& session, std::string_view text, int timeoutSeconds) {
-  const ExecutionResult answer =
-      runToEnd(*session.newStatement(timeoutSeconds, false), text, session.reread(), Reading::Once);
+  const ExecutionResult answer = runToEnd(*session.newStatement(timeoutSeconds, Escapes::LeftAlone),
+                                          text, session.reread(), Reading::Once);
   if (answer.results.empty() || answer.results.back().packed->rowCount() == 0) {
     throw DriverFailure{"HY000", join("Il server non risponde a: ", text)};
   }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "cursor/native_connection.h"
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
 #ifdef AZCOLL_WITH_ODBC
@@ -33,7 +34,8 @@ std::shared_ptr<Connection> newConnectionFor(std::string_view connectionString) 
 }
 
 std::optional<std::vector<std::string>> storedDefinitions(Connection& connection) {
-  return embedded::storedDefinitions(connection);
+  NativeConnection* const native = connection.native();
+  return native == nullptr ? std::nullopt : native->storedDefinitions();
 }
 
 }  // namespace azcoll

@@ -15,8 +15,9 @@ namespace azcoll {
 /// when the provider is not part of this build.
 [[nodiscard]] std::shared_ptr<Connection> newConnectionFor(std::string_view connectionString);
 
-/// The CREATE statements of everything in an open database whose engine keeps them as T-SQL text;
-/// nothing for a server, whose catalogue is asked by queries. Throws `Error`.
+/// The CREATE statements, in the order of creation, of everything in an open database whose engine
+/// keeps them as T-SQL text; nothing for a server, whose catalogue is asked by queries. Throws
+/// `Error`.
 [[nodiscard]] std::optional<std::vector<std::string>> storedDefinitions(Connection& connection);
 
 }  // namespace azcoll

@@ -61,6 +61,14 @@ class FoldedReader {
 
 }  // namespace
 
+std::string ascii::upper(std::string_view text) {
+  std::string capitals{text};
+  for (char& letter : capitals) {
+    letter = upper(letter);
+  }
+  return capitals;
+}
+
 std::uint32_t foldCase(std::uint32_t codePoint) {
   if (codePoint < 0x80) {
     return isWithin(codePoint, 'A', 'Z') ? codePoint + ('a' - 'A') : codePoint;

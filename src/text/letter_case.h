@@ -20,6 +20,9 @@ constexpr char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
+/// `text` with the letters a to z made capitals.
+[[nodiscard]] std::string upper(std::string_view text);
+
 /// Whether two texts are the same but for the case of their letters.
 constexpr bool equalsIgnoringCase(std::string_view left, std::string_view right) {
   if (left.size() != right.size()) {

@@ -18,12 +18,4 @@ std::string quoted(std::string_view text, char open) {
   return open + doubled(text, close) + close;
 }
 
-std::string_view trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 }  // namespace azcoll

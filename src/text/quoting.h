@@ -12,7 +12,4 @@ namespace azcoll {
 /// which close themselves, or `[` or `{`, which `]` and `}` close.
 [[nodiscard]] std::string quoted(std::string_view text, char open);
 
-/// `text` without the blanks (U+0020) at its start and end.
-[[nodiscard]] std::string_view trim(std::string_view text);
-
 }  // namespace azcoll

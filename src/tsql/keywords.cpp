@@ -220,18 +220,18 @@ constexpr std::size_t hashOf(std::string_view word) {
   return (hash ^ (hash >> 15U)) & (kSlots - 1);
 }
 
-// Slot -> index into kEntries plus one; 0 is an empty slot. Collisions go to the next slot.
+// Slot -> index into kEntries plus one; 0 is an empty place. Collisions go to the next place.
 constexpr std::array<std::uint8_t, kSlots> makeSlots() {
   static_assert(kEntries.size() < 255);
-  std::array<std::uint8_t, kSlots> slots{};
+  std::array<std::uint8_t, kSlots> places{};
   for (std::size_t i = 0; i < kEntries.size(); ++i) {
-    std::size_t slot = hashOf(kEntries[i].first);
-    while (slots[slot] != 0) {
-      slot = (slot + 1) & (kSlots - 1);
+    std::size_t place = hashOf(kEntries[i].first);
+    while (places[place] != 0) {
+      place = (place + 1) & (kSlots - 1);
     }
-    slots[slot] = static_cast<std::uint8_t>(i + 1);
+    places[place] = static_cast<std::uint8_t>(i + 1);
   }
-  return slots;
+  return places;
 }
 
 constexpr std::array<std::uint8_t, kSlots> kSlotTable = makeSlots();
@@ -243,8 +243,9 @@ Keyword findKeyword(std::string_view word) {
   if (word.size() < 2 || word.size() > kLongest) {
     return Keyword::None;
   }
-  for (std::size_t slot = hashOf(word); kSlotTable[slot] != 0; slot = (slot + 1) & (kSlots - 1)) {
-    const Entry& entry = kEntries[kSlotTable[slot] - 1U];
+  for (std::size_t place = hashOf(word); kSlotTable[place] != 0;
+       place = (place + 1) & (kSlots - 1)) {
+    const Entry& entry = kEntries[kSlotTable[place] - 1U];
     if (ascii::equalsIgnoringCase(word, entry.first)) {
       return entry.second;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 #include "tsql/letters.h"
 #include "tsql/position.h"

@@ -1,5 +1,6 @@
 #include <charconv>
 
+#include "text/letter_case.h"
 #include "tsql/parser_core.h"
 
 namespace azcoll::tsql {

@@ -1,5 +1,6 @@
 #include <optional>
 
+#include "text/letter_case.h"
 #include "tsql/condition.h"
 #include "tsql/parser_core.h"
 
@@ -71,7 +72,7 @@ ExpressionPtr Parser::parseCondition() {
 
 ExpressionPtr Parser::parseScalar() {
   const Part part(*this);
-  return parseArithmetic(kReadsAdditive, false);
+  return parseArithmetic(kReadsAdditive, Inside::Value);
 }
 
 /// Inside parentheses, where only what follows distinguishes a condition from a value.
@@ -117,7 +118,7 @@ ExpressionPtr Parser::parsePredicate(Wanted wanted) {
   if (is(Keyword::Exists)) {
     return parseExists();
   }
-  ExpressionPtr left = parseArithmetic(kReadsAdditive, true);
+  ExpressionPtr left = parseArithmetic(kReadsAdditive, Inside::ValueOrCondition);
   if (isCondition(*left)) {
     return left;
   }
@@ -132,7 +133,7 @@ ExpressionPtr Parser::parsePredicateBehind(ExpressionPtr left, Wanted wanted) {
     if (is(Keyword::All) || is(Keyword::Any) || is(Keyword::Some)) {
       failOutside("ALL, ANY and SOME in front of a subquery");
     }
-    return makeBinary(*comparison, std::move(left), parseArithmetic(kReadsAdditive, false));
+    return makeBinary(*comparison, std::move(left), parseArithmetic(kReadsAdditive, Inside::Value));
   }
   switch (current_.keyword) {
     case Keyword::Is: {
@@ -162,16 +163,17 @@ ExpressionPtr Parser::parseNegatable(ExpressionPtr left, bool negated) {
     return parseIn(std::move(left), negated);
   }
   if (accept(Keyword::Like)) {
-    Like like{std::move(left), parseArithmetic(kReadsAdditive, false), nullptr, negated};
+    Like like{std::move(left), parseArithmetic(kReadsAdditive, Inside::Value), nullptr, negated};
     if (accept(Keyword::Escape)) {
-      like.escape = parseArithmetic(kReadsAdditive, false);
+      like.escape = parseArithmetic(kReadsAdditive, Inside::Value);
     }
     return makeExpression(position, std::move(like));
   }
   expect(Keyword::Between);
-  Between between{std::move(left), parseArithmetic(kReadsAdditive, false), nullptr, negated};
+  Between between{std::move(left), parseArithmetic(kReadsAdditive, Inside::Value), nullptr,
+                  negated};
   expect(Keyword::And);
-  between.high = parseArithmetic(kReadsAdditive, false);
+  between.high = parseArithmetic(kReadsAdditive, Inside::Value);
   return makeExpression(position, std::move(between));
 }
 
@@ -216,9 +218,9 @@ std::vector<ExpressionPtr> Parser::parseScalarList() {
 
 /// Operators of at least the precedence `minimum`, all of them left-associative. A condition in
 /// parentheses is handed back as it is: nothing can be evaluated with it.
-ExpressionPtr Parser::parseArithmetic(int minimum, bool conditionAllowed) {
-  ExpressionPtr left = parseUnary(conditionAllowed);
-  if (conditionAllowed && isCondition(*left)) {
+ExpressionPtr Parser::parseArithmetic(int minimum, Inside inside) {
+  ExpressionPtr left = parseUnary(inside);
+  if (inside == Inside::ValueOrCondition && isCondition(*left)) {
     return left;
   }
   // `T.*` is a whole item: nothing is calculated with it.
@@ -235,24 +237,24 @@ ExpressionPtr Parser::parseArithmetic(int minimum, bool conditionAllowed) {
     }
     advance();
     left = makeBinary(arithmetic->op, std::move(left),
-                      parseArithmetic(arithmetic->precedence + 1, false));
+                      parseArithmetic(arithmetic->precedence + 1, Inside::Value));
     addLink();
   }
 }
 
 /// A sign binds less tightly than `*`, `/` and `%`: `-100 / -100 * 10` is -(100 / -(100 * 10)).
-ExpressionPtr Parser::parseUnary(bool conditionAllowed) {
+ExpressionPtr Parser::parseUnary(Inside inside) {
   if (!is(Symbol::Minus) && !is(Symbol::Plus)) {
-    return parsePrimary(conditionAllowed);
+    return parsePrimary(inside);
   }
   const Nesting nesting(*this);
   const Position position = current_.position;
   const UnaryOperator op = is(Symbol::Minus) ? UnaryOperator::Minus : UnaryOperator::Plus;
   advance();
-  return makeExpression(position, Unary{op, parseArithmetic(kReadsMultiplicative, false)});
+  return makeExpression(position, Unary{op, parseArithmetic(kReadsMultiplicative, Inside::Value)});
 }
 
-ExpressionPtr Parser::parsePrimary(bool conditionAllowed) {
+ExpressionPtr Parser::parsePrimary(Inside inside) {
   if (current_.isConstant()) {
     ExpressionPtr literal = takeLiteral();
     if (is(Keyword::Collate)) {
@@ -262,7 +264,7 @@ ExpressionPtr Parser::parsePrimary(bool conditionAllowed) {
   }
   ExpressionPtr primary;
   if (is(Symbol::LeftParenthesis)) {
-    primary = parseParenthesized(conditionAllowed);
+    primary = parseParenthesized(inside);
   } else if (isName()) {
     primary = parseNamePrimary();
   } else if (current_.kind == TokenKind::Variable) {
@@ -321,7 +323,7 @@ ExpressionPtr Parser::parseReservedPrimary() {
   }
 }
 
-ExpressionPtr Parser::parseParenthesized(bool conditionAllowed) {
+ExpressionPtr Parser::parseParenthesized(Inside inside) {
   const Nesting nesting(*this);
   const Position position = current_.position;
   advance();
@@ -330,7 +332,7 @@ ExpressionPtr Parser::parseParenthesized(bool conditionAllowed) {
     expect(Symbol::RightParenthesis);
     return makeExpression(position, ScalarQuery{std::move(query)});
   }
-  ExpressionPtr inner = conditionAllowed ? parseEither() : parseScalar();
+  ExpressionPtr inner = inside == Inside::ValueOrCondition ? parseEither() : parseScalar();
   continueQuery(std::get_if<ScalarQuery>(&inner->node));
   expect(Symbol::RightParenthesis);
   return inner;

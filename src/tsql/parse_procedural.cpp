@@ -1,3 +1,4 @@
+#include "text/letter_case.h"
 #include "tsql/parser_core.h"
 
 namespace azcoll::tsql {
@@ -169,10 +170,7 @@ SetOptionStatement Parser::parseSetOption() {
   if (current_.kind != TokenKind::Word) {
     fail();
   }
-  set.option = std::string(current_.raw);
-  for (char& c : set.option) {
-    c = ascii::upper(c);
-  }
+  set.option = ascii::upper(current_.raw);
   advance();
   if (is(Keyword::On) || is(Keyword::Off)) {
     set.on = is(Keyword::On);

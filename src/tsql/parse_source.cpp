@@ -1,5 +1,6 @@
 #include <array>
 
+#include "text/letter_case.h"
 #include "tsql/parser_core.h"
 
 namespace azcoll::tsql {
@@ -296,11 +297,7 @@ void Parser::parseHintList(std::vector<std::string>& hints) {
                  "database compatibility mode is set to 90.",
              current_);
     }
-    std::string hint(current_.raw);
-    for (char& c : hint) {
-      c = ascii::upper(c);
-    }
-    hints.push_back(std::move(hint));
+    hints.push_back(ascii::upper(current_.raw));
     advance();
     if (accept(Symbol::RightParenthesis)) {
       return;

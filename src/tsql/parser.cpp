@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 #include "tsql/parser_core.h"
 #include "tsql/position.h"
@@ -239,10 +240,7 @@ std::vector<std::string> Parser::parseNameList() {
 TypeName Parser::parseType() {
   TypeName type;
   type.position = current_.position;
-  type.name = takeName();
-  for (char& c : type.name) {
-    c = ascii::upper(c);
-  }
+  type.name = ascii::upper(takeName());
   if (is(Symbol::Dot)) {
     failOutside("a data type with a schema");
   }

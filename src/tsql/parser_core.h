@@ -64,6 +64,8 @@ class Parser {
 
   /// What an expression may be: a condition, or a condition or a value (inside parentheses).
   enum class Wanted : std::uint8_t { Condition, Either };
+  /// What parentheses may hold.
+  enum class Inside : std::uint8_t { Value, ValueOrCondition };
 
   /// What stands in parentheses in a FROM clause: joined sources, or a query that still lacks the
   /// alias of a derived table.
@@ -121,11 +123,11 @@ class Parser {
   ExpressionPtr parsePredicateBehind(ExpressionPtr left, Wanted wanted);
   ExpressionPtr parseNegatable(ExpressionPtr left, bool negated);
   ExpressionPtr parseIn(ExpressionPtr left, bool negated);
-  ExpressionPtr parseArithmetic(int minimum, bool conditionAllowed);
-  ExpressionPtr parseUnary(bool conditionAllowed);
-  ExpressionPtr parsePrimary(bool conditionAllowed);
+  ExpressionPtr parseArithmetic(int minimum, Inside inside);
+  ExpressionPtr parseUnary(Inside inside);
+  ExpressionPtr parsePrimary(Inside inside);
   ExpressionPtr parseReservedPrimary();
-  ExpressionPtr parseParenthesized(bool conditionAllowed);
+  ExpressionPtr parseParenthesized(Inside inside);
   bool continueQuery(ScalarQuery* first);
   ExpressionPtr parseNamePrimary();
   ExpressionPtr parseCall(ObjectName name);

@@ -85,11 +85,11 @@ void Printer::write(const CreateIndexStatement& index) {
   out_ += " ON ";
   objectName(index.table);
   out_ += " (";
-  for (std::size_t i = 0; i < index.columns.size(); ++i) {
-    out_ += i == 0 ? "" : ", ";
-    name(index.columns[i]);
-    out_ += index.descending[i] ? " DESC" : "";
-  }
+  auto descending = index.descending.begin();
+  list(index.columns, [&](const std::string& column) {
+    name(column);
+    out_ += *descending++ ? " DESC" : "";
+  });
   out_ += ')';
 }
 

@@ -1,5 +1,6 @@
 #include "tsql/printer.h"
 
+#include "text/letter_case.h"
 #include "text/quoting.h"
 #include "text/utf8.h"
 #include "tsql/characters.h"

@@ -1,5 +1,7 @@
+#include "tsql/script.h"
+
+#include "text/letter_case.h"
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 #include "tsql/position.h"
 
 namespace azcoll::tsql {

@@ -1,10 +1,12 @@
+#include "tsql/shape.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 
 namespace azcoll::tsql {
 

@@ -4,7 +4,6 @@
 
 #include "text/utf8.h"
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 
 namespace azcoll::tsql {
 

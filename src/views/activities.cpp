@@ -11,6 +11,7 @@
 #include "data/error.h"
 #include "data/text.h"
 #include "service/service.h"
+#include "text/trimming.h"
 #include "views/rows.h"
 #include "views/unattended_platform.h"
 #include "views/value_text.h"
@@ -95,8 +96,7 @@ Rows readRegisters(Connection& connection, const ActivityView& view) {
 void fillRegisters(ActivityView& view, const Rows& rows) {
   for (const std::vector<Variant>& row : rows.rows) {
     ActivityYear& year = row[0].toInt32() == view.current.year ? view.current : view.previous;
-    std::string code = exchangeText(row[1]);
-    code.erase(code.find_last_not_of(' ') + 1);
+    std::string code{trimEnd(exchangeText(row[1]))};
     if (row[2].isNull()) {
       year.freeRegisters.push_back(std::move(code));
       continue;
@@ -145,6 +145,7 @@ ByKey byKey(const ActivityYear& year) {
 std::string listed(const std::vector<std::string>& registers) {
   std::string text;
   for (const std::string& code : registers) {
+    // A blank code, which comes first, is not shown by its comma.
     text += (text.empty() ? "" : ", ") + code;
   }
   return text;

@@ -46,9 +46,9 @@ class SameOrderConnection final : public NativeConnection {
   [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) override {
     return native_->findProcedure(name);
   }
-  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) override {
-    return native_->settle(columns, origin);
+  [[nodiscard]] std::vector<ColumnInfo> completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) override {
+    return native_->completeColumns(columns, origin);
   }
   void record(std::vector<ErrorInfo> entries) override { native_->record(std::move(entries)); }
 

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "fuzz/check.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::fuzz {
 namespace {

@@ -16,10 +16,10 @@
 
 #include "cursor/client_cursor.h"
 #include "data/error.h"
-#include "data/text.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
 #include "text/letter_case.h"
+#include "text/quoting.h"
 
 namespace azcoll::fuzz {
 namespace {

@@ -11,10 +11,10 @@
 #include "component/platform.h"
 #include "data/date.h"
 #include "data/error.h"
-#include "data/text.h"
 #include "embedded/values/date_values.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
+#include "text/trimming.h"
 
 namespace azcoll::fuzz {
 namespace {

@@ -21,6 +21,8 @@
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
+#include "tsql/script.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::fuzz {
 namespace {

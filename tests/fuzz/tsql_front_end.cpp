@@ -14,6 +14,9 @@
 #include "tsql/lexer.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
+#include "tsql/script.h"
+#include "tsql/shape.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::fuzz {
 namespace {

@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <optional>
 
-#include "data/text.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/number_values.h"
 #include "embedded/values/sql_error.h"
 #include "fuzz/check.h"
 #include "fuzz/constants.h"
+#include "text/trimming.h"
 #include "text/utf8.h"
 
 namespace azcoll::fuzz {

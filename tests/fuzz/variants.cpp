@@ -12,12 +12,12 @@
 
 #include "data/decimal.h"
 #include "data/error.h"
-#include "data/text.h"
 #include "data/variant.h"
 #include "fuzz/check.h"
 #include "fuzz/exact_number.h"
 #include "fuzz/targets.h"
 #include "fuzz/typed_values.h"
+#include "text/trimming.h"
 
 namespace azcoll::fuzz {
 namespace {

@@ -9,7 +9,7 @@
 #include "service/members.h"
 #include "support/recording_connection.h"
 #include "support/test_database.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::statements {
 namespace {

@@ -15,7 +15,8 @@
 #include "statements/statement_file.h"
 #include "support/test_database.h"
 #include "tsql/lexer.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
+#include "tsql/shape.h"
 
 namespace azcoll::statements {
 namespace {
@@ -177,7 +178,7 @@ TEST_P(Engines, GiveTheSameGroups) {
   EXPECT_GT(groups, 40U);
 }
 
-TEST(TopWithoutOrder, IsToldApart) {
+TEST(TopWithoutOrder, IsRecognised) {
   EXPECT_TRUE(takesAnyRows("SELECT TOP 1 a FROM t"));
   EXPECT_TRUE(takesAnyRows("SELECT (SELECT TOP (1) a FROM t) FROM t ORDER BY 1"));
   EXPECT_FALSE(takesAnyRows("SELECT TOP (1) a FROM (SELECT 1 AS a) AS t ORDER BY a"));

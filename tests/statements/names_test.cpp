@@ -13,6 +13,8 @@
 #include "statements/statement_file.h"
 #include "support/test_database.h"
 #include "tsql/parser.h"
+#include "tsql/script.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::statements {
 namespace {

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "data/text.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::statements {
 namespace {

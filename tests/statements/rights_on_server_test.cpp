@@ -176,7 +176,7 @@ TEST_F(RoleOnAServer, LosesACallWithEachRightAndNoneWithAll) {
     const auto& [object, verb] = right;
     const std::string granted = verbs_.contains(right) ? verbs_[right] : verb;
     run(join("REVOKE ", granted, " ON dbo.", object, " FROM ", std::string{kServiceRole}));
-    const auto missesIt = [&](const MethodCall& call) { return misses(call, verb); };
+    const auto missesIt = [&, lost = verb](const MethodCall& call) { return misses(call, lost); };
     bool missed = std::ranges::any_of(calls, missesIt);
     // A statement behind a condition is refused only when it is reached.
     for (auto call = calls.begin(); !missed && call != calls.end(); ++call) {

@@ -10,6 +10,7 @@
 
 #include "support/test_database.h"
 #include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::statements {
 namespace {

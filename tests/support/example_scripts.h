@@ -13,6 +13,7 @@
 #include "data/error.h"
 #include "tsql/ast.h"
 #include "tsql/parser.h"
+#include "tsql/script.h"
 
 /// The scripts of `schema/` with their example data, and a table of the tests' own, for any
 /// database.

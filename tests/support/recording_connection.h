@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -60,20 +61,23 @@ class RecordingConnection final : public NativeConnection {
   }
 
   [[nodiscard]] std::shared_ptr<NativeProcedure> findProcedure(std::string_view name) override {
-    return std::make_shared<ToldProcedure>(inner_->findProcedure(name), std::string{name},
-                                           listener_.procedure);
+    return std::make_shared<RecordedProcedure>(inner_->findProcedure(name), std::string{name},
+                                               listener_.procedure);
   }
-  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) override {
-    return inner_->settle(columns, origin);
+  [[nodiscard]] std::vector<ColumnInfo> completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) override {
+    return inner_->completeColumns(columns, origin);
+  }
+  [[nodiscard]] std::optional<std::vector<std::string>> storedDefinitions() override {
+    return inner_->storedDefinitions();
   }
   void record(std::vector<ErrorInfo> entries) override { inner_->record(std::move(entries)); }
 
  private:
-  class ToldProcedure final : public NativeProcedure {
+  class RecordedProcedure final : public NativeProcedure {
    public:
-    ToldProcedure(std::shared_ptr<NativeProcedure> inner, std::string name,
-                  std::function<void(std::string_view)> listener)
+    RecordedProcedure(std::shared_ptr<NativeProcedure> inner, std::string name,
+                      std::function<void(std::string_view)> listener)
         : NativeProcedure{inner->parameters()},
           inner_{std::move(inner)},
           name_{std::move(name)},

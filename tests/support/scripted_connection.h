@@ -59,10 +59,10 @@ class ScriptedErrors final : public Errors {
 /// A connection whose answers a test writes down beforehand. It reports every operation.
 ///
 /// A statement is answered by the last rule for its exact text, else by the last rule for a prefix
-/// of it. Without a rule a SELECT gives no rows and the columns scripted for its table, anything else
-/// is accepted. `CommandExecute` has the options type, time-out, prepared, execute option, and 1
-/// when the command works on this connection. The steps of a transaction have the number of errors
-/// that the connection holds when they come.
+/// of it. Without a rule a SELECT gives no rows and the columns scripted for its table, anything
+/// else is accepted. `CommandExecute` has the options type, time-out, prepared, execute option, and
+/// 1 when the command works on this connection. The steps of a transaction have the number of
+/// errors that the connection holds when they come.
 class ScriptedConnection final : public NativeConnection {
  public:
   /// What a statement gives, or how it fails.

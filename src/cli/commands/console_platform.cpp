@@ -8,7 +8,7 @@
 
 #include "cli/print/names.h"
 #include "data/error.h"
-#include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::cli {
 
@@ -35,7 +35,7 @@ Answer ConsolePlatform::messageBox(std::string_view text, int /*style*/, std::st
     console_.err << "Nessun terminale a cui chiedere: la risposta è No (si veda --rispondi).\n";
   }
   if (answer == Answer::Yes) {
-    tellNoScreens();
+    explainNoScreens();
   }
   return answer;
 }
@@ -68,11 +68,11 @@ Answer ConsolePlatform::ask() {
   return agreed ? Answer::Yes : Answer::No;
 }
 
-void ConsolePlatform::tellNoScreens() {
-  if (!toldNoScreens_) {
+void ConsolePlatform::explainNoScreens() {
+  if (!noScreensExplained_) {
     console_.err << "Su Linux le videate di configurazione non esistono: dopo il Sì la "
                     "configurazione viene solo ricontrollata.\n";
-    toldNoScreens_ = true;
+    noScreensExplained_ = true;
   }
 }
 

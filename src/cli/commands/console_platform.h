@@ -30,12 +30,12 @@ class ConsolePlatform final : public Platform {
  private:
   [[nodiscard]] Answer givenAnswer();
   [[nodiscard]] Answer ask();
-  void tellNoScreens();
+  void explainNoScreens();
 
   Console& console_;
   std::optional<Answer> answer_;
   std::int32_t yesLeft_;  ///< how often the answer given beforehand is still Yes
-  bool toldNoScreens_ = false;
+  bool noScreensExplained_ = false;
 };
 
 }  // namespace azcoll::cli

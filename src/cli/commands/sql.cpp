@@ -16,7 +16,7 @@
 #include "data/connection.h"
 #include "data/error.h"
 #include "deployment/failure.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 #include "views/rows.h"
 
 namespace azcoll::cli {

@@ -11,6 +11,7 @@
 #include "cli/print/terminal_text.h"
 #include "data/variant.h"
 #include "text/quoting.h"
+#include "text/trimming.h"
 #include "views/value_text.h"
 
 namespace azcoll::cli {
@@ -62,8 +63,7 @@ void printLine(std::ostream& out, const std::vector<Cell>& cells, const Layout& 
     line += i == 0 ? "" : "  ";
     line += layout.right[i] ? padding + cells[i].text : cells[i].text + padding;
   }
-  line.erase(line.find_last_not_of(' ') + 1);
-  out << line << '\n';
+  out << trimEnd(line) << '\n';
 }
 
 std::string csvText(std::string_view text) {

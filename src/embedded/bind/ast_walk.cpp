@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "embedded/values/collation.h"
 #include "text/letter_case.h"
-#include "tsql/characters.h"
 
 namespace azcoll::embedded {
 

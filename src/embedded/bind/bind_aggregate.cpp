@@ -3,9 +3,11 @@
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/scope.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -68,7 +70,7 @@ BoundExpression ExpressionBinder::bindAggregate(const tsql::FunctionCall& call,
   BoundExpression operand = bindAggregated(argument, position, inside);
   std::string sql = constants_.inOwnType(operand);
   if (operand.type.isText() && !operand.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   const std::string list = (call.distinct ? "(DISTINCT " : "(") + sql + ")";
   const Type& type = operand.type;

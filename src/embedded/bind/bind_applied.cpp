@@ -147,7 +147,7 @@ BoundSources QueryBinder::inlineApplied(const tsql::FunctionTable& function,
   body.fixTypes(query);
   BoundCondition condition{"1", {}};
   if (select->where) {
-    condition = body.expressions_.bindCondition(*select->where, insideBody, true);
+    condition = body.expressions_.bindCondition(*select->where, insideBody, Unknown::AsFalse);
   }
   Source source;
   source.hasAlias = !alias.empty();

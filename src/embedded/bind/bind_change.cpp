@@ -3,15 +3,18 @@
 // repeated there.
 
 #include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "embedded/bind/ast_walk.h"
 #include "embedded/bind/change_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -36,26 +39,26 @@ std::string updateByKey(const Table& table, const std::string& source, const std
                         const std::string& filter) {
   const bool joins = !sources.empty();
   std::string rows = joins ? "SELECT min(0)" : "SELECT 0";
-  std::string groups;
-  std::string match;
-  std::string set;
-  const std::vector<std::string> keys = keyColumns(table);
-  for (std::size_t i = 0; i < keys.size(); ++i) {
+  std::vector<std::string> groups;
+  std::vector<std::string> matches;
+  std::vector<std::string> changes;
+  for (const std::string& column : keyColumns(table)) {
     std::string key = source;
-    key.append(".").append(keys[i]);
-    const std::string name = "k" + std::to_string(i + 1);
+    key.append(".").append(column);
+    const std::string name = "k" + std::to_string(groups.size() + 1);
     rows.append(",").append(key).append(" AS ").append(name);
-    groups += (i == 0 ? "" : ",") + key;
-    match.append(i == 0 ? "u." : " AND u.").append(keys[i]).append("=s.").append(name);
+    groups.push_back(std::move(key));
+    matches.push_back("u." + column + "=s." + name);
   }
-  for (std::size_t i = 0; i < assigned.size(); ++i) {
-    const std::string name = "v" + std::to_string(i + 1);
-    rows.append(",").append(assigned[i].second).append(" AS ").append(name);
-    set += (i == 0 ? "" : ",") + quoteName(table.columns[assigned[i].first].name) + "=s." + name;
+  for (const auto& [column, value] : assigned) {
+    const std::string name = "v" + std::to_string(changes.size() + 1);
+    rows.append(",").append(value).append(" AS ").append(name);
+    changes.push_back(quoteName(table.columns[column].name) + "=s." + name);
   }
   const std::string from = joins ? sources : table.sqlName + " AS " + source;
-  return "UPDATE " + table.sqlName + " AS u SET " + set + " FROM (" + rows + " FROM " + from +
-         filter + (joins ? " GROUP BY " + groups : "") + ") AS s WHERE " + match;
+  return "UPDATE " + table.sqlName + " AS u SET " + joinAll(changes, ",") + " FROM (" + rows +
+         " FROM " + from + filter + (joins ? " GROUP BY " + joinAll(groups, ",") : "") +
+         ") AS s WHERE " + joinAll(matches, " AND ");
 }
 
 }  // namespace
@@ -162,7 +165,9 @@ BoundChange ChangeBinder::bindUpdate(const tsql::UpdateStatement& statement) {
   }
   const auto assigned = bindAssigned(statement, table, scope);
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
+      statement.where
+          ? expressions_.bindCondition(*statement.where, Clause{scope}, Unknown::AsFalse).sql
+          : "";
   const std::string filter = where.empty() ? "" : " WHERE " + where;
   // Without another table and without a query nothing reads what the statement writes.
   if (change.from.empty() && translation_.queries == 0) {
@@ -183,7 +188,9 @@ BoundChange ChangeBinder::bindDelete(const tsql::DeleteStatement& statement) {
   BoundChange bound;
   bound.table = change.table;
   const std::string where =
-      statement.where ? expressions_.bindCondition(*statement.where, Clause{scope}, true).sql : "";
+      statement.where
+          ? expressions_.bindCondition(*statement.where, Clause{scope}, Unknown::AsFalse).sql
+          : "";
   const std::string condition = where.empty() ? "" : " WHERE " + where;
   bound.sql = "DELETE FROM " + bound.table->sqlName + " AS ";
   if (change.from.empty()) {

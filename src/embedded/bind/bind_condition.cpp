@@ -1,14 +1,16 @@
 #include <compare>
+#include <span>
 
 #include "data/decimal.h"
 #include "embedded/bind/bound_query.h"
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -51,19 +53,19 @@ bool holds(tsql::BinaryOperator op, std::strong_ordering order) {
 }  // namespace
 
 BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expression,
-                                               const Clause& clause, bool nullIsFalse) {
+                                               const Clause& clause, Unknown unknown) {
   const tsql::Position& position = expression.position;
   if (const auto* const unary = std::get_if<tsql::Unary>(&expression.node)) {
     if (unary->op == tsql::UnaryOperator::Not) {
       // Under NOT unknown stays unknown, while false becomes true.
-      const BoundCondition operand = bindCondition(*unary->operand, clause, false);
+      const BoundCondition operand = bindCondition(*unary->operand, clause, Unknown::Kept);
       return {"NOT (" + operand.sql + ")", operand.reach};
     }
   }
   if (const auto* const binary = std::get_if<tsql::Binary>(&expression.node)) {
     if (binary->op == tsql::BinaryOperator::And || binary->op == tsql::BinaryOperator::Or) {
-      const BoundCondition left = bindCondition(*binary->left, clause, nullIsFalse);
-      const BoundCondition right = bindCondition(*binary->right, clause, nullIsFalse);
+      const BoundCondition left = bindCondition(*binary->left, clause, unknown);
+      const BoundCondition right = bindCondition(*binary->right, clause, unknown);
       const Reach reach = left.reach | right.reach;
       // AND needs no parentheses: an OR inside it has its own.
       return {binary->op == tsql::BinaryOperator::And ? left.sql + " AND " + right.sql
@@ -82,7 +84,7 @@ BoundCondition ExpressionBinder::bindCondition(const tsql::Expression& expressio
     return bindInList(*list, position, clause);
   }
   if (const auto* const query = std::get_if<tsql::InQuery>(&expression.node)) {
-    return bindInQuery(*query, position, clause, nullIsFalse);
+    return bindInQuery(*query, position, clause, unknown);
   }
   if (const auto* const isNull = std::get_if<tsql::IsNull>(&expression.node)) {
     BoundExpression operand = bind(*isNull->operand, clause);
@@ -208,9 +210,8 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
     test += kCollateClause;
   }
   test += node.negated ? " NOT IN (" : " IN (";
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    test += (i == 0 ? "" : ",") + constants_.coerceToCompare(items[i], common);
-  }
+  test += joinAll(std::span(all).subspan(1), ",",
+                  [&](BoundExpression* item) { return constants_.coerceToCompare(*item, common); });
   test += ")";
   BoundCondition bound{"(" + left + test + ")", {}};
   for (const BoundExpression* const compared : all) {
@@ -225,12 +226,12 @@ BoundCondition ExpressionBinder::bindInList(const tsql::InList& node,
 
 BoundCondition ExpressionBinder::bindInQuery(const tsql::InQuery& node,
                                              const tsql::Position& position, const Clause& clause,
-                                             bool nullIsFalse) {
+                                             Unknown unknown) {
   BoundExpression operand = bind(*node.operand, clause);
   QueryUse use;
   // A row value that is NULL somewhere makes IN unknown where the plain form would be false: only
   // where both come to the same may the correlation become part of the row value.
-  if (nullIsFalse && !node.negated && context_.rewriteIn) {
+  if (unknown == Unknown::AsFalse && !node.negated && context_.rewriteIn) {
     use.in = &node;
   }
   BoundQuery query = queries_.bindQuery(*node.query, &clause, use);

@@ -5,10 +5,11 @@
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 #include "tsql/printer.h"
 
 namespace azcoll::embedded {
@@ -284,14 +285,14 @@ std::vector<std::string> ExpressionBinder::bindTests(const tsql::Case& node,
     const Type common = constants_.unify(all, position);
     sql += " " + constants_.coerceToCompare(operand, common);
     if (common.isText() && !operand.isColumn) {
-      sql += std::string(kCollateClause);
+      sql += kCollateClause;
     }
     for (BoundExpression& value : values) {
       tests.push_back(constants_.coerceToCompare(value, common));
     }
   } else {
     for (const tsql::CaseBranch& branch : node.branches) {
-      BoundCondition test = bindCondition(*branch.when, clause, true);
+      BoundCondition test = bindCondition(*branch.when, clause, Unknown::AsFalse);
       reach |= test.reach;
       tests.push_back(std::move(test.sql));
     }

@@ -6,11 +6,14 @@
 #include "embedded/bind/expression_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/date_values.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -27,7 +30,7 @@ struct TextFunction {
   std::size_t least;
   std::size_t most;
   std::size_t texts;  ///< leading arguments that are texts; the others are whole numbers
-  bool isNumber;      ///< gives a whole number
+  bool givesWholeNumber;
 };
 
 constexpr std::size_t kMany = 254;
@@ -252,15 +255,14 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
     refuse(context_.text, position, "the function " + std::string(name));
   }
   requireArguments(call, found->least, found->most);
-  std::string sql = std::string(found->sqlName) + "(";
+  std::vector<std::string> arguments;
   Reach reach;
   bool unicode = false;
   std::int32_t length = kUnlimited;
   for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-    sql += i == 0 ? "" : ",";
     if (i < found->texts) {
       const BoundExpression text = bindText(*call.arguments[i], clause);
-      sql += text.sql;
+      arguments.push_back(text.sql);
       reach |= text.reach;
       unicode = unicode || text.type.isUnicode();
       // Functions that do not build give no text longer than their first one.
@@ -268,14 +270,15 @@ BoundExpression ExpressionBinder::bindTextCall(std::string_view name,
     } else {
       BoundExpression number = bind(*call.arguments[i], clause);
       constants_.requireConvertible(number.type, kBigInt, position);
-      sql += constants_.coerce(number, kBigInt, Conversion::Compare);
+      arguments.push_back(constants_.coerce(number, kBigInt, Conversion::Compare));
       reach |= number.reach;
     }
   }
   const Type kind = unicode ? kNVarChar : kVarChar;
   // The length of what these build is not known beforehand.
   const bool grows = name == "REPLACE" || name == "REPLICATE" || name == "CONCAT";
-  return computed(sql + ")", found->isNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
+  return computed(std::string(found->sqlName) + "(" + joinAll(arguments, ",") + ")",
+                  found->givesWholeNumber ? kInt : textResult(kind, grows ? kUnlimited : length),
                   reach);
 }
 

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "embedded/bind/bound_query.h"
 #include "embedded/bind/change_binder.h"
@@ -120,8 +122,7 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
                                      const std::vector<std::size_t>& columns,
                                      std::vector<std::size_t>& defaults) {
   const Scope nothing(nullptr);
-  std::string sql = " VALUES ";
-  for (const auto& row : statement.rows) {
+  const auto valuesOf = [&](const auto& row) {
     if (row.size() != statement.rows.front().size()) {
       throw SqlError(10709,
                      "The number of columns for each row in a table value constructor must be the "
@@ -132,24 +133,25 @@ std::string ChangeBinder::insertRows(const tsql::InsertStatement& statement, con
     } else if (row.size() != columns.size()) {
       failCount(row.size() > columns.size());
     }
-    sql += sql.back() == ')' ? ",(" : "(";
+    std::vector<std::string> values;
+    values.reserve(row.size() + defaults.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
-      sql += i == 0 ? "" : ",";
       if (!row[i]) {
         // The word DEFAULT.
-        sql += defaultOf(table, columns[i]);
+        values.push_back(defaultOf(table, columns[i]));
         continue;
       }
       BoundExpression value = expressions_.bind(*row[i], Clause{nothing});
-      sql += constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign);
+      values.push_back(
+          constants_.coerce(value, table.columns[columns[i]].type, Conversion::Assign));
     }
     // SQLite's tables have no defaults of their own: they are part of each statement.
     for (const std::size_t column : defaults) {
-      sql += "," + defaultOf(table, column);
+      values.push_back(defaultOf(table, column));
     }
-    sql += ")";
-  }
-  return sql;
+    return "(" + joinAll(values, ",") + ")";
+  };
+  return " VALUES " + joinAll(statement.rows, ",", valuesOf);
 }
 
 std::string ChangeBinder::insertQuery(const tsql::InsertStatement& statement, const Table& table,

@@ -8,13 +8,13 @@
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/literals.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 #include "tsql/printer.h"
 
 namespace azcoll::embedded {
@@ -112,7 +112,8 @@ void QueryBinder::bindSpecification(const tsql::QuerySpecification& specificatio
     // Each clause has a number of its own for a column that is neither grouped nor aggregated.
     clause.number = 8121;
     clause.name = "HAVING clause";
-    BoundCondition having = expressions_.bindCondition(*specification.having, clause, true);
+    BoundCondition having =
+        expressions_.bindCondition(*specification.having, clause, Unknown::AsFalse);
     select.reach |= having.reach;
     select.having = std::move(having.sql);
   }
@@ -207,7 +208,7 @@ void QueryBinder::bindWhere(const tsql::Expression& condition, Scope& scope, con
   InRewrite rewrite(names_, expressions_);
   for (const tsql::Expression* const conjunct : conjuncts) {
     if (use.in == nullptr || !rewrite.take(*conjunct, clause, select)) {
-      const BoundCondition bound = expressions_.bindCondition(*conjunct, clause, true);
+      const BoundCondition bound = expressions_.bindCondition(*conjunct, clause, Unknown::AsFalse);
       InRewrite::noteConstantFilter(*conjunct, bound, scope);
       select.reach |= bound.reach;
       select.where += (select.where.empty() ? "" : " AND ") + bound.sql;
@@ -217,26 +218,26 @@ void QueryBinder::bindWhere(const tsql::Expression& condition, Scope& scope, con
 
 /// What a query groups or orders by. SQLite looks for the columns of it in the query itself, never
 /// in those around it.
-BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& clause,
-                                     bool groups) {
+BoundExpression QueryBinder::bindKey(const tsql::Expression& key, const Clause& clause, KeyOf use) {
   BoundExpression bound = expressions_.bind(key, clause);
   const std::size_t level = clause.scope.level;
-  if (groups && (bound.reach.levels & levelBit(level)) == 0) {
+  if (use == KeyOf::GroupBy && (bound.reach.levels & levelBit(level)) == 0) {
     throw SqlError(164,
                    "Each GROUP BY expression must contain at least one column that is not an "
                    "outer reference.");
   }
   if ((bound.reach.levels & outerLevels(level)) != 0 || bound.reach.argument) {
     refuse(context_.text, key.position,
-           std::string(groups ? "GROUP BY" : "ORDER BY") + " with a column of an outer query");
+           std::string(use == KeyOf::GroupBy ? "GROUP BY" : "ORDER BY") +
+               " with a column of an outer query");
   }
   return bound;
 }
 
 void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
                               Grouping& grouping, BoundSelect& select) {
-  for (const tsql::ExpressionPtr& key : specification.groupBy) {
-    BoundExpression bound = bindKey(*key, clause, true);
+  select.groupBy = joinAll(specification.groupBy, ",", [&](const tsql::ExpressionPtr& key) {
+    BoundExpression bound = bindKey(*key, clause, KeyOf::GroupBy);
     std::string sql = constants_.inOwnType(bound);
     if (bound.isColumn) {
       grouping.columns.insert(sql);
@@ -245,11 +246,11 @@ void QueryBinder::bindGroupBy(const tsql::QuerySpecification& specification, con
       grouping.printed.insert(foldCase(tsql::print(*key)));
       // Groups are formed by the collation, which an expression has lost.
       if (bound.type.isText()) {
-        sql += std::string(kCollateClause);
+        sql += kCollateClause;
       }
     }
-    select.groupBy += (select.groupBy.empty() ? "" : ",") + sql;
-  }
+    return sql;
+  });
 }
 
 void QueryBinder::bindTop(const tsql::Top& top, BoundSelect& select) {
@@ -319,7 +320,7 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
   }
   const bool checks = select.distinct;
   const std::string printed = checks ? foldCase(tsql::print(*item.expression)) : "";
-  BoundExpression bound = bindKey(*item.expression, clause, false);
+  BoundExpression bound = bindKey(*item.expression, clause, KeyOf::OrderBy);
   // SQLite would sort by the constant, that is not at all.
   if (bound.pending) {
     throw SqlError(408, "A constant expression was encountered in the ORDER BY list, position 1.");
@@ -338,7 +339,7 @@ std::string QueryBinder::bindOrderItem(const tsql::OrderItem& item, const Clause
   }
   std::string sql = constants_.inOwnType(bound);
   if (bound.type.isText() && !bound.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   // A bare number would be taken for a position.
   return bound.isColumn ? sql : "(" + sql + ")";
@@ -351,16 +352,15 @@ void QueryBinder::bindOrderBy(const tsql::Query& query, const Clause& clause, Bo
 }
 
 void QueryBinder::orderSetOperation(const tsql::Query& query, BoundQuery& bound) {
-  for (const tsql::OrderItem& item : query.orderBy) {
+  bound.orderBy = joinAll(query.orderBy, ",", [&](const tsql::OrderItem& item) {
     const auto position = outputPosition(*item.expression, bound.columns());
     if (!position) {
       throw SqlError(104,
                      "ORDER BY items must appear in the select list if the statement contains a "
                      "UNION, INTERSECT or EXCEPT operator.");
     }
-    bound.orderBy += (bound.orderBy.empty() ? "" : ",") + std::to_string(*position + 1) +
-                     (item.descending ? " DESC" : "");
-  }
+    return std::to_string(*position + 1) + (item.descending ? " DESC" : "");
+  });
 }
 
 }  // namespace azcoll::embedded

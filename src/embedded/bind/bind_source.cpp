@@ -1,8 +1,8 @@
 #include "embedded/bind/bound_query.h"
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -148,7 +148,8 @@ BoundSources QueryBinder::bindJoin(const tsql::Join& join, Scope& scope) {
     return joined;
   }
   const VisibleSources visible(scope, std::max(first, scope.visibleFrom));
-  const BoundCondition condition = expressions_.bindCondition(*join.on, Clause{scope}, true);
+  const BoundCondition condition =
+      expressions_.bindCondition(*join.on, Clause{scope}, Unknown::AsFalse);
   joined.reach |= condition.reach;
   const std::string on = " ON " + condition.sql;
   switch (join.kind) {

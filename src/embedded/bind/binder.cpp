@@ -11,10 +11,10 @@
 #include "embedded/bind/scope.h"
 #include "embedded/plan/result_column.h"
 #include "embedded/plan/slots.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -167,7 +167,8 @@ std::string Binder::bindValue(const tsql::Expression& expression, const Type& ty
 std::string Binder::bindTest(const tsql::Expression& condition) {
   QueryBinder queries(context_, translation_);
   const Scope nothing(nullptr);
-  return "SELECT " + queries.expressions().bindCondition(condition, Clause{nothing}, true).sql;
+  return "SELECT " +
+         queries.expressions().bindCondition(condition, Clause{nothing}, Unknown::AsFalse).sql;
 }
 
 BoundChange Binder::bindInsert(const tsql::InsertStatement& statement) {
@@ -221,7 +222,8 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   // It has no name in the SQLite text: a CHECK names its columns bare.
   source.folded = foldCase(table.name);
   scope.sources.push_back(std::move(source));
-  std::string sql = queries.expressions().bindCondition(condition, Clause{scope}, false).sql;
+  std::string sql =
+      queries.expressions().bindCondition(condition, Clause{scope}, Unknown::Kept).sql;
   // A slot would stand for a moment or a count of rows: SQLite keeps a CHECK as a text.
   if (!translation_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,12 @@ namespace azcoll::embedded {
 
 class QueryBinder;
 
+/// What becomes of a condition that is unknown, where it stands.
+enum class Unknown : std::uint8_t {
+  Kept,    ///< it makes a difference: under NOT, in a CHECK
+  AsFalse  ///< the row is left out, as for false
+};
+
 /// Values and conditions. What T-SQL and SQLite evaluate alike is written as it is; the rest
 /// becomes a call of a function `ts_*`.
 class ExpressionBinder {
@@ -24,14 +31,13 @@ class ExpressionBinder {
   /// `queries` binds the queries inside.
   ExpressionBinder(const BindContext& context, Constants& constants, Names& names,
                    QueryBinder& queries)
-
       : context_(context), constants_(constants), names_(names), queries_(queries) {}
 
   /// A value.
   [[nodiscard]] BoundExpression bind(const tsql::Expression& expression, const Clause& clause);
-  /// A condition. `nullIsFalse`: where it stands, unknown counts as false.
+  /// A condition.
   [[nodiscard]] BoundCondition bindCondition(const tsql::Expression& expression,
-                                             const Clause& clause, bool nullIsFalse);
+                                             const Clause& clause, Unknown unknown);
 
  private:
   // ---- bind_expression.cpp
@@ -103,7 +109,7 @@ class ExpressionBinder {
                                           const Clause& clause);
   [[nodiscard]] BoundCondition bindInQuery(const tsql::InQuery& node,
                                            const tsql::Position& position, const Clause& clause,
-                                           bool nullIsFalse);
+                                           Unknown unknown);
   [[nodiscard]] BoundCondition bindExists(const tsql::Exists& node, const Clause& clause);
 
   const BindContext& context_;

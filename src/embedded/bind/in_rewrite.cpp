@@ -96,7 +96,7 @@ bool InRewrite::takeAlternatives(const tsql::Expression& conjunct, const Clause&
     return false;
   }
   for (const tsql::ExpressionPtr* const part : {&either->left, &either->right}) {
-    BoundCondition bound = expressions_.bindCondition(**part, clause, true);
+    BoundCondition bound = expressions_.bindCondition(**part, clause, Unknown::AsFalse);
     select.reach |= bound.reach;
     select.alternatives.push_back(std::move(bound.sql));
   }

@@ -4,11 +4,9 @@
 
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "text/joining.h"
 #include "text/letter_case.h"
-#include "tsql/characters.h"
 
 namespace azcoll::embedded {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,8 +74,9 @@ class QueryBinder {
                  BoundSelect& select);
   void bindGroupBy(const tsql::QuerySpecification& specification, const Clause& clause,
                    Grouping& grouping, BoundSelect& select);
+  enum class KeyOf : std::uint8_t { GroupBy, OrderBy };
   [[nodiscard]] BoundExpression bindKey(const tsql::Expression& key, const Clause& clause,
-                                        bool groups);
+                                        KeyOf use);
   void bindTop(const tsql::Top& top, BoundSelect& select);
   void bindOrderBy(const tsql::Query& query, const Clause& clause, BoundSelect& select);
   [[nodiscard]] std::string bindOrderItem(const tsql::OrderItem& item, const Clause& clause,

@@ -4,7 +4,7 @@
 #include "embedded/bind/query_binder.h"
 #include "embedded/bind/scope.h"
 #include "embedded/plan/slots.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/types.h"
 
@@ -17,7 +17,7 @@ std::string QueryBinder::columnText(OutputColumn& column, const Type* type, Conv
   column.type = type == nullptr ? expression.type : *type;
   // DISTINCT, UNION and whoever reads the column compare by its collation.
   if (column.type.isText() && !expression.isColumn) {
-    sql += std::string(kCollateClause);
+    sql += kCollateClause;
   }
   return sql;
 }

@@ -1,5 +1,10 @@
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
 #include "embedded/bind/bound_query.h"
-#include "embedded/values/collation.h"
+#include "embedded/sqlite/sql_text.h"
+#include "text/joining.h"
 
 namespace azcoll::embedded {
 
@@ -18,13 +23,15 @@ std::string_view operatorText(tsql::SetOperator op) {
   }
 }
 
+enum class Side : std::uint8_t { Left, Right };
+
 /// An operand of a set operation: what would bind to the whole is put into a query of its own.
-std::string renderOperand(const BoundQuery& query, bool isRight) {
+std::string renderOperand(const BoundQuery& query, Side side) {
   const bool limited =
       query.select && (!query.select->limit.empty() || !query.select->orderBy.empty());
   // SQLite groups set operations to the left and takes no parentheses around them; LIMIT would
   // count for the whole.
-  if (limited || (!query.select && isRight)) {
+  if (limited || (!query.select && side == Side::Right)) {
     return "SELECT * FROM (" + render(query) + ")";
   }
   return render(query);
@@ -67,32 +74,29 @@ std::string renderTail(const BoundSelect& select) { return renderTail(select, ""
 
 std::string render(const BoundSelect& select) {
   std::string columns = select.distinct ? "SELECT DISTINCT " : "SELECT ";
-  for (std::size_t i = 0; i < select.columns.size(); ++i) {
-    const OutputColumn& column = select.columns[i];
-    columns += i == 0 ? "" : ",";
-    columns += i == 0 && select.oneGroup ? asOneGroup(column) : column.sql;
-    columns += " AS c" + std::to_string(i + 1);
-  }
+  std::size_t number = 0;
+  columns += joinAll(select.columns, ",", [&](const OutputColumn& column) {
+    const bool saysOneGroup = ++number == 1 && select.oneGroup;
+    return (saysOneGroup ? asOneGroup(column) : column.sql) + " AS c" + std::to_string(number);
+  });
   if (select.alternatives.empty()) {
     return columns + renderTail(select);
   }
   // For an IN, to which a row given twice is the same. In a query of its own: SQLite takes the
   // columns of a row value apart, and looks them up by index, for a simple SELECT only.
-  std::string sql;
-  for (const std::string& alternative : select.alternatives) {
-    sql += (sql.empty() ? "SELECT * FROM (" : " UNION ALL ") + columns +
-           renderTail(select, alternative);
-  }
-  return sql + ")";
+  const std::string rows = joinAll(
+      select.alternatives, " UNION ALL ",
+      [&](const std::string& alternative) { return columns + renderTail(select, alternative); });
+  return "SELECT * FROM (" + rows + ")";
 }
 
 std::string render(const BoundQuery& query) {
   if (query.select) {
     return render(*query.select);
   }
-  std::string sql = renderOperand(*query.left, false);
+  std::string sql = renderOperand(*query.left, Side::Left);
   sql += operatorText(query.op);
-  sql += renderOperand(*query.right, true);
+  sql += renderOperand(*query.right, Side::Right);
   if (!query.orderBy.empty()) {
     sql += " ORDER BY " + query.orderBy;
   }

@@ -4,10 +4,8 @@
 #include <utility>
 
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "text/letter_case.h"
-#include "tsql/characters.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {

@@ -15,15 +15,17 @@
 
 namespace azcoll::embedded {
 
+/// A column of a table.
 struct Column {
   std::string name;
   Type type;
   bool nullable = true;
   bool identity = false;
-  bool inKey = false;
+  bool inKey = false;                              ///< part of the primary key
   const tsql::Expression* defaultValue = nullptr;  ///< owned by the table's definition
 };
 
+/// A primary, unique or foreign key of a table, or a check. Columns are places in the table's list.
 struct Constraint {
   tsql::ConstraintKind kind = tsql::ConstraintKind::PrimaryKey;
   std::string name;
@@ -32,6 +34,7 @@ struct Constraint {
   std::vector<std::string> referencedColumns;  ///< of a foreign key
 };
 
+/// An index that a CREATE INDEX made. Columns are places in the table's list.
 struct Index {
   std::string name;
   std::vector<std::size_t> columns;
@@ -59,6 +62,7 @@ struct Table {
   [[nodiscard]] std::optional<std::size_t> find(std::string_view column) const;
 };
 
+/// A parameter of a procedure or function, as its definition declares it.
 struct RoutineParameter {
   std::string name;  ///< with its `@`
   Type type;
@@ -88,16 +92,23 @@ class Catalogue {
   using TablePtr = std::shared_ptr<const Table>;
   using RoutinePtr = std::shared_ptr<const Routine>;
 
+  /// The table, or the procedure or function, of that name without schema; null when there is none.
   [[nodiscard]] TablePtr findTable(std::string_view name) const;
   [[nodiscard]] RoutinePtr findRoutine(std::string_view name) const;
+  /// All tables by their names in small letters.
   [[nodiscard]] const std::map<std::string, TablePtr>& tables() const { return tables_; }
 
+  /// Takes in an object, in the place of one of the same name.
   void add(TablePtr table);
   void add(RoutinePtr routine);
+  /// Adds an index to a table, which must be there. Whoever holds the table keeps it as it was.
   void addIndex(std::string_view table, Index index);
+  /// Forget an object; nothing happens when there is none of that name. The table of an index must
+  /// be there, and whoever holds it keeps it as it was.
   void removeTable(std::string_view name);
   void removeRoutine(std::string_view name);
   void removeIndex(std::string_view table, std::string_view index);
+  /// Forgets everything.
   void clear();
 
  private:

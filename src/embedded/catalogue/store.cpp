@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-#include "embedded/values/collation.h"
+#include "text/letter_case.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {

@@ -11,7 +11,8 @@ namespace azcoll::embedded {
 
 /// The catalogue as a table of the database file: one row per object with its definition as T-SQL,
 /// in the order of creation. Two numbers in the file's header say that it is one of this system,
-/// of which format, and how often the catalogue was changed.
+/// of which format, and how often the catalogue was changed. Every operation throws
+/// `SqliteFailure`.
 class CatalogueStore {
  public:
   /// What a file is.
@@ -19,9 +20,12 @@ class CatalogueStore {
 
   explicit CatalogueStore(const SqliteDatabase& database) : database_(&database) {}
 
+  /// What the open file is: without anything in it, of this system, of another one, or of a version
+  /// of this system whose format is not known here.
   [[nodiscard]] FileKind inspect() const;
   /// Makes the catalogue of an empty file.
   void create() const;
+  /// Reads everything into `catalogue`, in the place of what it held.
   void load(Catalogue& catalogue) const;
   /// The definitions as T-SQL, in the order of creation: routines as they were written, the others
   /// as the printer writes them.

@@ -7,9 +7,9 @@
 #include "embedded/compile/table_definition.h"
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 #include "tsql/parser.h"
 
 namespace azcoll::embedded {

@@ -1,16 +1,18 @@
 #include "embedded/compile/table_definition.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "embedded/bind/binder.h"
 #include "embedded/bind/translation.h"
 #include "embedded/catalogue/stored_names.h"
 #include "embedded/plan/slots.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 
@@ -19,11 +21,11 @@ namespace {
 /// `descending` says of each column whether its order is turned; empty for none.
 std::string keyList(const Table& table, const std::vector<std::size_t>& columns,
                     const std::vector<bool>& descending = {}) {
-  std::string list;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    list += (i == 0 ? "" : ",") + quoteName(table.columns[columns[i]].name);
-    list += !descending.empty() && descending[i] ? " DESC" : "";
-  }
+  auto turned = descending.begin();
+  const std::string list = joinAll(columns, ",", [&](std::size_t column) {
+    const bool isTurned = turned != descending.end() && *turned++;
+    return quoteName(table.columns[column].name) + (isTurned ? " DESC" : "");
+  });
   return "(" + list + ")";
 }
 
@@ -38,24 +40,23 @@ std::string columnDefinition(const Column& column) {
 /// Rows with missing values in a unique key: SQL Server takes NULL for a value like any other.
 std::vector<std::string> nullIndex(const Table& table, const std::vector<std::size_t>& columns,
                                    std::string_view name) {
-  std::string parts;
-  std::string condition;
-  for (const std::size_t index : columns) {
+  std::vector<std::string> conditions;
+  const std::string parts = joinAll(columns, ",", [&](std::size_t index) {
     const Column& column = table.columns[index];
     const std::string quoted = quoteName(column.name);
-    parts += parts.empty() ? "" : ",";
+    if (column.nullable) {
+      conditions.push_back(quoted + " IS NULL");
+    }
     // SQLite takes NULLs for different from each other, so the index holds other values: whether
     // the column is missing, which distinguishes a missing value from a 0, and what is there.
-    parts.append(quoted).append(" IS NULL,ifnull(").append(quoted).append(",0)");
+    std::string part = quoted + " IS NULL,ifnull(" + quoted + ",0)";
     if (column.type.isText()) {
       // ifnull() loses the column's collation.
-      parts += std::string(kCollateClause);
+      part += kCollateClause;
     }
-    if (column.nullable) {
-      condition += (condition.empty() ? "" : " OR ") + quoted + " IS NULL";
-    }
-  }
-  if (condition.empty()) {
+    return part;
+  });
+  if (conditions.empty()) {
     return {};
   }
   // A temporary index is named with its schema, its table without.
@@ -65,7 +66,7 @@ std::vector<std::string> nullIndex(const Table& table, const std::vector<std::si
   }
   return {"CREATE UNIQUE INDEX " + schema +
           quoteName(indexStoreName(table, name) + std::string(kNullIndexSuffix)) + " ON " +
-          quoteName(table.storeName) + " (" + parts + ") WHERE " + condition};
+          quoteName(table.storeName) + " (" + parts + ") WHERE " + joinAll(conditions, " OR ")};
 }
 
 bool sameColumns(const std::vector<std::size_t>& left, const std::vector<std::size_t>& right) {

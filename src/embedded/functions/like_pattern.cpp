@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "embedded/values/collation.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

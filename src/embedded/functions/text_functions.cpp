@@ -5,7 +5,8 @@
 #include "embedded/functions/like_pattern.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/sql_error.h"
-#include "text/quoting.h"
+#include "text/letter_case.h"
+#include "text/trimming.h"
 #include "text/utf8.h"
 
 namespace azcoll::embedded {
@@ -14,20 +15,6 @@ namespace {
 
 // Longest text that a function builds: that of VARCHAR outside of MAX.
 constexpr std::size_t kLongestBuilt = 8000;
-
-std::string_view withoutTrailingBlanks(std::string_view text) {
-  const std::size_t last = text.find_last_not_of(' ');
-  return last == std::string_view::npos ? std::string_view{} : text.substr(0, last + 1);
-}
-
-std::string_view withoutLeadingBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  return first == std::string_view::npos ? std::string_view{} : text.substr(first);
-}
-
-std::int64_t characterCountOf(std::string_view text) {
-  return std::count_if(text.begin(), text.end(), [](char c) { return !isContinuation(c); });
-}
 
 std::string_view skipCharacters(std::string_view text, std::size_t count) {
   return text.substr(leftCharacters(text, count).size());
@@ -51,7 +38,7 @@ std::int64_t requireCount(std::int64_t count) {
 
 /// LEN does not count blanks at the end.
 void length(const FunctionCallFrame& frame) {
-  frame.give(static_cast<std::int64_t>(utf16Length(withoutTrailingBlanks(frame.text(0)))));
+  frame.give(static_cast<std::int64_t>(utf16Length(trimEnd(frame.text(0)))));
 }
 
 void left(const FunctionCallFrame& frame) {
@@ -64,7 +51,7 @@ void right(const FunctionCallFrame& frame) {
   if (count < 0) {
     throw SqlError(536, "Invalid length parameter passed to the right function.");
   }
-  const std::int64_t all = characterCountOf(frame.text(0));
+  const auto all = static_cast<std::int64_t>(characterCount(frame.text(0)));
   frame.give(skipCharacters(frame.text(0),
                             static_cast<std::size_t>(std::max(all - count, std::int64_t{0}))));
 }
@@ -88,18 +75,17 @@ void upper(const FunctionCallFrame& frame) {
 void lower(const FunctionCallFrame& frame) {
   frame.give(std::string_view(foldCase(frame.text(0))));
 }
-void leftTrim(const FunctionCallFrame& frame) { frame.give(withoutLeadingBlanks(frame.text(0))); }
-void rightTrim(const FunctionCallFrame& frame) { frame.give(withoutTrailingBlanks(frame.text(0))); }
+void leftTrim(const FunctionCallFrame& frame) { frame.give(trimStart(frame.text(0))); }
+void rightTrim(const FunctionCallFrame& frame) { frame.give(trimEnd(frame.text(0))); }
 void trimBoth(const FunctionCallFrame& frame) { frame.give(trim(frame.text(0))); }
 
 /// Calls `found(position)` for every place of `wanted`, letter case ignored; folding keeps the
 /// number of characters but not of bytes, so the places are counted in characters.
 std::size_t findFolded(std::string_view text, std::string_view wanted, std::size_t from) {
   const std::string pattern = foldCase(wanted);
+  const std::size_t characters = characterCount(wanted);
   for (std::size_t at = from; at < text.size(); at += characterAt(text, at).length) {
-    const std::string_view candidate =
-        leftCharacters(text.substr(at), static_cast<std::size_t>(characterCountOf(wanted)));
-    if (foldCase(candidate) == pattern) {
+    if (foldCase(leftCharacters(text.substr(at), characters)) == pattern) {
       return at;
     }
   }
@@ -114,7 +100,7 @@ void replace(const FunctionCallFrame& frame) {
     frame.giveArgument(0);
     return;
   }
-  const auto characters = static_cast<std::size_t>(characterCountOf(wanted));
+  const std::size_t characters = characterCount(wanted);
   std::string result;
   std::size_t at = 0;
   for (std::size_t found = findFolded(text, wanted, 0); found != std::string_view::npos;
@@ -133,8 +119,9 @@ void charIndex(const FunctionCallFrame& frame) {
   // An empty text is found nowhere: 0.
   const std::size_t found =
       frame.text(0).empty() ? std::string_view::npos : findFolded(text, frame.text(0), from);
-  frame.give(found == std::string_view::npos ? std::int64_t{0}
-                                             : characterCountOf(text.substr(0, found)) + 1);
+  const std::size_t position =
+      found == std::string_view::npos ? 0 : characterCount(text.substr(0, found)) + 1;
+  frame.give(static_cast<std::int64_t>(position));
 }
 
 void replicate(const FunctionCallFrame& frame) {
@@ -219,7 +206,7 @@ void like(const FunctionCallFrame& frame) {
   if (!frame.isNull(2)) {
     const std::string_view text = frame.text(2);
     // An escape of more than one character, or of none, is an error of its own in T-SQL.
-    if (characterCountOf(text) != 1) {
+    if (characterCount(text) != 1) {
       throw SqlError(506, "The invalid escape character \"" + std::string(text) +
                               "\" was specified in a LIKE predicate.");
     }
@@ -228,7 +215,7 @@ void like(const FunctionCallFrame& frame) {
   bool matches = matchesLike(frame.text(0), frame.text(1), escape);
   // Blanks at the end of a text that is not Unicode do not count.
   if (!matches && frame.integer(3) == 0 && frame.text(0).ends_with(' ')) {
-    matches = matchesLike(withoutTrailingBlanks(frame.text(0)), frame.text(1), escape);
+    matches = matchesLike(trimEnd(frame.text(0)), frame.text(1), escape);
   }
   frame.give(std::int64_t{matches ? 1 : 0});
 }

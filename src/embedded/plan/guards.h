@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "embedded/plan/slots.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

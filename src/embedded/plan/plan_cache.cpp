@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "embedded/plan/guards.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

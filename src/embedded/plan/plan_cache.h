@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "embedded/plan/plan.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 
@@ -21,7 +21,10 @@ class PlanCache {
 
   /// The plan for a text, or null.
   [[nodiscard]] std::shared_ptr<Plan> find(const tsql::Shape& shape);
+  /// Keeps a plan for the texts of a shape whose constants meet the plan's guards. A shape or plan
+  /// that is not cacheable, or a shape longer than `kLongestKey`, is not kept.
   void add(const tsql::Shape& shape, std::shared_ptr<Plan> plan);
+  /// Forgets all plans; one that is running stays with whoever runs it.
   void clear();
   /// Shapes held.
   [[nodiscard]] std::size_t size() const { return entries_.size(); }

@@ -7,11 +7,11 @@
 #include "embedded/run/definer.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/handle.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/literals.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/types.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

@@ -11,7 +11,7 @@
 #include "embedded/run/session.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 
@@ -23,8 +23,13 @@ class BatchRunner {
 
   /// The constants of the text being run; the shape must stay as it is.
   void setConstants(const tsql::Shape* shape) { shape_ = shape; }
+  /// The values of the text's `?` markers, in their order and as many; null for a text without any.
+  /// They must stay as they are.
   void setParameters(const std::vector<Variant>* parameters) { parameters_ = parameters; }
 
+  /// Runs the plan's statements; result sets and counts of rows are added to the result. Throws
+  /// what the first failing statement throws: `SqlError`, `SqliteFailure`, and
+  /// `tsql::SyntaxError` for a statement that is compiled only when it is reached.
   void run();
   /// Runs a procedure's body; throws `SqlError` 201 for a missing argument.
   void runProcedure(const Routine& routine, const std::vector<std::optional<Value>>& arguments);

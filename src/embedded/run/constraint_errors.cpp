@@ -10,11 +10,11 @@
 #include "embedded/functions/functions.h"
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 
 namespace azcoll::embedded {
 

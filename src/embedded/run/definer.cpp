@@ -13,12 +13,12 @@
 #include "embedded/sqlite/column_values.h"
 #include "embedded/sqlite/handle.h"
 #include "embedded/sqlite/sql_text.h"
-#include "embedded/values/collation.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/literals.h"
 #include "embedded/values/sql_error.h"
 #include "embedded/values/value.h"
 #include "text/joining.h"
+#include "text/letter_case.h"
 #include "tsql/parser.h"
 #include "tsql/printer.h"
 

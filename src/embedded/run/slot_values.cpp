@@ -15,7 +15,7 @@
 #include "embedded/values/number_values.h"
 #include "embedded/values/types.h"
 #include "embedded/values/value.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded {
 

@@ -7,6 +7,9 @@
 
 namespace azcoll::embedded {
 
+/// Gives an expression the collation of text columns (`kCollationName`).
+inline constexpr std::string_view kCollateClause = " COLLATE TSQL";
+
 /// `name` quoted for SQLite.
 [[nodiscard]] std::string quoteName(std::string_view name);
 /// `text` as a text constant of SQLite.

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "text/letter_case.h"
 #include "text/utf8.h"
 
 namespace azcoll::embedded {
@@ -188,9 +189,8 @@ std::string upperText(std::string_view text) {
 std::size_t utf16Length(std::string_view text) {
   std::size_t units = 0;
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    units += (byte & 0xC0U) != 0x80U ? 1U : 0U;
-    units += byte >= 0xF0U ? 1U : 0U;  // beyond the basic plane: a pair of units
+    units += isContinuation(c) ? 0U : 1U;
+    units += static_cast<unsigned char>(c) >= 0xF0U ? 1U : 0U;  // a pair beyond the basic plane
   }
   return units;
 }

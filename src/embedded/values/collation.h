@@ -5,20 +5,17 @@
 #include <string>
 #include <string_view>
 
-#include "text/letter_case.h"
-#include "text/utf8.h"
-
 namespace azcoll::embedded {
 
 /// Name of the collation of every text column: letter case does not count, accents do, blanks at
 /// the end do not. Order: punctuation, digits, letters; an accented letter after its plain one.
 inline constexpr const char* kCollationName = "TSQL";
-/// Gives an expression of SQLite that collation.
-inline constexpr std::string_view kCollateClause = " COLLATE TSQL";
 
 /// Compares as the collation does: negative, 0, positive.
 [[nodiscard]] int compareText(std::string_view left, std::string_view right);
 
+/// `text` in capitals, as UPPER gives it: the letters that `foldCase` knows; every other character
+/// stays. A malformed byte becomes the character of Latin-1 that it is taken for.
 [[nodiscard]] std::string upperText(std::string_view text);
 
 /// The code point at `at`, and its bytes; a malformed byte is taken for one of Latin-1.

@@ -11,11 +11,11 @@
 
 #include "data/decimal.h"
 #include "data/powers_of_ten.h"
-#include "data/text.h"
 #include "embedded/values/collation.h"
 #include "embedded/values/date_values.h"
 #include "embedded/values/number_values.h"
 #include "embedded/values/sql_error.h"
+#include "text/trimming.h"
 #include "text/utf8.h"
 
 namespace azcoll::embedded {

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::embedded {
 

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "tsql/characters.h"
-#include "tsql/parser.h"
 #include "tsql/syntax_error.h"
 
 namespace azcoll::embedded {

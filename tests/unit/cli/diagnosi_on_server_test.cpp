@@ -37,7 +37,7 @@ TEST_F(DiagnosisOfAServersDatabase, TellsEachThingThatIsMissingAndMendsItWithWha
   EXPECT_EQ(whole.code, ExitCode::Ok) << whole.out << whole.err;
   EXPECT_EQ(whole.json()["trovati"]["tabelle"], deployment::expectedSchema().tables.size());
   EXPECT_EQ(whole.json()["trovati"]["diritti"], deployment::expectedRights().grants.size());
-  EXPECT_EQ(whole.json()["note"], nlohmann::json::array());
+  EXPECT_TRUE(whole.json()["note"].is_array() && whole.json()["note"].empty());
 
   // An older schema: a column less, a shorter text, a function of three columns, a procedure
   // without its last input, a table that only the function reads.

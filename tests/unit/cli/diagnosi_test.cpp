@@ -5,7 +5,7 @@
 #include "cli/commands/database_options.h"
 #include "cli_test.h"
 #include "deployment/scripts.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::cli {
 namespace {

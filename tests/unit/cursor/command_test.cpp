@@ -81,9 +81,9 @@ TEST_F(Commands, AskForTheParametersOnceAndAgainForAnotherText) {
 }
 
 TEST_F(Commands, RefuseAParameterThatTheProcedureDoesNotDeclare) {
-  EXPECT_EQ(failureOf([&] { command->parameters().item("@X"); }),
+  EXPECT_EQ(failureOf([&] { static_cast<void>(command->parameters().item("@X")); }),
             "Elemento non trovato nella raccolta: @X");
-  EXPECT_EQ(failureOf([&] { command->parameters().item(2); }),
+  EXPECT_EQ(failureOf([&] { static_cast<void>(command->parameters().item(2)); }),
             "Elemento non trovato nella raccolta: 2");
 }
 

@@ -104,21 +104,21 @@ TEST(RowConflict, HasItsEntryWhateverTheErrorsOfTheConnectionAre) {
 /// A native connection that completes the columns of results when it is asked.
 class SettlingConnection final : public FakeConnection {
  public:
-  [[nodiscard]] std::vector<ColumnInfo> settle(const std::vector<ColumnInfo>& columns,
-                                               const ResultOrigin& origin) override {
+  [[nodiscard]] std::vector<ColumnInfo> completeColumns(const std::vector<ColumnInfo>& columns,
+                                                        const ResultOrigin& origin) override {
     asked.push_back(*origin.batch + " " + std::to_string(origin.index) + "/" +
                     std::to_string(origin.count));
-    std::vector<ColumnInfo> settled = columns;
-    settled[0].isKey = true;
-    settled[1].isKey = true;
-    return settled;
+    std::vector<ColumnInfo> complete = columns;
+    complete[0].isKey = true;
+    complete[1].isKey = true;
+    return complete;
   }
 
   std::vector<std::string> asked;
 };
 
 /// Customers whose key is not known yet: the second of three results.
-ResultSet unsettledCustomers() {
+ResultSet incompleteCustomers() {
   ResultSet set = customers();
   std::vector<ColumnInfo> columns = set.columns.all();
   columns[0].isKey = false;
@@ -130,7 +130,7 @@ ResultSet unsettledCustomers() {
 
 TEST(Settling, IsAskedOnceWhenTheFirstChangeIsSent) {
   const auto connection = std::make_shared<SettlingConnection>();
-  const auto rows = openClientCursor(resultOf(unsettledCustomers()), connection);
+  const auto rows = openClientCursor(resultOf(incompleteCustomers()), connection);
   rows->updateBatch(Affect::All);
   EXPECT_EQ(connection->asked, std::vector<std::string>{}) << "nothing was changed";
   for (const char* const name : {"Verdi", "Neri"}) {
@@ -143,7 +143,7 @@ TEST(Settling, IsAskedOnceWhenTheFirstChangeIsSent) {
 
 TEST(Settling, IsRefusedByAProviderWhoseResultsComeComplete) {
   const auto connection = std::make_shared<FakeConnection>();
-  const auto rows = openClientCursor(resultOf(unsettledCustomers()), connection);
+  const auto rows = openClientCursor(resultOf(incompleteCustomers()), connection);
   rows->fields().item("RAGSOC1").setValue(Variant{"Verdi"});
   EXPECT_EQ(failureOf([&] { rows->updateBatch(Affect::All); }),
             "Connessione di un altro fornitore");

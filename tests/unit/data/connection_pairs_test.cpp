@@ -57,7 +57,7 @@ TEST(ConnectionPairs, OnlyTheGivenMarksQuote) {
   EXPECT_EQ(pairsIn("a='x", ""), (Shown{"a|'x|'x"}));
 }
 
-TEST(ConnectionPairs, TellWhatIsOdd) {
+TEST(ConnectionPairs, ReportTheirFlaws) {
   EXPECT_EQ(pairsIn("a b ;c=1"), (Shown{"a b|||no equals", "c|1|1"}));
   EXPECT_EQ(pairsIn("a='x;b=1"), (Shown{"a|x;b=1|'x;b=1|open"}));
   EXPECT_EQ(pairsIn("a='x''"), (Shown{"a|x'|'x''|open"}));

@@ -16,7 +16,7 @@
 #include "deployment/schema.h"
 #include "deployment/scripts.h"
 #include "support/scripted_connection.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::deployment {
 namespace {

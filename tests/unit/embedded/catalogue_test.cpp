@@ -2,6 +2,7 @@
 
 #include "gtest/gtest.h"
 
+#include "cursor/native_connection.h"
 #include "data/error.h"
 #include "embedded/embedded_connection.h"
 #include "embedded/values/types.h"
@@ -33,22 +34,24 @@ TEST(Types, MeetInTheHigherOne) {
             (Type{TypeKind::DateTime2, 0, 0, 3}));
 }
 
-TEST(Definitions, AreToldInTheOrderOfTheirCreation) {
+TEST(Definitions, AreGivenInTheOrderOfTheirCreation) {
   const std::shared_ptr<Connection> connection = newConnection();
   connection->setConnectionString("Provider=embedded;Data Source=:memory:");
-  EXPECT_THROW(storedDefinitions(*connection), Error);  // it is not open
+  NativeConnection* const native = connection->native();
+  ASSERT_NE(native, nullptr);
+  EXPECT_THROW(static_cast<void>(native->storedDefinitions()), Error);  // it is not open
   connection->open("", "", CommandOption::Unspecified);
   const auto run = [&](const char* text) {
     std::int64_t affected = 0;
     connection->execute(text, affected, CommandOption::Text);
   };
-  EXPECT_EQ(storedDefinitions(*connection), std::vector<std::string>{});
+  EXPECT_EQ(native->storedDefinitions(), std::vector<std::string>{});
   run("CREATE TABLE Z (A INT NOT NULL, B VARCHAR(9) NULL)");
   run("CREATE TABLE A (A INT NOT NULL)");
   run("CREATE INDEX I ON Z (B)");
   run("CREATE PROCEDURE P AS SELECT A FROM Z");
   run("DROP TABLE A");
-  const auto definitions = storedDefinitions(*connection);
+  const auto definitions = native->storedDefinitions();
   ASSERT_TRUE(definitions);
   ASSERT_EQ(definitions->size(), 3U);
   EXPECT_EQ((*definitions)[0].substr(0, 14), "CREATE TABLE Z");

@@ -5,6 +5,8 @@
 
 #include "gtest/gtest.h"
 
+#include "text/letter_case.h"
+
 namespace azcoll::embedded {
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "data/error.h"
 #include "embedded/connection.h"
-#include "tsql/parser.h"
+#include "tsql/script.h"
 
 namespace azcoll::embedded::test {
 

@@ -24,7 +24,7 @@
 #include "engine_fixture.h"
 #include "support/scratch_folder.h"
 #include "support/sqlite_texts.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded::test {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "embedded/plan/guards.h"
 #include "engine_fixture.h"
-#include "tsql/parser.h"
+#include "tsql/shape.h"
 
 namespace azcoll::embedded::test {
 namespace {

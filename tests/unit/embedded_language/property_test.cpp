@@ -278,8 +278,9 @@ class RandomDecimals : public testing::Test {
                 " = ", [](const Decimal&a, const Decimal&b) { return a == b; }},
             {" < ", [](const Decimal&a, const Decimal&b) { return a < b; }},
             {" >= ", [](const Decimal&a, const Decimal&b) { return a >= b; }}}) {
-        const auto expected = std::count_if(numbers.begin(), numbers.end(),
-                                            [&](const Decimal& n) { return test(n, pivot); });
+        const auto expected =
+            std::count_if(numbers.begin(), numbers.end(),
+                          [&, holds = test](const Decimal& n) { return holds(n, pivot); });
         EXPECT_EQ(value(db(), std::string{"SELECT COUNT(*) FROM T WHERE N"} + op + pivot.text())
                       .toInt64(),
                   expected)

@@ -160,7 +160,7 @@ TEST_F(Transactions, ErrorsStayThroughSuccess) {
   ASSERT_EQ(db().errors().count(), 2U);
   EXPECT_EQ(db().errors().item(0).nativeNumber, 2627);
   EXPECT_EQ(db().errors().item(1).nativeNumber, 3621);
-  EXPECT_THROW(db().errors().item(2), Error);
+  EXPECT_THROW(static_cast<void>(db().errors().item(2)), Error);
 }
 
 TEST_F(Transactions, ErrorsAreReplacedByTheNextFailure) {

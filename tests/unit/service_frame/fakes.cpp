@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "data/error.h"
-#include "data/text.h"
+#include "text/trimming.h"
 
 namespace azcoll::frame_tests {
 

@@ -14,9 +14,6 @@
 
 namespace azcoll::test {
 
-using Lines = std::vector<std::string>;
-using Ints = std::vector<int>;
-
 /// One line of a statement and the case in which it stands there. In `when` a capital letter is a
 /// flag that must be on, a small letter one that must be off; "" always holds. Names in braces in
 /// `text` are values of the case.

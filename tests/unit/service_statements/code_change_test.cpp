@@ -7,8 +7,6 @@
 namespace azcoll::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr std::array<const char*, 13> kCallOrder{
     "MG1C_CLIFORAGEMUL", "MG22_CLIFORDEST",   "MG24_CLIFORRAG",  "MG27_CLIFORACC", "MG28_CLIFORINT",
     "MG26_CLIFORNOTE",   "MG41_CLIFORVETT",   "MG23_CLIFORNCOP", "MG35_CLIFORCC",  "MG29_CLIFORRID",

@@ -12,9 +12,6 @@
 
 namespace azcoll::test {
 
-using Lines = std::vector<std::string>;
-using Ints = std::vector<int>;
-
 /// A question that was put to the user.
 struct Prompt {
   std::string text{};

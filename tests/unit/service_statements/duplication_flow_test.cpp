@@ -7,8 +7,6 @@
 namespace azcoll::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr const char* kAgentRead =
     " SELECT     DST.MG17_IDAGENTE AS IDAGENTE FROM       MG17_AGENTI AS SRC WITH(NOLOCK) INNER "
     "JOIN MG17_AGENTI AS DST WITH(NOLOCK)         ON DST.MG17_DITTA_CG18 = 10        AND "

@@ -10,9 +10,6 @@
 
 namespace azcoll::test {
 
-using Lines = std::vector<std::string>;
-using Ints = std::vector<int>;
-
 /// Customer 100 of company 20, whose group has the companies 10, 30 and 40 as well.
 class GroupChangeTest : public ServiceTest {
  protected:

@@ -7,9 +7,6 @@
 namespace azcoll::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Ints = std::vector<int>;
-
 class GroupStatementsTest : public ServiceTest {
  protected:
   static std::map<std::string, Variant> given(const Operation& command) {

@@ -11,8 +11,6 @@
 
 namespace azcoll::test {
 
-using Lines = std::vector<std::string>;
-using Ints = std::vector<int>;
 // The statements for company 20 in 2024, in the pieces that they share.
 inline const std::string kYear =
     " WHERE CG86_INDTIPO = 0 AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18 AND CG86_ANNOIVA = 2024";

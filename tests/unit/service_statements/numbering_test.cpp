@@ -6,8 +6,6 @@
 namespace azcoll::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class NumberingTest : public DuplicationTest {
  protected:
   [[nodiscard]] Lines companies() const {

@@ -6,8 +6,6 @@
 namespace azcoll::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class PrerequisitesTest : public DuplicationTest {
  protected:
   PrerequisitesTest() { group("10", {}, ""); }

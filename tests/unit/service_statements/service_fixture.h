@@ -13,6 +13,9 @@
 
 namespace azcoll::test {
 
+using Lines = std::vector<std::string>;
+using Ints = std::vector<int>;
+
 inline constexpr const char* kProcedure = "PC_GetDitteCollegate";
 
 /// What the numbering object was given when it was run.

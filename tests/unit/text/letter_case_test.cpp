@@ -1,6 +1,7 @@
 #include "text/letter_case.h"
 
 #include <gtest/gtest.h>
+#include <string_view>
 
 namespace azcoll {
 namespace {
@@ -51,6 +52,13 @@ TEST(Ascii, KnowsTheLettersAToZOnly) {
   EXPECT_FALSE(ascii::equalsIgnoringCase("Select", "SELECTS"));
   EXPECT_FALSE(ascii::equalsIgnoringCase("citt\u00E0", "CITT\u00C0"));
   EXPECT_FALSE(ascii::equalsIgnoringCase("[", "{"));
+}
+
+TEST(Ascii, MakesCapitalsOfTheLettersAToZOnly) {
+  EXPECT_EQ(ascii::upper("azAZ 09_@`{"), "AZAZ 09_@`{");
+  EXPECT_EQ(ascii::upper("citt\u00E0"), "CITT\u00E0");
+  EXPECT_EQ(ascii::upper(std::string_view{"a\0\xE9z", 4}), (std::string_view{"A\0\xE9Z", 4}));
+  EXPECT_EQ(ascii::upper(""), "");
 }
 
 }  // namespace

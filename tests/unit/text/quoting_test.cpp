@@ -11,14 +11,6 @@ TEST(Doubled, WritesEachMarkTwice) {
   EXPECT_EQ(doubled("'", '\''), "''");
 }
 
-TEST(Trim, TakesBlanksOffBothEnds) {
-  EXPECT_EQ(trim("  a b "), "a b");
-  EXPECT_EQ(trim("   "), "");
-  EXPECT_EQ(trim(""), "");
-  EXPECT_EQ(trim("\ta\t"), "\ta\t");
-  EXPECT_EQ(trim(" \xFF "), "\xFF");
-}
-
 TEST(Quoted, PutsMarksAroundAndDoublesTheClosingOne) {
   EXPECT_EQ(quoted("L'Aquila", '\''), "'L''Aquila'");
   EXPECT_EQ(quoted("a\"b", '"'), "\"a\"\"b\"");

@@ -1,6 +1,8 @@
 #include <chrono>
 #include <random>
 
+#include "tsql/script.h"
+#include "tsql/shape.h"
 #include "unit/tsql/support.h"
 
 namespace azcoll::tsql::test {

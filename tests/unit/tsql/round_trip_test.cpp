@@ -1,3 +1,4 @@
+#include "tsql/script.h"
 #include "unit/tsql/support.h"
 
 namespace azcoll::tsql::test {

@@ -1,4 +1,7 @@
+#include "tsql/shape.h"
+
 #include "tsql/lexer.h"
+#include "tsql/script.h"
 #include "unit/tsql/support.h"
 
 namespace azcoll::tsql::test {

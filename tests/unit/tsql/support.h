@@ -10,6 +10,7 @@
 
 #include "tsql/parser.h"
 #include "tsql/printer.h"
+#include "tsql/syntax_error.h"
 
 namespace azcoll::tsql::test {
 
