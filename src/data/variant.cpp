@@ -9,6 +9,7 @@
 
 #include "data/error.h"
 #include "data/messages.h"
+#include "data/text.h"
 #include "text/letter_case.h"
 
 namespace azcoll {

@@ -1,6 +1,7 @@
 // What the duplication leaves behind when it does not, or must not, go through.
 
 #include "scenarios/company_database.h"
+#include "text/trimming.h"
 
 namespace azcoll::test {
 namespace {
