@@ -9,7 +9,7 @@
 /// Pieces that several statements about activities have in common.
 namespace azcoll::activities {
 
-/// Lines of a statement, separated by line breaks (none behind the last one).
+/// Lines of a statement, separated by line breaks (none after the last one).
 template <typename... Lines>
 [[nodiscard]] std::string lines(std::string_view first, const Lines&... others) {
   std::string text{first};

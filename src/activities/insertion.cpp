@@ -37,7 +37,7 @@ std::string registryInsert(std::string_view company, std::string_view code) {
 
 /// The default activity row, from the company's data.
 std::string defaultRow(std::string_view company, std::string_view code, const Variant& year) {
-  // Two of the settings stand behind the main-activity flag in the order of the columns.
+  // Two of the settings come after the main-activity flag in the order of the columns.
   constexpr auto first = tables::kVatSettings.size() - 2;
   std::string settings;
   for (const std::string_view setting : tables::Names{tables::kVatSettings}.first(first)) {

@@ -168,7 +168,7 @@ std::string activityStatement(Call& call) {
 }
 
 /// Seeds the year, then gives the statement that reads the activities, with the registers' one
-/// behind it when that is asked for; "" when it cannot be composed.
+/// after it when that is asked for; "" when it cannot be composed.
 ///
 /// Callers rely on it: a seeding that fails is reported, and what is there is read all the same.
 std::string textAfterSeeding(Call& call) {

@@ -42,7 +42,7 @@ class ComPtr {
   explicit operator bool() const { return pointer_ != nullptr; }
   /// Hands the reference over to the caller.
   Interface* detach() { return std::exchange(pointer_, nullptr); }
-  /// Where a function writes a new reference; lets go of the old one.
+  /// Where a function writes a new reference; releases the old one.
   Interface** receive() {
     *this = ComPtr{};
     return &pointer_;

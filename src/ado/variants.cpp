@@ -80,7 +80,7 @@ Decimal decimal(Int128 digits, int scale) {
   return *number;
 }
 
-/// Currency always has four places; the zeros behind the number are not the caller's.
+/// Currency always has four places; the zeros after the number are not the caller's.
 Decimal fromCurrency(CY value) {
   std::int64_t digits = value.int64;
   int scale = kCurrencyPlaces;

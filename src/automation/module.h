@@ -44,7 +44,7 @@ class ModuleUse {
   ~ModuleUse();
 
   static void lock(bool on);
-  /// Whether nothing is in use; lets go of the type library then.
+  /// Whether nothing is in use; releases the type library then.
   [[nodiscard]] static bool none();
   /// How much is in use, for the tests.
   [[nodiscard]] static long count();

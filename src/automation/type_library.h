@@ -17,7 +17,7 @@ struct ClassInfo {
 
 /// The type library inside this very module: the one place of every identifier.
 ///
-/// It is loaded at the first use and let go of by `unloadTypeLibrary`; until then references stay
+/// It is loaded at the first use and released by `unloadTypeLibrary`; until then references stay
 /// valid.
 class TypeLibrary {
  public:

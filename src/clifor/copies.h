@@ -16,7 +16,7 @@ namespace azcoll::clifor {
 [[nodiscard]] std::string fullMasterInsert(Call& call, const Variant& main, Fields& source,
                                            const Variant& agent);
 
-/// The reduced copy's values behind the company: the same for every linked company.
+/// The reduced copy's values after the company: the same for every linked company.
 [[nodiscard]] std::string reducedMasterTail(Call& call, Fields& source);
 
 /// The copy of the sales data for the main company.

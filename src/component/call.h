@@ -62,8 +62,8 @@ class Call {
   /// The same for a method that needs one: throws `Error` when there is none, so that no statement
   /// is composed around an empty place.
   Variant requiredYear(ZeroYear zero);
-  /// A date in the form that the database reads; Null when it is none. A failing conversion gives
-  /// Empty, `Stato` 99 and its message.
+  /// A date in the form that the database reads; Null when it is not one. A failing conversion
+  /// gives Empty, `Stato` 99 and its message.
   Variant DataDB(const Variant& date);
   /// 1 when the look-ups are to answer as the duplication needs it, by the caller's own setting or
   /// else by the session's; 0 after any failure.

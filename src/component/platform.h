@@ -30,7 +30,7 @@ class DateConverter {
 
 /// Records a document number that was used: the suite's document numbering.
 ///
-/// The nine inputs are handed over one by one in the order of `Ingresso`, then `ElaboraNumerazione`
+/// The nine inputs are passed one by one in the order of `Ingresso`, then `ElaboraNumerazione`
 /// is called and the status read. Each number has an object of its own.
 class NumerazioneDocumenti {
  public:

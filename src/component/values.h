@@ -25,8 +25,8 @@ inline constexpr std::int16_t kOverSeveralCompanies = 1;
 inline constexpr std::int16_t kWithinOneCompany = 2;
 }  // namespace regimes
 
-/// Runs `step` and goes on whatever happens in it: for the routines in which a failing statement is
-/// skipped and the next one runs.
+/// Runs `step` and continues whatever happens in it: for the routines in which a failing statement
+/// is skipped and the next one runs.
 template <typename Step>
 void ignoreErrors(const Step& step) noexcept {
   try {

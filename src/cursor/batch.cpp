@@ -47,6 +47,7 @@ const std::string& tableOf(const RowStore& rows, const Columns& columns) {
     if (info.baseTable.empty() || info.baseColumn.empty()) {
       throw Error(join(messages::kColumnNotUpdatable, info.name));
     }
+    // One statement changes one table.
     if (!equalsIgnoringCase(table, info.baseTable)) {
       throw Error(join(messages::kSeveralTables, table, ", ", info.baseTable));
     }

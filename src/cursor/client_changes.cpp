@@ -69,6 +69,7 @@ std::vector<std::size_t> ClientRecordset::rowsToSend(Affect affect) const {
       rows.push_back(row);
     }
   };
+  // Group means the rows that the filter shows; without one, all.
   if (affect == Affect::Current) {
     addIfPending(currentRow());
   } else if (affect == Affect::Group && shown_) {

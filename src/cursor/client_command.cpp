@@ -63,6 +63,7 @@ std::shared_ptr<Recordset> ClientCommand::execute(std::int64_t& recordsAffected,
   ExecutionResult result = procedure_->call(values, timeoutSeconds_);
   recordsAffected = result.recordsAffected;
   for (std::size_t index = 0; index < parameters_.size(); ++index) {
+    // Values of inputs stay as the caller gave them, not as they were converted.
     if (parameters_[index]->direction() != ParameterDirection::Input) {
       parameters_[index]->setValue(values[index]);
     }

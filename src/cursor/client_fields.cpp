@@ -39,6 +39,7 @@ Field& ClientFields::item(std::string_view name) {
 
 Field& ClientFields::item(std::size_t index) {
   existing(recordset_, index);
+  // Callers hold references to fields: they are kept apart from the vector that grows.
   if (fields_.size() <= index) {
     fields_.resize(recordset_.columns().size());
   }

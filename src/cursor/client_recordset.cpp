@@ -111,7 +111,7 @@ std::size_t ClientRecordset::shownRow(std::int64_t position) const {
 }
 
 std::size_t ClientRecordset::currentRow() const {
-  // The row being added lies behind all others.
+  // The row being added lies after all others.
   if (adding()) {
     return rows_.rowCount();
   }
@@ -148,6 +148,7 @@ void ClientRecordset::moveFirst() {
 void ClientRecordset::moveNext() {
   requireOpen();
   finishEdit();
+  // At the last row it moves to the end, at the end it fails, as in ADO.
   if (position_ >= shownCount()) {
     throw Error(messages::kMoveBeyondEnd);
   }
@@ -217,6 +218,7 @@ std::shared_ptr<Recordset> ClientRecordset::nextRecordset() {
   if (!following_ || following_->empty()) {
     return nullptr;
   }
+  // Taken out of the queue that all recordsets of the execution share: each result is given once.
   ResultSet next = std::move(following_->front());
   following_->pop_front();
   return std::make_shared<ClientRecordset>(std::move(next), following_, connection_, lock_);

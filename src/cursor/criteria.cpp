@@ -29,6 +29,7 @@ std::optional<std::partial_ordering> compare(const Variant& value, const Literal
         return value.toDecimal() <=> *literal.number;
       }
       return std::nullopt;
+    // A double is compared as one: as a decimal it would rarely equal what is written.
     case Kind::Double:
       if (literal.number) {
         return *value.get<double>() <=> literal.number->toDouble();

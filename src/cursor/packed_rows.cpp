@@ -147,6 +147,7 @@ void PackedRows::append(const Decimal& value) {
 
 void PackedRows::append(const Date& value) {
   const Day day{value.year, value.month, value.day};
+  // Most dates have no time: four bytes are enough.
   if (value == Date{.year = day.year, .month = day.month, .day = day.day}) {
     store(kDay, day);
   } else {
@@ -162,6 +163,7 @@ void PackedRows::append(std::string_view text) {
 }
 
 PackedRows::TextRoom PackedRows::beginText(std::size_t most) {
+  // By the room, not by the text: its length is known only when it has been written.
   const bool isShort = most <= kShortText;
   const std::size_t before = 1 + (isShort ? sizeof(std::uint8_t) : sizeof(std::uint32_t));
   std::byte* const place = take(before + most);
@@ -177,6 +179,7 @@ void PackedRows::endText(const TextRoom& room, std::size_t size) {
     const auto length = static_cast<std::uint32_t>(size);
     std::memcpy(room.tag + 1, &length, sizeof length);
   }
+  // What the text did not need goes to the next value.
   at_ = text + size;
 }
 

@@ -45,6 +45,7 @@ std::span<const Variant> RowStore::row(std::size_t row) const {
   if (const auto changed = changed_.find(row); changed != changed_.end()) {
     return changed->second;
   }
+  // Fields are read row by row, so one unpacked row serves them all.
   if (unpackedRow_ != row) {
     unpacked_.resize(columns_.size());
     packed_->read(row, unpacked_);
@@ -54,6 +55,7 @@ std::span<const Variant> RowStore::row(std::size_t row) const {
 }
 
 Variant& RowStore::at(std::size_t row, std::size_t column) {
+  // From now on the row is the unpacked one: packed rows are never rewritten.
   const auto [changed, isNew] = changed_.try_emplace(row);
   if (isNew) {
     changed->second.resize(columns_.size());

@@ -50,7 +50,7 @@ class RowStore {
   [[nodiscard]] std::span<const Variant> row(std::size_t row) const;
 
   [[nodiscard]] Edit edit() const { return edit_; }
-  /// Starts a row of Nulls behind the last one. No edit may be in progress.
+  /// Starts a row of Nulls after the last one. No edit may be in progress.
   void add();
   /// Changes a value; starts the edit of that row when none is in progress. Empty becomes Null.
   void set(std::size_t row, std::size_t column, const Variant& value);

@@ -52,7 +52,7 @@ class Parameters {
 /// A stored procedure to be called by name.
 class Command : public Object {
  public:
-  /// Connection to work on; null lets go of it after use.
+  /// Connection to work on; null releases it after use.
   virtual void setActiveConnection(std::shared_ptr<Connection> connection) = 0;
   virtual void setCommandText(std::string text) = 0;
   virtual void setCommandType(CommandOption type) = 0;

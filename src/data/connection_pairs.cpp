@@ -9,7 +9,7 @@
 namespace azcoll {
 namespace {
 
-/// Reads the value in quotes at the start of `text`; returns where it ends, behind its closing
+/// Reads the value in quotes at the start of `text`; returns where it ends, after its closing
 /// mark, or npos when it is open.
 std::size_t readQuoted(std::string_view text, std::string& value) {
   const char close = text.front() == '{' ? '}' : text.front();

@@ -45,7 +45,7 @@ class Reader {
     return true;
   }
 
-  /// A number of `least` to `most` digits, with no digit behind them.
+  /// A number of `least` to `most` digits, with no digit after them.
   bool number(std::size_t least, std::size_t most, int& value) {
     const std::size_t digits = digitsAhead();
     if (digits < least || digits > most) {

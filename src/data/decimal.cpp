@@ -224,7 +224,7 @@ std::string Decimal::text() const {
 }
 
 void Decimal::appendTo(std::string& target) const {
-  // 38 digits, or a zero before the point and 38 behind it, with the point and the sign.
+  // 38 digits, or a zero before the point and 38 after it, with the point and the sign.
   std::array<char, kMaxDigits + 3> buffer{};
   std::size_t first = buffer.size();
   UInt128 value = magnitude(unscaled_);

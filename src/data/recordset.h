@@ -78,7 +78,7 @@ class Recordset : public Object {
   [[nodiscard]] virtual std::int64_t recordCount() const = 0;
   /// ADO's BOF: before the first row (also true when there are no rows).
   [[nodiscard]] virtual bool atStart() const = 0;
-  /// ADO's EOF: behind the last row (also true when there are no rows).
+  /// ADO's EOF: after the last row (also true when there are no rows).
   [[nodiscard]] virtual bool atEnd() const = 0;
   virtual void moveFirst() = 0;
   virtual void moveNext() = 0;
@@ -91,7 +91,7 @@ class Recordset : public Object {
   virtual void setFilter(std::string_view criteria) = 0;
 
   /// Positions on the first row that satisfies one comparison, from `start` after skipping `skip`
-  /// rows; behind the last row (before the first, when searching backward) when there is none.
+  /// rows; after the last row (before the first, when searching backward) when there is none.
   virtual void find(std::string_view criteria, std::int64_t skip, SearchDirection direction,
                     Bookmark start) = 0;
 

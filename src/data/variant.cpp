@@ -32,7 +32,7 @@ constexpr double kMostInDigits = 1e21;
 enum class Form : std::uint8_t { Digits, Shortest };
 
 void appendDouble(std::string& target, double value, Form form) {
-  std::array<char, 384> buffer{};  // the longest double in digits has 309 before or 326 behind
+  std::array<char, 384> buffer{};  // the longest double in digits has 309 before or 326 after
   const double size = std::fabs(value);
   if (size == 0) {
     target += '0';

@@ -16,7 +16,7 @@ struct Finding {
   std::string remedy;  ///< what fixes it: T-SQL, or a command
 };
 
-/// What was looked at, and what is to be fixed.
+/// What was examined, and what is to be fixed.
 struct Diagnosis {
   std::size_t tables = 0;
   std::size_t columns = 0;

@@ -91,7 +91,7 @@ class Answer {
  public:
   Answer(Connection& connection, const std::string& question) : rows_{ask(connection, question)} {}
 
-  /// Goes to the first row, then to the next; false behind the last one.
+  /// Goes to the first row, then to the next; false after the last one.
   [[nodiscard]] bool next() {
     if (!rows_) {
       return false;

@@ -42,8 +42,7 @@ struct ServerUser {
                                       const ServerUser& user, std::vector<std::string>& unchecked);
 
 /// Those of `grants` that the user does not have, for the objects that `found` holds; each with the
-/// owner that the object was found with. A function that can be read from
-/// counts as granted.
+/// owner that the object was found with. A function that can be read from counts as granted.
 [[nodiscard]] std::vector<Grant> readMissingGrants(Connection& connection,
                                                    const std::vector<Grant>& grants,
                                                    const Schema& found);

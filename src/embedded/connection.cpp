@@ -41,7 +41,7 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
   ErrorInfo info = errorInfo(number, message, statement);
   info.transactionLost = transactionLost;
   std::vector<ErrorInfo> entries{std::move(info)};
-  // SQL Server reports that the statement was ended as a second error, which ADO shows behind the
+  // SQL Server reports that the statement was ended as a second error, which ADO shows after the
   // first.
   if (terminated) {
     constexpr int kTerminated = 3621;
@@ -53,7 +53,7 @@ void EmbeddedConnection::fail(int number, const std::string& message, std::strin
 /// Runs an operation of the provider; its failures are recorded.
 template <typename Action>
 auto EmbeddedConnection::recorded(std::string_view statement, Action action) {
-  // Asked behind the failure, by which SQLite may have undone the transaction.
+  // Asked after the failure, by which SQLite may have undone the transaction.
   const auto lost = [&] { return engine_ && engine_->isTransactionLost(); };
   try {
     return action();

@@ -57,7 +57,7 @@ class Engine final : private Plans, private Transactions {
   /// one that is lost, too.
   void rollback() override;
   [[nodiscard]] bool inTransaction() const { return session_.database.inTransaction(); }
-  /// Whether SQLite has undone the transaction by itself (a broken off change, a full disk).
+  /// Whether SQLite has undone the transaction by itself (a change broken off, a full disk).
   /// Nothing runs then until its owner has ended it: each statement would be committed by itself.
   [[nodiscard]] bool isTransactionLost() const { return begun_ && !inTransaction(); }
 

@@ -18,7 +18,7 @@ std::shared_ptr<Command> groupOfCall(Call& call, const GroupFilter& filter) {
   }
   std::shared_ptr<Command> command =
       groupCommand(call.sharedConnection(), call.input().Pvar_Ditta, *start);
-  // Looked up behind the first parameters: a value that cannot be read leaves its mark in `Stato`.
+  // Looked up after the first parameters: a value that cannot be read leaves its mark in `Stato`.
   selectCompanies(*command, call.ValoreGestioneDuplicazioneCliFor(), filter);
   return command;
 }

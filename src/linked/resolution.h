@@ -22,7 +22,7 @@ void ControllaDittaCollegata(Call& call) noexcept;
 /// is swallowed and leaves the list empty.
 std::string LeggiDitteCollegate(Call& call, std::shared_ptr<Recordset>& companies) noexcept;
 
-/// Asks the stored procedure for the group, then lets go of the command. The recordset stands in
+/// Asks the stored procedure for the group, then releases the command. The recordset stands in
 /// `companies` before that; it stays connected, on its first row. Throws `Error`.
 void readGroup(Call& call, const GroupFilter& filter, std::shared_ptr<Recordset>& companies);
 

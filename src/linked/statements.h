@@ -9,7 +9,7 @@
 /// type of its link. Every text is complete and stands on its own.
 namespace azcoll::linked {
 
-/// What makes a row a link: a row of a company with itself is none.
+/// What makes a row a link: a row of a company with itself is not one.
 inline constexpr std::string_view kLinksOnly =
     " WHERE CG86_INDTIPO = 0"
     " AND CG86_DITTA_CG18 <> CG86_DITTACOLL_CG18";

@@ -60,7 +60,7 @@ std::size_t widthOf(const Column& column) {
 }
 
 /// Whether a fetch brought rows. Throws `DriverFailure` for a failure, and for one that the driver
-/// reports beside the rows in front of it: FreeTDS gives the part of a block that came before the
+/// reports beside the rows before it: FreeTDS gives the part of a block that came before the
 /// statement failed as a success with information, and the end of the rows next.
 bool fetchRows(const Handle& statement) {
   const SQLRETURN result = SQLFetch(statement.get());
@@ -167,7 +167,7 @@ class BlockReader {
     }
   }
 
-  /// Appends the next block to `rows`; the rows it has, 0 behind the last one.
+  /// Appends the next block to `rows`; the rows it has, 0 after the last one.
   std::size_t next(cursor::PackedRows& rows) {
     fetched_ = 0;
     if (!fetchRows(statement_)) {

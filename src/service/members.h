@@ -33,7 +33,7 @@ using FieldMember =
                  EnumTipoMsgAziendeColl Class::*, std::shared_ptr<Connection> Class::*,
                  std::shared_ptr<Recordset> Class::*, std::shared_ptr<Object> Class::*>;
 
-/// What a caller hands over in a variant field, beyond its being a variant.
+/// What a caller passes in a variant field, beyond its being a variant.
 enum class FieldUse { Any, Date };
 
 template <typename Class>

@@ -30,7 +30,7 @@ constexpr bool isContinuation(char byte) {
 /// Room that `writeUtf8` may need.
 inline constexpr std::size_t kLongestUtf8 = 4;
 
-/// Writes a code point to `target`; returns the place behind it.
+/// Writes a code point to `target`; returns the place after it.
 char* writeUtf8(char* target, std::uint32_t codePoint);
 
 /// Appends a code point to `text`.

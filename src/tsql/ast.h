@@ -191,7 +191,7 @@ struct NamedTable {
 struct DerivedTable {
   QueryPtr query;
 };
-/// A table-valued function in FROM or behind APPLY.
+/// A table-valued function in FROM or after APPLY.
 struct FunctionTable {
   ObjectName name;
   std::vector<ExpressionPtr> arguments;
@@ -291,7 +291,7 @@ struct ColumnDefinition {
 
 enum class ConstraintKind : std::uint8_t { PrimaryKey, Unique, ForeignKey, Check };
 
-/// A table constraint; one written behind a column is the same with that one column.
+/// A table constraint; one written after a column is the same with that one column.
 struct ConstraintDefinition {
   ConstraintKind kind = ConstraintKind::PrimaryKey;
   std::string name;  ///< empty when none was given

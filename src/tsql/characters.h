@@ -50,7 +50,7 @@ constexpr bool hasClass(char c, CharacterClass wanted) {
   return (kCharacterClasses[static_cast<unsigned char>(c)] & wanted) != 0;
 }
 
-/// The byte at `at`, or NUL behind the end.
+/// The byte at `at`, or NUL after the end.
 constexpr char byteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? text[at] : '\0';
 }
@@ -72,7 +72,7 @@ constexpr std::size_t classEnd(std::string_view text, std::size_t at, CharacterC
   return at;
 }
 
-/// Whether a number starts at `at`: a digit, or a point in front of one.
+/// Whether a number starts at `at`: a digit, or a point before one.
 constexpr bool startsNumber(std::string_view text, std::size_t at) {
   return hasClass(byteAt(text, at), kDigit) ||
          (byteAt(text, at) == '.' && hasClass(byteAt(text, at + 1), kDigit));
@@ -84,7 +84,7 @@ struct NumberSpan {
 };
 
 /// The number that starts at `at`. It ends at the first character that cannot be part of it,
-/// whatever follows (`0AND` is 0 and AND); an E behind the digits always belongs to it, as the
+/// whatever follows (`0AND` is 0 and AND); an E after the digits always belongs to it, as the
 /// exponent, even when no digits follow (`1E` is a float).
 constexpr NumberSpan scanNumber(std::string_view text, std::size_t at) {
   if (text[at] == '0' && ascii::upper(byteAt(text, at + 1)) == 'X') {
@@ -144,7 +144,7 @@ struct CommentSpan {
   bool closed = true;
 };
 
-/// The comment that starts at `at`. A `--` comment ends in front of the line break; comments in
+/// The comment that starts at `at`. A `--` comment ends before the line break; comments in
 /// `/* */` nest.
 inline CommentSpan scanComment(std::string_view text, std::size_t at) {
   if (text[at] == '-') {
@@ -173,8 +173,8 @@ inline CommentSpan scanComment(std::string_view text, std::size_t at) {
 /// shape scanner feed it alike, so that both give the word NULL an ordinal in the same places.
 class ValuesTracker {
  public:
-  /// Whether the next token opens a value: it stands right behind the opening parenthesis of a row
-  /// or behind a comma of the row itself.
+  /// Whether the next token opens a value: it stands right after the opening parenthesis of a row
+  /// or after a comma of the row itself.
   [[nodiscard]] bool atValue() const { return atValue_; }
 
   void onValuesWord() {

@@ -117,6 +117,7 @@ Token Lexer::takeConstant(TokenKind kind, std::size_t end) {
 Token Lexer::takeQuoted(TokenKind kind, std::size_t openAt, char close) {
   const QuotedSpan span = scanQuoted(text_, openAt, close);
   if (!span.closed) {
+    // A token, not an error: what is wrong before the quote is reported first.
     return take(TokenKind::UnclosedQuote, span.end);
   }
   Token token = kind == TokenKind::QuotedName ? take(kind, span.end) : takeConstant(kind, span.end);
@@ -158,7 +159,7 @@ Token Lexer::takeWord() {
   return token;
 }
 
-/// `end`, or the first character in front of it that is beyond ASCII and no letter.
+/// `end`, or the first character before it that is beyond ASCII and not a letter.
 std::size_t Lexer::lettersEnd(std::size_t end) const {
   for (std::size_t i = at_; i < end;) {
     if (static_cast<unsigned char>(text_[i]) < 0x80) {
@@ -234,6 +235,7 @@ Token Lexer::takeComparison() {
     default:
       break;
   }
+  // T-SQL's own spellings: `!=`, and `!<` for not less.
   switch (second) {
     case '=':
       return takeOne(Symbol::NotEqual, 2);
@@ -250,6 +252,7 @@ Token Lexer::takeOperator() {
   if (std::string_view("+-*/%&|^~").find(text_[at_]) == std::string_view::npos) {
     return take(TokenKind::Unexpected, at_ + 1);
   }
+  // `+=` and the like; the parser refuses them by that name.
   if (byteAt(text_, at_ + 1) == '=') {
     return takeOne(Symbol::CompoundAssignment, 2);
   }

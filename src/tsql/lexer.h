@@ -72,13 +72,13 @@ struct Token {
 };
 
 /// Cuts a text into tokens, one at a time. It never fails: what is wrong comes as a token of its
-/// own, so that an error in front of it is reported first. The text must be UTF-8 and outlive the
+/// own, so that an error before it is reported first. The text must be UTF-8 and outlive the
 /// lexer.
 class Lexer {
  public:
   explicit Lexer(std::string_view text) : text_(text) {}
 
-  /// The next token; `End` again and again behind the last one.
+  /// The next token; `End` again and again after the last one.
   Token next();
 
   [[nodiscard]] std::string_view text() const { return text_; }

@@ -153,7 +153,7 @@ std::int64_t Parser::takeIdentityNumber() {
   return negative ? -number : number;
 }
 
-/// A constraint behind a column. A key or a check becomes a constraint of the table.
+/// A constraint after a column. A key or a check becomes a constraint of the table.
 void Parser::parseColumnConstraint(CreateTableStatement& table, ColumnDefinition& column) {
   ConstraintDefinition constraint;
   constraint.position = current_.position;

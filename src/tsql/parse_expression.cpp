@@ -84,6 +84,7 @@ ExpressionPtr Parser::parseEither() {
 ExpressionPtr Parser::parseOr(Wanted wanted) {
   ExpressionPtr left = parseAnd(wanted);
   while (is(Keyword::Or)) {
+    // In parentheses only the OR shows that a condition was meant.
     requireCondition(*left);
     advance();
     left = makeBinary(BinaryOperator::Or, std::move(left), parseAnd(Wanted::Condition));
@@ -296,7 +297,7 @@ ExpressionPtr Parser::parseReservedPrimary() {
       return parseCase();
     case Keyword::Convert:
       return parseConvert();
-    // Reserved words that name functions only in front of a parenthesis.
+    // Reserved words that name functions only before a parenthesis.
     case Keyword::Coalesce:
     case Keyword::Nullif:
     case Keyword::Left:
@@ -359,7 +360,7 @@ ExpressionPtr Parser::parseNamePrimary() {
     }
   }
   ObjectName name = parseObjectName(4);
-  if (is(Symbol::Dot)) {  // parseObjectName() stops in front of `.*`
+  if (is(Symbol::Dot)) {  // parseObjectName() stops before `.*`
     advance();
     // A star with a table's name opens an item of a select list and stands nowhere else.
     if (position.offset != starOffset_) {

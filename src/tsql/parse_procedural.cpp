@@ -30,6 +30,7 @@ StatementPtr Parser::parseNestedStatement() {
 
 Statement Parser::parseStatementNode() {
   const Position position = current_.position;
+  // A query may begin with a parenthesis.
   if (is(Symbol::LeftParenthesis)) {
     return {position, parseSelect()};
   }

@@ -178,6 +178,7 @@ SelectItem Parser::parseSelectItem() {
   // `T.*` may stand here, and is recognised by its place.
   starOffset_ = current_.position.offset;
   item.expression = parseScalar();
+  // A star takes no alias.
   if (!std::holds_alternative<Star>(item.expression->node)) {
     parseSelectAlias(item);
   }

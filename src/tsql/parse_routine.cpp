@@ -12,6 +12,7 @@ std::string Parser::sourceFrom(Position start) const {
 }
 
 CreateProcedureStatement Parser::parseCreateProcedure(Position start) {
+  // This statement is counted already.
   if (batchStatements_ != 1) {
     failAt(111, "'CREATE/ALTER PROCEDURE' must be the first statement in a query batch.", current_);
   }
@@ -21,6 +22,7 @@ CreateProcedureStatement Parser::parseCreateProcedure(Position start) {
   if (is(Symbol::Semicolon)) {
     failOutside("numbered procedures");
   }
+  // The parameters of a procedure may stand in parentheses or without.
   const bool enclosed = accept(Symbol::LeftParenthesis);
   if (enclosed || current_.kind == TokenKind::Variable) {
     procedure.parameters = parseParameters();

@@ -46,10 +46,11 @@ TableSourcePtr makeSource(const Position& position) {
 
 }  // namespace
 
-/// The sources behind the word FROM.
+/// The sources after the word FROM.
 std::vector<TableSourcePtr> Parser::parseFrom() {
   std::vector<TableSourcePtr> sources;
   do {
+    // Sources side by side are no higher than the highest of them.
     const Part part(*this);
     sources.push_back(parseJoins(parseSource()));
   } while (accept(Symbol::Comma));
@@ -109,6 +110,7 @@ JoinKind Parser::takeJoinWords() {
       if (acceptWord("APPLY")) {
         return cross ? JoinKind::CrossApply : JoinKind::OuterApply;
       }
+      // OUTER by itself opens OUTER APPLY only.
       if (!cross) {
         fail();
       }
@@ -300,6 +302,7 @@ void Parser::parseHintList(std::vector<std::string>& hints) {
     if (accept(Symbol::RightParenthesis)) {
       return;
     }
+    // Hints may follow each other without a comma.
     accept(Symbol::Comma);
   }
 }

@@ -38,7 +38,7 @@ void Parser::advance() {
     ahead_[0] = ahead_[1];
     --aheadCount_;
   }
-  // An open quote is reported only when the parser has accepted everything in front of it.
+  // An open quote is reported only when the parser has accepted everything before it.
   if (current_.kind == TokenKind::UnclosedQuote || current_.kind == TokenKind::UnclosedComment) {
     fail();
   }
@@ -219,7 +219,7 @@ ObjectName Parser::parseTableName() {
     advance();
     return name;
   }
-  // Everywhere behind the parser `@` at the start means a table variable.
+  // To all that reads the tree, `@` at the start of a table's name means a table variable.
   if (current_.kind == TokenKind::QuotedName && current_.raw.substr(1, 1) == "@") {
     failOutside("a table whose name begins with @");
   }

@@ -147,7 +147,7 @@ void Printer::node(const Unary& unary) {
   operand(*unary.operand, kMultiplicative);
 }
 
-/// A sign takes in the factors behind it, so that a signed factor stands in parentheses.
+/// A sign takes in the factors after it, so that a signed factor stands in parentheses.
 void Printer::node(const Binary& binary) {
   const int binding = bindingOf(binary.op);
   // Comparisons do not chain: both sides are values. The other operators group to the left.
@@ -227,6 +227,7 @@ void Printer::node(const Case& node) {
 
 void Printer::node(const FunctionCall& call) {
   functionName(call.name);
+  // CURRENT_TIMESTAMP and its kind take no parentheses.
   if (isNiladic(call.name)) {
     return;
   }

@@ -4,7 +4,7 @@ namespace azcoll::tsql {
 
 namespace {
 
-/// Whether an ELSE behind the statement would belong to an IF inside it.
+/// Whether an ELSE after the statement would belong to an IF inside it.
 bool endsInOpenIf(const Statement& statement) {
   if (const auto* branch = std::get_if<IfStatement>(&statement.node)) {
     return !branch->otherwise || endsInOpenIf(*branch->otherwise);
@@ -112,6 +112,7 @@ void Printer::write(const SetOptionStatement& set) {
 void Printer::write(const IfStatement& statement) {
   out_ += "IF ";
   expression(*statement.condition);
+  // The ELSE would go to the IF inside.
   const bool enclose = statement.otherwise && endsInOpenIf(*statement.then);
   out_ += enclose ? " BEGIN " : " ";
   this->statement(*statement.then);

@@ -100,6 +100,7 @@ void Printer::functionName(const ObjectName& name) {
       default:
         break;
     }
+    // In brackets it stays the name of a plain call when it is read again.
     if (isSpecialCall(word)) {
       out_ += '[' + word + ']';
       return;

@@ -46,6 +46,7 @@ class ScriptSplitter {
       }
       const std::size_t before = at_;
       step();
+      // CR LF is one line break.
       atLineStart = isLineBreak(script_[before]) &&
                     !(script_[before] == '\r' && byteAt(script_, at_) == '\n');
     }

@@ -13,7 +13,7 @@ struct ScriptBatch {
   std::uint32_t firstLine = 1;
 };
 
-/// Parts a script at its lines that hold nothing but GO (any letter case, blanks around it);
+/// Splits a script at its lines that hold nothing but GO (any letter case, blanks around it);
 /// batches without a statement are left out. A GO inside a comment or a quoted text does not count.
 /// A mark of the byte order at the start is dropped.
 [[nodiscard]] std::vector<ScriptBatch> splitScript(std::string_view script);

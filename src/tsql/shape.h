@@ -21,7 +21,7 @@ struct LiteralToken {
 ///
 /// Constants are all numbers, quoted texts and binary constants, wherever they stand (lengths of
 /// types and aliases in quotes too), and the word NULL where it opens a value of a VALUES row:
-/// right behind the row's opening parenthesis or one of the row's own commas. The n-th of them is
+/// right after the row's opening parenthesis or one of the row's own commas. The n-th of them is
 /// `literals[n]` here and has the ordinal n in the tree; other words NULL are part of the shape.
 ///
 /// Classes: integer, decimal, float, text (with or without N), binary, NULL. A constant that is a

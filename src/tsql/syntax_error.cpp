@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kContext = 40;  // characters shown on either side of the place
 constexpr std::size_t kMarked = 32;   // characters shown of the place itself
 
-/// Start of the part shown in front of `offset`; `cut` says that the line began earlier.
+/// Start of the part shown before `offset`; `cut` says that the line began earlier.
 std::size_t contextStart(std::string_view text, std::size_t offset, bool& cut) {
   std::size_t characters = 0;
   std::size_t at = offset;
@@ -22,7 +22,7 @@ std::size_t contextStart(std::string_view text, std::size_t offset, bool& cut) {
       break;
     }
     --at;
-    // Bytes that are no UTF-8 have no limit of four a character: they count one by one.
+    // Bytes that are not UTF-8 have no limit of four a character: they count one by one.
     if (!isContinuation(text[at]) || offset - at > 4 * kContext) {
       ++characters;
     }
@@ -49,7 +49,7 @@ void appendShown(std::string& out, std::string_view part) {
 
 /// At most `limit` characters of `text`, not beyond its first line break; `…` for the rest.
 void appendStart(std::string& out, std::string_view text, std::size_t limit) {
-  // No character has more than four bytes; bytes that are no UTF-8 could go on without end.
+  // No character has more than four bytes; bytes that are not UTF-8 could go on without end.
   const std::string_view shown = leftCharacters(text.substr(0, 4 * limit), limit);
   const auto* const lineEnd = std::find_if(shown.begin(), shown.end(), isLineBreak);
   const auto length = static_cast<std::size_t>(lineEnd - shown.begin());

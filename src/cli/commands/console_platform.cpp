@@ -59,7 +59,7 @@ Answer ConsolePlatform::ask() {
   console_.err << "Sì o No? [s/N] " << std::flush;
   std::string line;
   if (!std::getline(console_.in, line)) {
-    console_.err << '\n';  // the end of the input leaves the cursor behind the question
+    console_.err << '\n';  // the end of the input leaves the cursor after the question
   }
   line.erase(line.find_last_not_of(" \t\r") + 1);
   const std::string answer = foldName(trim(line));

@@ -152,6 +152,7 @@ bool containsAggregate(const tsql::Expression& expression) {
   return found;
 }
 
+/// A query counts, too: it may refer to the row.
 bool dependsOnRow(const tsql::Expression& expression) {
   const auto& node = expression.node;
   bool found = std::holds_alternative<tsql::ColumnReference>(node) ||

@@ -61,6 +61,7 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
   Type type;
   if (name == "GETDATE" || name == "CURRENT_TIMESTAMP") {
     requireArguments(call, 0, 0);
+    // A slot, not a call: one moment for all rows of the statement.
     BoundExpression now;
     now.type = kDateTime;
     now.pending.emplace();
@@ -84,6 +85,7 @@ std::optional<BoundExpression> ExpressionBinder::bindDateCall(std::string_view n
     const std::string code = partText(*call.arguments.front(), context_.text);
     BoundExpression count = bind(*call.arguments[1], clause);
     reach |= count.reach;
+    // DATEADD takes an INT; a larger number is its overflow, not that of the date.
     const std::string number = constants_.coerce(count, kInt, Conversion::Cut);
     const std::string date = bindDate(*call.arguments[2], type);
     return computed("ts_date_add(" + code + "," + number + "," + date + "," +

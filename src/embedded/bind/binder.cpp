@@ -149,6 +149,7 @@ std::string Binder::bindAssignments(const tsql::Query& query, std::vector<Assign
     const std::size_t variable = bound.select->assigned[i];
     const Type& type = context_.variables->scalars[variable].type;
     queries.constants().requireConvertible(column.expression.type, type, column.position);
+    // A variable cuts what is too long for it and reports nothing.
     column.sql = queries.constants().coerce(column.expression, type, Conversion::Cut);
     targets.push_back({variable, type});
   }
@@ -223,6 +224,7 @@ std::string Binder::bindCheck(const tsql::Expression& condition, const Table& ta
   scope.sources.push_back(std::move(source));
   std::string sql =
       queries.expressions().bindCondition(condition, Clause{scope}, Unknown::Kept).sql;
+  // A slot would stand for a moment or a count of rows: SQLite keeps a CHECK as a text.
   if (!translation_.slots.empty()) {
     refuse(context_.text, condition.position, "a CHECK over what changes by itself");
   }

@@ -13,9 +13,9 @@
 
 namespace azcoll::embedded {
 
-/// Turns one statement of T-SQL into a statement of SQLite of the same meaning. What it cannot keep
-/// the meaning of it refuses (`tsql::SyntaxError` with number 0); what is wrong it refuses as SQL
-/// Server does (`SqlError`). The slots and guards are left in the translation.
+/// Turns one statement of T-SQL into a statement of SQLite of the same meaning. A statement that
+/// would lose its meaning is refused (`tsql::SyntaxError` with number 0), a wrong one fails as on
+/// SQL Server (`SqlError`). The slots and guards are left in the translation.
 class Binder {
  public:
   Binder(const BindContext& context, Translation& translation)

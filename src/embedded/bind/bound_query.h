@@ -22,7 +22,7 @@ struct OutputColumn {
   Type type;        ///< final type
 };
 
-/// An equality between the query and its surroundings, taken out of its condition.
+/// An equality between the query and those around it, taken out of its condition.
 struct Correlation {
   std::string inner;
   std::string outer;
@@ -43,7 +43,7 @@ struct BoundSelect {
   bool grouped = false;
   bool oneGroup = false;  ///< one row over all rows, although no column has an aggregate
   bool atMostOneRow = false;
-  bool correlated = false;  ///< what is left depends on the surroundings
+  bool correlated = false;  ///< what is left depends on the queries around it
   std::vector<Correlation> correlations;
   std::uint64_t correlationLevels = 0;  ///< scopes that the correlations refer to, a bit each
   std::vector<std::size_t> assigned;    ///< variables of SELECT @v = …, one for each column

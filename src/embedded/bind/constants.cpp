@@ -88,7 +88,7 @@ std::string Constants::emitConstant(const BoundExpression& expression, const Typ
   try {
     return sqliteConstant(convert(std::move(value), type, target, conversion));
   } catch (const SqlError& error) {
-    // The statement fails when it is reached, after the statements in front of it have run.
+    // The statement fails when it is reached, after the statements before it have run.
     if (!translation_.failure) {
       translation_.failure = error;
     }

@@ -45,8 +45,8 @@ void InRewrite::noteConstantFilter(const tsql::Expression& conjunct,
   }
 }
 
-/// What the surroundings demand of a column holds for the column that must equal it as well. With
-/// that condition the subquery need not gather rows that nobody asks for.
+/// What the queries around demand of a column holds for the column that must equal it as well. With
+/// that condition the subquery need not gather rows that are not asked for.
 void InRewrite::addConstantFilters(const Clause* outer, BoundSelect& select) {
   for (const Clause* at = outer; at != nullptr; at = at->scope.parent) {
     for (const Correlation& correlation : select.correlations) {

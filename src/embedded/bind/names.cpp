@@ -12,7 +12,7 @@ namespace azcoll::embedded {
 
 namespace {
 
-/// Whether `qualifier` (the parts in front of the column) names the source.
+/// Whether `qualifier` (the parts before the column) names the source.
 bool isNamedBy(const Source& source, const std::vector<std::string>& qualifier) {
   if (qualifier.size() == 2 &&
       (source.hasAlias || !ascii::equalsIgnoringCase(qualifier.front(), "DBO"))) {

@@ -29,6 +29,8 @@ enum class Side : std::uint8_t { Left, Right };
 std::string renderOperand(const BoundQuery& query, Side side) {
   const bool limited =
       query.select && (!query.select->limit.empty() || !query.select->orderBy.empty());
+  // SQLite groups set operations to the left and takes no parentheses around them; LIMIT would
+  // count for the whole.
   if (limited || (!query.select && side == Side::Right)) {
     return "SELECT * FROM (" + render(query) + ")";
   }

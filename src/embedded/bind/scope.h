@@ -60,7 +60,7 @@ struct BoundExpression {
 struct BoundCondition {
   std::string sql;
   Reach reach;
-  std::optional<bool> constant{};  ///< what two constants come to: it never changes
+  std::optional<bool> constant{};  ///< the outcome of comparing two constants
   /// Of `(column …)` with a bare column: the column's text, and what follows it up to the bracket.
   std::string column{};
   std::string test{};

@@ -101,6 +101,7 @@ class TableDescriber {
                                "or numeric with a scale of 0, unencrypted, and constrained to be "
                                "nonnullable.");
     }
+    // SQLite's own counting goes by 1.
     if (definition.identityIncrement != 1) {
       refuse(text_, definition.position, "an identity that does not count by 1");
     }
@@ -113,6 +114,8 @@ class TableDescriber {
     for (const std::string& name : definition.columns) {
       constraint.columns.push_back(columnOf(*table_, name));
     }
+    // Its columns are looked up when it is made: the other table may be this one, not described to
+    // its end.
     if (definition.kind == tsql::ConstraintKind::ForeignKey) {
       constraint.referencedTable = objectName(definition.referencedTable, text_);
       constraint.referencedColumns = definition.referencedColumns;
@@ -254,6 +257,7 @@ const std::string& objectName(const tsql::ObjectName& name, std::string_view tex
   if (parts > 2) {
     refuse(text, name.position, "names with a database or a server");
   }
+  // Every object is in dbo, so in another schema there is none of that name.
   if (parts == 2 && !ascii::equalsIgnoringCase(name.parts[0], "DBO")) {
     throw SqlError(208, "Invalid object name '" + name.parts[0] + "." + name.parts[1] + "'.");
   }
@@ -276,6 +280,7 @@ Type declaredType(const tsql::TypeName& name, std::string_view text, std::size_t
   if (const std::optional<Type> type = typeFromName(name, 1)) {
     return *type;
   }
+  // A type that T-SQL has is refused by name, one that it has not is T-SQL's own error.
   if (isSystemType(name.name)) {
     refuseType(name, text);
   }

@@ -27,7 +27,8 @@ class CatalogueStore {
   void create() const;
   /// Reads everything into `catalogue`, in the place of what it held.
   void load(Catalogue& catalogue) const;
-  /// The definitions as they were written, in the order of creation.
+  /// The definitions as T-SQL, in the order of creation: routines as they were written, the others
+  /// as the printer writes them.
   [[nodiscard]] std::vector<std::string> definitions() const;
   /// Counts the changes of the catalogue: another number means that it must be read again.
   [[nodiscard]] std::int64_t version() const;
@@ -46,7 +47,8 @@ class CatalogueStore {
   const SqliteDatabase* database_;
 };
 
-/// Name of the catalogue's own table; no other object may be called so.
+/// Name of the catalogue's own table. A table that is called so in T-SQL has another name in
+/// SQLite.
 inline constexpr std::string_view kCatalogueTable = "azcoll_catalogue";
 
 }  // namespace azcoll::embedded

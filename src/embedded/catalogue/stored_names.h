@@ -15,8 +15,8 @@ namespace azcoll::embedded {
 /// SQLite's name of an index: unlike SQL Server's it is one among all tables.
 [[nodiscard]] std::string indexStoreName(const Table& table, std::string_view index);
 
-/// Ends the name of the index that holds apart the rows with missing values in a unique key: SQLite
-/// allows many of them, SQL Server one.
+/// Ends the name of the index that keeps rows with missing values in a unique key different: SQLite
+/// allows many equal ones, SQL Server one.
 inline constexpr std::string_view kNullIndexSuffix = " (null)";
 
 /// The columns of the referenced table behind a foreign key.

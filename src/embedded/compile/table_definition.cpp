@@ -136,6 +136,9 @@ std::string foreignKey(const Table& table, const Constraint& constraint,
 
 }  // namespace
 
+/// STRICT: a value that conversions let through in a wrong form is refused instead of stored.
+/// WITHOUT ROWID: the rows lie in the order of their key. An identity is SQLite's primary key; the
+/// table's own becomes a unique key beside it, unless it is that column.
 std::vector<std::string> tableDefinition(const Table& table, const Catalogue& catalogue,
                                          std::string_view text) {
   std::string sql = table.isVariable ? "CREATE TEMP TABLE " : "CREATE TABLE ";
@@ -145,8 +148,6 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
     sql += "," + quoteName(table.rowColumn) + " INTEGER PRIMARY KEY";
   }
   std::vector<std::string> statements{""};
-  // An identity is SQLite's primary key; the table's own becomes a unique key beside it, unless it
-  // is that column.
   const bool keyIsRowid = table.key.size() == 1 && table.identity == table.key.front();
   for (std::size_t i = 0; i < table.constraints.size(); ++i) {
     const Constraint& constraint = table.constraints[i];
@@ -184,8 +185,6 @@ std::vector<std::string> tableDefinition(const Table& table, const Catalogue& ca
       }
     }
   }
-  // STRICT: a value that conversions let through in a wrong form is refused instead of stored.
-  // WITHOUT ROWID: the rows lie in the order of their key.
   statements.front() = sql + (table.hasRowid ? ") STRICT" : ") STRICT, WITHOUT ROWID");
   if (table.identity && table.definition->columns[*table.identity].identitySeed != 1) {
     // AUTOINCREMENT counts on from the number that this table of SQLite's holds.

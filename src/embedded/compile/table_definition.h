@@ -9,8 +9,8 @@
 namespace azcoll::embedded {
 
 /// The SQLite statements that make a table, in order. `catalogue` holds the tables that foreign
-/// keys refer to; `text` is the batch, for messages. Throws `SqlError` (1767, 1770, 1776 for a
-/// foreign key that fits nothing) or `tsql::SyntaxError`.
+/// keys refer to; `text` is the batch, for messages. Throws `SqlError` (1767, 1770, 1776,
+/// 1778, 8139 for a foreign key that fits nothing) or `tsql::SyntaxError`.
 [[nodiscard]] std::vector<std::string> tableDefinition(const Table& table,
                                                        const Catalogue& catalogue,
                                                        std::string_view text);

@@ -30,7 +30,7 @@ std::vector<std::uint32_t> characters(std::string_view text) {
   return result;
 }
 
-/// Reads `[…]` from behind its opening bracket; false when it is not closed.
+/// Reads `[…]` from after its opening bracket; false when it is not closed.
 bool readSet(const std::vector<std::uint32_t>& pattern, std::size_t& at, Element& element) {
   std::size_t i = at;
   element.kind = Element::Kind::Set;
@@ -38,7 +38,7 @@ bool readSet(const std::vector<std::uint32_t>& pattern, std::size_t& at, Element
     element.negated = true;
     ++i;
   }
-  // Right behind the opening bracket `]` is a member of the set.
+  // Right after the opening bracket `]` is a member of the set.
   const std::size_t first = i;
   while (i < pattern.size() && (pattern[i] != ']' || i == first)) {
     const bool range = i + 2 < pattern.size() && pattern[i + 1] == '-' && pattern[i + 2] != ']';

@@ -61,7 +61,7 @@ void substring(const FunctionCallFrame& frame) {
   const std::int64_t start =
       std::clamp(frame.integer(1), -std::int64_t{1} << 40U, std::int64_t{1} << 40U);
   const std::int64_t count = std::min(requireCount(frame.integer(2)), std::int64_t{1} << 41U);
-  // Positions in front of the text count as well: SUBSTRING('abc', 0, 2) is 'a'.
+  // Positions before the text count as well: SUBSTRING('abc', 0, 2) is 'a'.
   const std::int64_t end = start + count;
   const std::int64_t first = std::max(start, std::int64_t{1});
   const auto skipped = static_cast<std::size_t>(first - 1);

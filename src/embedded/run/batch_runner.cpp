@@ -169,6 +169,7 @@ BatchRunner::Flow BatchRunner::runWhile(WhileNode& loop) {
   while (test(loop.condition)) {
     // A loop of trivial statements never reaches SQLite's own reading of the clock.
     if (session_.timeLimit.isOver()) {
+      // As SQLite reports that its own clock reading ended a statement.
       throw SqliteFailure{SQLITE_INTERRUPT, ""};
     }
     const Flow flow = runNode(*loop.body);

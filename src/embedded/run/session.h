@@ -66,7 +66,7 @@ class Plans {
   [[nodiscard]] virtual Node compileDeferred(Plan& plan, const tsql::Statement& statement) = 0;
   /// Compiles a routine for its errors alone.
   virtual void checkRoutine(const Routine& routine) = 0;
-  /// Lets go of all plans: a prepared statement keeps its tables in use.
+  /// Releases all plans: a prepared statement keeps its tables in use.
   virtual void forgetPlans() = 0;
   /// After a definition: nothing compiled before is valid any longer.
   virtual void definitionsChanged() = 0;

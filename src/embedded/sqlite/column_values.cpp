@@ -12,8 +12,8 @@ namespace azcoll::embedded {
 
 namespace {
 
-/// The length is asked for behind the text, because fetching a text may convert the value and with
-/// it its length.
+/// The length is asked for after the text: fetching it may convert the value, and so change its
+/// length.
 std::string_view columnText(sqlite3_stmt* statement, int column) {
   const unsigned char* const text = sqlite3_column_text(statement, column);
   return text == nullptr

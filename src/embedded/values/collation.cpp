@@ -45,10 +45,10 @@ constexpr std::uint32_t primaryWeight(std::uint32_t folded) {
     return kDigits + plain;
   }
   if (isWithin(plain, 'a', 'z')) {
-    // Two apart: a letter of its own finds a place behind the one it looks like.
+    // Two apart: a letter of its own finds a place after the one it looks like.
     return kLetters + plain * 2;
   }
-  switch (plain) {  // letters of their own, behind the letter that they look like
+  switch (plain) {  // letters of their own, after the letter that they look like
     case 0xDF:      // sharp s
       return kLetters + 's' * 2 + 1;
     case 0xE6:  // ae
@@ -78,7 +78,7 @@ constexpr std::uint32_t kBlankWeight = kAsciiWeights[' '];
 
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
-/// Walks a text character by character; behind its end come blanks.
+/// Walks a text character by character; after its end come blanks.
 class WeightReader {
  public:
   explicit WeightReader(std::string_view text) : text_(text) {}

@@ -8,7 +8,7 @@
 namespace azcoll::embedded {
 
 /// Name of the collation of every text column: letter case does not count, accents do, blanks at
-/// the end do not. Order: punctuation, digits, letters; an accented letter behind its plain one.
+/// the end do not. Order: punctuation, digits, letters; an accented letter after its plain one.
 inline constexpr const char* kCollationName = "TSQL";
 
 /// Compares as the collation does: negative, 0, positive.

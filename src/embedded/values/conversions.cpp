@@ -86,6 +86,7 @@ std::int64_t integerFromText(std::string_view text, const Type& from, const Type
 }
 
 Value bitFromText(std::string_view text, const Type& from, const Type& to) {
+  // BIT takes the two words, and any number: what is not 0 is 1.
   const std::string word = upperText(trim(text));
   if (word == "TRUE" || word == "FALSE") {
     return Value::ofInteger(word == "TRUE" ? 1 : 0);
@@ -156,6 +157,7 @@ Value fitDecimal(Int128 digits, int scale, const std::string& from, const Type& 
 Value toDecimal(const Value& value, const Type& from, const Type& to, Conversion conversion) {
   if (from.isText()) {
     const auto decimal = Decimal::parse(trim(value.text));
+    // An empty text is an error here, unlike for whole numbers.
     if (!decimal) {
       failType(from, to);
     }
@@ -310,6 +312,7 @@ void fitText(std::string& text, const Type& from, const Type& to, Conversion con
       throw SqlError(8152, "String or binary data would be truncated.");
     }
   }
+  // CHAR values are stored as long as their type: they show their blanks.
   if (to.isPadded()) {
     const std::size_t units = utf16Length(text);
     if (units < length) {
@@ -322,6 +325,7 @@ Value toText(Value value, const Type& from, const Type& to, Conversion conversio
   if (!from.isText()) {
     value = Value::ofText(valueText(value, from));
   }
+  // A text that is compared is not cut: it could equal a value then that it does not equal.
   if (conversion != Conversion::Compare && to.length != kUnlimited) {
     fitText(value.text, from, to, conversion);
   }

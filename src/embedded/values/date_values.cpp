@@ -155,6 +155,7 @@ ParsedDate parseDateText(std::string_view text) {
       return {DateOutcome::Malformed, {}};
     }
     if (!cursor.rest.empty()) {
+      // The `T` of ISO 8601 belongs to the form with dashes.
       const bool joined = day.dashed && cursor.accept('T');
       if (!joined && !cursor.rest.starts_with(' ')) {
         return {DateOutcome::Malformed, {}};
@@ -241,7 +242,7 @@ std::string storedDate(const Date& date, const Type& type) {
 }
 
 Date dateFromStored(std::string_view text) {
-  // The places are fixed. A DATE ends behind the day, so what lies beyond counts as 0.
+  // The places are fixed. A DATE ends after the day, so what lies beyond counts as 0.
   const auto number = [text](std::size_t at, std::size_t length) {
     int value = 0;
     if (at + length <= text.size()) {

@@ -24,7 +24,7 @@ struct ParsedDate {
 };
 
 /// Reads the forms that SQL Server takes under every language setting: `yyyymmdd`, `yymmdd`,
-/// `yyyy`, `yyyy-mm-dd`, each with an optional time ` hh:mm[:ss[.fff]]` (behind a `T` in the dashed
+/// `yyyy`, `yyyy-mm-dd`, each with an optional time ` hh:mm[:ss[.fff]]` (after a `T` in the dashed
 /// form), a time alone, and nothing at all (1 January 1900). What depends on the language
 /// (`01/02/2024`) is malformed here: it would be guessed.
 [[nodiscard]] ParsedDate parseDateText(std::string_view text);

@@ -39,6 +39,7 @@ Type literalType(tsql::LiteralKind kind, std::string_view text) {
       const std::string_view whole = text.substr(0, point);
       const std::size_t first = whole.find_first_not_of('0');
       const std::size_t wholeDigits = first == std::string_view::npos ? 0 : whole.size() - first;
+      // Zeros in front do not count: 0.5 is a DECIMAL(1, 1).
       const std::size_t precision = std::max<std::size_t>(wholeDigits + scale, 1);
       if (precision <= Decimal::kMaxDigits) {
         return decimalType(static_cast<int>(precision), static_cast<int>(scale));

@@ -66,6 +66,7 @@ Type commonDecimal(const Type& left, const Type& right, bool& fits) {
   const Type b = asDecimal(right);
   const int scale = std::max(a.scale, b.scale);
   const int whole = std::max(a.precision - a.scale, b.precision - b.scale);
+  // SQL Server would take fractional digits away; the caller refuses instead.
   fits = scale + whole <= kMaxPrecision;
   return decimalType(std::min(scale + whole, kMaxPrecision), scale);
 }
@@ -216,6 +217,7 @@ std::optional<Type> commonType(const Type& left, const Type& right) {
     return left.scale > right.scale ? left : right;
   }
   if (higher.kind == TypeKind::DateTime2 && lower.isDate()) {
+    // The finest that there is, so that both keep their milliseconds.
     return Type{TypeKind::DateTime2, 0, 0, 3};
   }
   return higher;
