@@ -324,7 +324,7 @@ TEST_F(DiagnosisOnAServer, LooksWhereAStatementFindsItsTables) {
   there.tables.insert(there.tables.begin(), own);
   EXPECT_THAT(only(diagnosed()).remedy,
               StartsWith("ALTER TABLE contabilita.CG16_ANAGGEN ADD CG16_RAGSOANAG"));
-  std::ranges::rotate(there.tables, there.tables.begin() + 1);
+  std::rotate(there.tables.begin(), there.tables.begin() + 1, there.tables.end());
   EXPECT_THAT(only(diagnosed()).remedy, StartsWith("ALTER TABLE contabilita.CG16_ANAGGEN ADD"));
 }
 
