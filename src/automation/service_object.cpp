@@ -5,6 +5,7 @@
 
 #include "data/error.h"
 #include "data/messages.h"
+#include "data/variant.h"
 
 namespace azcoll::automation {
 namespace {

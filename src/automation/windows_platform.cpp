@@ -11,6 +11,7 @@
 #include "ado/variants.h"
 #include "ado/wide_text.h"
 #include "data/error.h"
+#include "data/variant.h"
 
 namespace azcoll {
 namespace automation {

@@ -5,6 +5,7 @@
 #include "cursor/criteria.h"
 #include "data/error.h"
 #include "data/messages.h"
+#include "data/variant.h"
 
 namespace azcoll::cursor {
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "data/variant.h"
 #include "embedded/catalogue/store.h"
 #include "embedded/plan/guards.h"
 #include "embedded/plan/slots.h"

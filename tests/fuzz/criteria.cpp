@@ -16,6 +16,7 @@
 
 #include "cursor/client_cursor.h"
 #include "data/error.h"
+#include "data/variant.h"
 #include "fuzz/check.h"
 #include "fuzz/targets.h"
 #include "text/letter_case.h"

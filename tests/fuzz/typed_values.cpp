@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "data/variant.h"
 #include "embedded/sqlite/sql_text.h"
 #include "embedded/values/conversions.h"
 #include "embedded/values/number_values.h"

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "data/error.h"
+#include "data/variant.h"
 #include "text/trimming.h"
 
 namespace azcoll::frame_tests {
