@@ -96,7 +96,8 @@ TEST_F(Commands, KeepAParameterReadableAfterTheyLetGoOfTheConnection) {
   connection.reset();
   EXPECT_TRUE(watched.expired());
   EXPECT_EQ(output.value(), Variant{8});
-  EXPECT_EQ(failureOf([&] { static_cast<void>(command->parameters().count()); }), "Connessione mancante");
+  EXPECT_EQ(failureOf([&] { static_cast<void>(command->parameters().count()); }),
+            "Connessione mancante");
 }
 
 TEST_F(Commands, RunATextOnTheirConnection) {
