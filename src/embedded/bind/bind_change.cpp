@@ -48,7 +48,9 @@ std::string updateByKey(const Table& table, const std::string& source, const std
     const std::string name = "k" + std::to_string(groups.size() + 1);
     rows.append(",").append(key).append(" AS ").append(name);
     groups.push_back(std::move(key));
-    matches.push_back("u." + column + "=s." + name);
+    std::string match = "u.";
+    match.append(column).append("=s.").append(name);
+    matches.push_back(std::move(match));
   }
   for (const auto& [column, value] : assigned) {
     const std::string name = "v" + std::to_string(changes.size() + 1);
